@@ -1,0 +1,169 @@
+// Arithmetic on DateTimeValue: field-wise adjustment with carries, moves by
+// whole days through the 400-year cycle, and differences.
+#include <cstring>
+#include "calendar_internal.h"
+
+static void AdjustYears(DateTimeValue *v, long long delta);
+static void AdjustMonths(DateTimeValue *v, long long delta);
+static void AdjustHours(DateTimeValue *v, long long delta);
+
+// A day beyond the end of the resulting month becomes its last day; this
+// runs at the end of every adjustment, the recursive ones included.
+static void ClampDay(DateTimeValue *v)
+{
+    unsigned last = DaysInMonth(v->year, v->month);
+    if (last && v->day > last)
+        v->day = static_cast<BYTE>(last);
+}
+
+// One clock field: add the delta, carry whole units into the next field
+// up, and keep the remainder within 0 .. unit-1.
+static long long WrapField(long long value, long long unit, void (*carry)(DateTimeValue *, long long),
+                           DateTimeValue *v)
+{
+    if (value < 0 && value % unit != 0)
+        value -= unit;
+    if (value < 0 || value > unit - 1)
+        carry(v, value / unit);
+    if (value < 0)
+        value = unit - (-value % unit);
+    return value % unit;
+}
+
+static void AdjustYears(DateTimeValue *v, long long delta)
+{
+    v->year = static_cast<WORD>(v->year + delta);
+    ClampDay(v);
+}
+
+static void AdjustMonths(DateTimeValue *v, long long delta)
+{
+    if (delta) {
+        long long m = v->month + delta - 1;
+        v->month = static_cast<BYTE>(WrapField(m, 12, AdjustYears, v) + 1);
+    }
+    ClampDay(v);
+}
+
+void AdjustDaysUnchecked(DateTimeValue *v, long long delta)
+{
+    if (delta) {
+        long long d = v->day + delta;
+        while (d < 1) {
+            AdjustMonths(v, -1);
+            d += DaysInMonth(v->year, v->month);
+        }
+        for (unsigned last; d > (last = DaysInMonth(v->year, v->month));) {
+            d -= last;
+            AdjustMonths(v, 1);
+        }
+        v->day = static_cast<BYTE>(d);
+    }
+    ClampDay(v);
+}
+
+static void AdjustHours(DateTimeValue *v, long long delta)
+{
+    if (delta)
+        v->hour = static_cast<BYTE>(WrapField(v->hour + delta, 24, AdjustDaysUnchecked, v));
+    ClampDay(v);
+}
+
+static void AdjustMinutes(DateTimeValue *v, long long delta)
+{
+    if (delta)
+        v->minute = static_cast<BYTE>(WrapField(v->minute + delta, 60, AdjustHours, v));
+    ClampDay(v);
+}
+
+static void AdjustSeconds(DateTimeValue *v, long long delta)
+{
+    if (delta)
+        v->second = static_cast<BYTE>(WrapField(v->second + delta, 60, AdjustMinutes, v));
+    ClampDay(v);
+}
+
+extern "C" BOOL WINAPI OSAdjustDateTime(DateTimeValue *value, LONG years, LONG months, LONG days,
+                                        LONG hours, LONG minutes, LONG seconds, LONG extraHours)
+{
+    if (!CheckDateTime(value))
+        return 0;
+    AdjustSeconds(value, seconds);
+    AdjustMinutes(value, minutes);
+    AdjustHours(value, static_cast<long long>(hours) + extraHours);
+    AdjustDaysUnchecked(value, days);
+    AdjustMonths(value, months);
+    AdjustYears(value, years);
+    return 1;
+}
+
+extern "C" BOOL WINAPI OSAdjustDateTimeByDays(DateTimeValue *value, LONG days)
+{
+    if (!CheckDateTime(value))
+        return 0;
+    // Count from 1 January 1601, the first day of a 400-year cycle, so that
+    // whole cycles, centuries and leap-year spans can be stepped over.
+    long long r = static_cast<long long>(DayNumber(value)) + days + 72683;
+    value->year = 1601;
+    value->month = 1;
+    value->day = 1;
+    if (r >= 0) {
+        if (r >= 146097) {
+            value->year = static_cast<WORD>(value->year + 400 * (r / 146097));
+            r %= 146097;
+        }
+        if (r > 36524) {
+            long long q = (r - 1) / 36524;
+            value->year = static_cast<WORD>(value->year + 100 * q);
+            r -= q * 36524;
+        }
+        if (r > 1461) {
+            long long q = (r - 1) / 1461;
+            value->year = static_cast<WORD>(value->year + 4 * q);
+            r -= q * 1461;
+        }
+    }
+    AdjustDaysUnchecked(value, r);
+    return 1;
+}
+
+static LONG SecondsOf(const DateTimeValue *v, bool withDays)
+{
+    DWORD s = ((static_cast<DWORD>(v->hourBias) + v->hour) * 60 + v->minute) * 60 + v->second;
+    if (withDays)
+        s += static_cast<DWORD>(DayNumber(v)) * 86400u;
+    return static_cast<LONG>(s);
+}
+
+extern "C" BOOL WINAPI OSDiffDateTime(const DateTimeValue *first, const DateTimeValue *second,
+                                      LONG *days, LONG *hours, LONG *minutes, LONG *seconds)
+{
+    if (!days || !hours || !minutes || !seconds) {
+        OSErrorSetErrorInfo(RV_BadParms, "OSDiffDateTime");
+        return 0;
+    }
+    if (first && second && memcmp(first, second, sizeof *first) == 0) {
+        *days = *hours = *minutes = *seconds = 0;
+        return 1;
+    }
+    if (!CheckDateTime(first) || !CheckDateTime(second))
+        return 0;
+    bool datesDiffer = DayNumber(first) != DayNumber(second);
+    // 32-bit arithmetic that wraps, as the stored differences always have.
+    LONG t = static_cast<LONG>(static_cast<DWORD>(SecondsOf(second, datesDiffer)) -
+                               static_cast<DWORD>(SecondsOf(first, datesDiffer)));
+    *days = 0;
+    if (datesDiffer) {
+        *days = t / 86400;
+        if (*days)
+            t %= 86400;
+    }
+    *hours = t / 3600;
+    if (*hours)
+        t %= 3600;
+    *minutes = t / 60;
+    if (*minutes)
+        t %= 60;
+    *seconds = t;
+    return 1;
+}

@@ -1,0 +1,325 @@
+/*
+ * qziso32.h - the public interface of the isolation layer.
+ *
+ * A host includes this header and links against qziso32.dll. Every function
+ * is exported by name and by a fixed ordinal. Exports use the WINAPI
+ * (__stdcall) convention; the variadic ones use __cdecl.
+ *
+ * Records the host stores or shares (DateTimeValue, the ResultCode numbers)
+ * keep their 32-bit layout. In the x86_64 build pointer-sized fields widen
+ * to 8 bytes; everything else stays as it is.
+ */
+#ifndef QZISO32_H
+#define QZISO32_H
+
+#include <windows.h>
+#include <stdarg.h>
+
+#ifdef QZISO32_BUILDING
+#define QZAPI
+#else
+#define QZAPI __declspec(dllimport)
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------ */
+/* Result codes. The numbers are shared with the host and must stay.   */
+/* Gaps (47, 71, 94, 101, 105-116) have no name.                       */
+/* ------------------------------------------------------------------ */
+typedef enum ResultCode {
+    RV_Success = 0,
+    RV_Failure = 1,
+    RV_OutOfDisk = 2,
+    RV_OutOfLocalMemory = 3,
+    RV_OutOfGlobalMemory = 4,
+    RV_UserError = 5,
+    RV_GDIError = 6,
+    RV_FileLocked = 7,
+    RV_RecordLocked = 8,
+    RV_BadParms = 9,
+    RV_Cancel = 10,
+    RV_Retry = 11,
+    RV_Abort = 12,
+    RV_UserTerminatedProcess = 13,
+    RV_AssertionFailure = 14,
+    RV_StageFailure = 15,
+    RV_FileCreationError = 16,
+    RV_ClipboardAlreadyOpen = 17,
+    RV_NoFile = 18,
+    RV_IntegrityFailure = 19,
+    RV_FileExists = 20,
+    RV_OSError = 21,
+    RV_ForceOSError = 22,
+    RV_SeekFailure = 23,
+    RV_ReadFailure = 24,
+    RV_WriteFailure = 25,
+    RV_MediaFailure = 26,
+    RV_FreeListFailure = 27,
+    RV_YearRange = 28,
+    RV_MonthRange = 29,
+    RV_DayRange = 30,
+    RV_HourRange = 31,
+    RV_MinuteRange = 32,
+    RV_StructSizeError = 33,
+    RV_StructPaddingError = 34,
+    RV_StructMemberMisAligned = 35,
+    RV_StructMemberCountError = 36,
+    RV_KernelError = 37,
+    RV_ExecuteError = 38,
+    RV_BadDataPtr = 39,
+    RV_BadCodePtr = 40,
+    RV_StringNonExistant = 41,
+    RV_NotVirtualFile = 42,
+    RV_NoTable = 43,
+    RV_AccessViolation = 44,
+    RV_BadID = 45,
+    RV_ReadPastEOF = 46,
+    RV_NetworkDirectoryError = 48,
+    RV_NetworkTransportError = 49,
+    RV_NetworkNetDLLError = 50,
+    RV_EndOfTable = 51,
+    RV_InvalidVirtualFile = 52,
+    RV_CommDlgError = 53,
+    RV_NoNamedFile = 54,
+    RV_BadMessage = 55,
+    RV_Timeout = 56,
+    RV_UnexpectedCommError = 57,
+    RV_BadOrs = 58,
+    RV_DuplicateValueInField = 59,
+    RV_ForcedFailure = 60,
+    RV_NotLocked = 61,
+    RV_GPFault = 62,
+    RV_Kelendrix1File = 63,
+    RV_UserBreak = 64,
+    RV_DivideByZero = 65,
+    RV_FreetimeError = 66,
+    RV_SecondRange = 67,
+    RV_InvalidPlatformFile = 68,
+    RV_ListBroken = 69,
+    RV_TreeBroken = 70,
+    RV_AlreadyInvited = 72,
+    RV_StackOverrun = 73,
+    RV_BadDIB = 74,
+    RV_BadMetafile = 75,
+    RV_PrinterError = 76,
+    RV_RegDBError = 77,
+    RV_NoPrinterConnected = 78,
+    RV_IncomingCall = 79,
+    RV_BufferTooSmall = 80,
+    RV_WriteProtect = 81,
+    RV_NetworkAccessDenied = 82,
+    RV_LinkSelf = 83,
+    RV_LinkAlready = 84,
+    RV_RemoteDelete = 85,
+    RV_Warning = 86,
+    RV_TableExists = 87,
+    RV_Kel10FileCorrupt = 88,
+    RV_AccessDenied = 89,
+    RV_BadPath = 90,
+    RV_BufferNotLocked = 91,
+    RV_TableDeleted = 92,
+    RV_BadInstall = 93,
+    RV_ODBCError = 95,
+    RV_FieldOverflow = 96,
+    RV_DDEMLError = 97,
+    RV_NotSchedulingFile = 98,
+    RV_BadPassword = 99,
+    RV_CriticalFault = 100,
+    RV_NoSchema = 102,
+    RV_WrongMetafileFormat = 103,
+    RV_WrongBackupFilePath = 104,
+    RV_NoWWWBrowserFound = 117,
+    RV_Compacting = 118,
+    RV_Conflict = 119,
+    RV_BadQSFFile = 120,
+    RV_IncludeAlready = 121,
+    RV_LinkBroken = 122,
+    RV_QuireAPI = 123,
+    RV_QSFBackend = 124,
+    RV_IncludeAlreadyButCronk = 125,
+    RV_NotDonePrinting = 126,
+    RV_RemoteDeleteOrFilteredOut = 127,
+    RV_WrongCodePage = 128
+} ResultCode;
+
+/* The highest code the mode table holds. */
+#define RV_LastCode 128
+
+/* Code 71 takes a formatter, then a format, then the format's arguments.
+ * The formatter writes at most `limit` characters and a terminator. */
+typedef int (WINAPI *ErrorTextFormatter)(char *out, int limit, const char *format, va_list args);
+
+/* The code 71 itself, for readability at call sites. */
+#define RV_Formatted ((ResultCode)71)
+
+/* ------------------------------------------------------------------ */
+/* VIRTUALFILE: a file-like block that stands wherever an error names  */
+/* a file. Its first byte is 255, which no file name begins with.      */
+/* ------------------------------------------------------------------ */
+#define VIRTUALFILE_MARKER 255
+
+#ifdef __cplusplus
+struct VIRTUALFILE {
+    unsigned char marker;   /* 255 */
+    void *data;             /* locked global block, or null */
+    DWORD size;             /* bytes in data */
+    /* Unlocks and frees the data block, if any, and zeroes pointer and size. */
+    QZAPI void Clear();
+};
+#else
+typedef struct VIRTUALFILE {
+    unsigned char marker;
+    void *data;
+    DWORD size;
+} VIRTUALFILE;
+#endif
+
+/* ------------------------------------------------------------------ */
+/* ErrorContext: the one process-wide error record, handed out live.   */
+/* ------------------------------------------------------------------ */
+struct ErrorContext;
+typedef BOOL (WINAPI *ErrorTerminateCallback)(LONG_PTR callbackData, struct ErrorContext *context);
+
+typedef struct ErrorContext {
+    ResultCode errorCode;       /* the code recorded; 0 when none was ever set */
+    DWORD contextStringId;      /* string that names what was going on */
+    HMODULE contextModule;      /* module holding that string */
+    BOOL isPending;             /* set from recording until cleared */
+    char itemText[256];         /* the name of what failed, at most 255 characters */
+    ULONG_PTR functionAddress;  /* common dialog function with RV_CommDlgError */
+    DWORD detail1;
+    DWORD detail2;
+    DWORD itemValue;
+    ULONG_PTR address;          /* offending pointer or record address */
+    DWORD rangeLow;
+    DWORD rangeHigh;
+    DWORD stage;
+    DWORD osError;
+    char memberName[41];        /* at most 39 characters */
+    char detailText[1025];      /* longer text or formatter output */
+    FARPROC presenter;          /* presenter in force during an error callback */
+    BOOL isPresenting;          /* set while an error is being shown; blocks recording */
+    BOOL quietInBackground;     /* word index 476 of OSErrorSetErrorMode */
+    struct VIRTUALFILE *virtualFileCopy;
+    FARPROC vfToPfCallback;
+    BOOL offerClose;            /* word index 479 of OSErrorSetErrorMode */
+    LONG_PTR callbackData;
+    ErrorTerminateCallback terminateCallback;
+} ErrorContext;
+
+/* Word indexes of OSErrorSetErrorMode that reach past the mode table. */
+#define ERRORMODE_INDEX_QUIETINBACKGROUND 476
+#define ERRORMODE_INDEX_OFFERCLOSE 479
+
+/* ------------------------------------------------------------------ */
+/* DateTimeValue: eight bytes, a stored format shared with the host.   */
+/* Valid years 1800 to 2101. All fields 1: no date low; all 2: high.   */
+/* ------------------------------------------------------------------ */
+typedef struct DateTimeValue {
+    WORD year;
+    BYTE month;     /* 1..12 */
+    BYTE day;       /* 1..days in month */
+    BYTE hour;      /* 0..23 */
+    BYTE minute;    /* 0..59 */
+    BYTE second;    /* 0..59 */
+    BYTE hourBias;  /* whole hours added; the library writes 0 */
+} DateTimeValue;
+
+/* Date and time conventions, copied whole in and out. */
+typedef struct DateTimeIntlSettings {
+    LONG iTime;                     /* 0: 12-hour clock, 1: 24 hours */
+    char sTime[4];                  /* time separator */
+    char s1159[9];                  /* morning text */
+    char s2359[9];                  /* afternoon text */
+    char sDate[2];                  /* date separator */
+    LONG iDate;                     /* 0 month first, 1 day first, 2 year first */
+    LONG weekStart;                 /* first day of the week, 0 for Sunday */
+    char codePageTranslation[260];
+} DateTimeIntlSettings;
+
+/* ------------------------------------------------------------------ */
+/* Instance frame                                                      */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI IsolateInstanceStart(DWORD reserved1, DWORD reserved2);
+QZAPI BOOL WINAPI IsolateInstanceStop(DWORD reserved);
+QZAPI BOOL WINAPI NetDLLGetVersion(char *out);
+QZAPI OSVERSIONINFOA *WINAPI OSGetVersionInfo(void);
+
+/* ------------------------------------------------------------------ */
+/* Error state                                                         */
+/* ------------------------------------------------------------------ */
+QZAPI void __cdecl OSErrorSetErrorInfo(ResultCode code, ...);
+QZAPI ResultCode WINAPI OSErrorGetErrorValue(void);
+QZAPI void WINAPI OSErrorClearError(void);
+QZAPI ErrorContext *WINAPI OSErrorGetErrorInfo(void);
+QZAPI DWORD WINAPI OSErrorSetErrorMode(LONG index, DWORD mode);
+QZAPI void WINAPI OSErrorSetContext(HMODULE module, DWORD stringId);
+QZAPI BOOL WINAPI OSErrorIsValidContext(void);
+QZAPI BOOL WINAPI OSErrorIsErrorPending(void);
+QZAPI BOOL WINAPI OSErrorRegisterCallback(LONG_PTR callbackData, ErrorTerminateCallback callback);
+QZAPI BOOL WINAPI OSErrorRegisterVFToPFCallBack(FARPROC callback);
+QZAPI void WINAPI DefenceStart(void);
+QZAPI void WINAPI DefenceQuit(void);
+QZAPI const char *WINAPI OSErrorGetRVErrorString(ResultCode code);
+
+/* ------------------------------------------------------------------ */
+/* Text helpers                                                        */
+/* ------------------------------------------------------------------ */
+/* Decimal scanners: skip blanks and tabs, take digits, no sign, wrap.
+ * They return the first character not used. */
+QZAPI char *WINAPI AtoI(char *text, DWORD *out);
+QZAPI char *WINAPI AtoL(char *text, DWORD *out);
+QZAPI char *WINAPI AtoUI(char *text, DWORD *out);
+QZAPI char *WINAPI AtoDW(char *text, DWORD *out);
+QZAPI char *WINAPI AtoB(char *text, BYTE *out);
+
+/* ------------------------------------------------------------------ */
+/* Calendar: date-time value and arithmetic                            */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI OSGetDateTime(DateTimeValue *out);
+QZAPI BOOL WINAPI OSSetDateTime(DateTimeValue *out, UINT year, UINT month, UINT day,
+                                UINT hour, UINT minute, UINT second, UINT hourBias);
+QZAPI DateTimeValue *WINAPI OSSetNoDateLow(DateTimeValue *out);
+QZAPI DateTimeValue *WINAPI OSSetNoDateHigh(DateTimeValue *out);
+QZAPI LONG WINAPI OSDaysSince01011800(WORD year, WORD month, WORD day);
+QZAPI BOOL WINAPI OSIsValidDateTime(const DateTimeValue *value);
+QZAPI BOOL WINAPI OSDTIsValidDateTime(const DateTimeValue *value);
+QZAPI BOOL WINAPI OSWhyIsInvalidDateTime(const DateTimeValue *value);
+QZAPI BOOL WINAPI OSAdjustDateTime(DateTimeValue *value, LONG years, LONG months, LONG days,
+                                   LONG hours, LONG minutes, LONG seconds, LONG extraHours);
+QZAPI BOOL WINAPI OSAdjustDateTimeByDays(DateTimeValue *value, LONG days);
+QZAPI BOOL WINAPI OSDiffDateTime(const DateTimeValue *first, const DateTimeValue *second,
+                                 LONG *days, LONG *hours, LONG *minutes, LONG *seconds);
+QZAPI int WINAPI OSDateTimeCompare(const DateTimeValue *a, const DateTimeValue *b);
+QZAPI int WINAPI OSDateCompare(const DateTimeValue *a, const DateTimeValue *b);
+QZAPI int WINAPI OSYearCompare(const DateTimeValue *a, const DateTimeValue *b);
+QZAPI BOOL WINAPI OSDayOfWeek(const DateTimeValue *value, LONG *weekday, LONG ignored);
+QZAPI BOOL WINAPI OSIsWeekend(LONG weekday);
+QZAPI LONG WINAPI OSDateTimeGetNumDaysInMonth(const DateTimeValue *value);
+QZAPI BOOL WINAPI OSIsDateTimePM(const DateTimeValue *value);
+
+/* ------------------------------------------------------------------ */
+/* Settings store and resource library                                 */
+/* ------------------------------------------------------------------ */
+QZAPI DWORD WINAPI OSGetProfileString(const char *keyPath, const char *valueName,
+                                     const char *defaultText, char *buffer, DWORD bufferSize,
+                                     const char *reportName, BOOL flag);
+QZAPI DWORD WINAPI OSGetProfileStringPassID(const char *keyPath, const char *valueName,
+                                           const char *defaultText, char *buffer, DWORD bufferSize,
+                                           const char *reportName, BOOL flag, HKEY root);
+QZAPI LONG WINAPI OSGetProfileInt(const char *keyPath, const char *valueName, LONG defaultValue,
+                                  const char *reportName, BOOL flag);
+QZAPI BOOL WINAPI OSGet2CharacterLanguageString(char *out);
+QZAPI BOOL WINAPI OSBuildResourceString(char *out);
+QZAPI HMODULE WINAPI OSStartResource(void);
+QZAPI BOOL WINAPI OSStopResource(void);
+QZAPI HMODULE WINAPI ResourceGetHandle(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* QZISO32_H */

@@ -1,0 +1,35 @@
+// Helpers the test programs share: clean error state around each test,
+// child processes, and a readable form of a DateTimeValue.
+#pragma once
+#include <gtest/gtest.h>
+#include <string>
+#include "qziso32.h"
+
+// Clears the error state before and after each test, so tests do not
+// depend on the order they run in.
+class ErrorStateTest : public ::testing::Test {
+protected:
+    void SetUp() override { OSErrorClearError(); }
+    void TearDown() override { OSErrorClearError(); }
+};
+
+// Runs `commandLine` with the test program's folder as the current folder;
+// returns the exit status, or -1 if the process could not start or did not
+// end within `timeoutMs`.
+DWORD RunChild(const std::string &commandLine, DWORD timeoutMs = 60000);
+
+// The folder of the running test program, with a trailing backslash.
+std::string ProgramFolder();
+
+DateTimeValue MakeDate(unsigned year, unsigned month, unsigned day, unsigned hour = 0,
+                       unsigned minute = 0, unsigned second = 0);
+
+// "YYYY-MM-DD hh:mm:ss+b", for failure messages.
+std::string ToText(const DateTimeValue &value);
+
+inline bool operator==(const DateTimeValue &a, const DateTimeValue &b)
+{
+    return memcmp(&a, &b, sizeof a) == 0;
+}
+
+inline void PrintTo(const DateTimeValue &value, std::ostream *os) { *os << ToText(value); }
