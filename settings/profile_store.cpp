@@ -1,12 +1,13 @@
 // The settings store: registry values under the current user's root (or a
 // root the caller names). Each call opens the key, works, and closes it.
 // Opening creates a key that does not exist yet; the readers rely on that.
-#include "qziso32.h"
+#include "settings_internal.h"
 
-static const REGSAM kReadAccess = 0x20019;  // KEY_READ
+const REGSAM kSettingsReadAccess = 0x20019;   // KEY_READ
+const REGSAM kSettingsWriteAccess = 0x20006;  // KEY_WRITE
 
 // Opens (creating) `keyPath` under `root`; `created` tells whether it is new.
-static HKEY OpenSettingsKey(HKEY root, const char *keyPath, REGSAM access, bool *created)
+HKEY OpenSettingsKey(HKEY root, const char *keyPath, REGSAM access, bool *created)
 {
     HKEY key = nullptr;
     DWORD disposition = 0;
@@ -38,12 +39,61 @@ static DWORD ListValueNames(HKEY key, char *buffer, DWORD bufferSize)
     return count;
 }
 
+DWORD ReadProfileText(HKEY key, const char *valueName, char *buffer, DWORD bufferSize)
+{
+    DWORD size = 0;
+    if (RegQueryValueExA(key, valueName, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS || !size)
+        return 0;
+    if (size <= bufferSize) {
+        if (RegQueryValueExA(key, valueName, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer),
+                             &size) != ERROR_SUCCESS)
+            return 0;
+        return size;
+    }
+    // A value longer than the buffer: its first bytes, with no terminator.
+    BYTE *all = static_cast<BYTE *>(LocalAlloc(LPTR, size));
+    if (!all)
+        return 0;
+    DWORD result = 0;
+    if (RegQueryValueExA(key, valueName, nullptr, nullptr, all, &size) == ERROR_SUCCESS) {
+        CopyMemory(buffer, all, bufferSize);
+        result = bufferSize;
+    }
+    LocalFree(all);
+    return result;
+}
+
+bool ReadProfileNumber(HKEY key, const char *valueName, LONG *number)
+{
+    DWORD type = 0, size = 0;
+    if (RegQueryValueExA(key, valueName, nullptr, &type, nullptr, &size) != ERROR_SUCCESS || !size)
+        return false;
+    DWORD value = 0;
+    if (type == REG_SZ) {
+        // A stored text must fit in 12 bytes; a longer one reads as 0.
+        char text[13] = {};
+        DWORD textSize = 12;
+        if (RegQueryValueExA(key, valueName, nullptr, nullptr, reinterpret_cast<BYTE *>(text),
+                             &textSize) == ERROR_SUCCESS)
+            AtoI(text, &value);
+    } else {
+        // Raw bytes of any other type, four at the most.
+        BYTE *all = static_cast<BYTE *>(LocalAlloc(LPTR, size));
+        if (all && RegQueryValueExA(key, valueName, nullptr, nullptr, all, &size) == ERROR_SUCCESS)
+            CopyMemory(&value, all, size < sizeof value ? size : sizeof value);
+        if (all)
+            LocalFree(all);
+    }
+    *number = static_cast<LONG>(value);
+    return true;
+}
+
 extern "C" DWORD WINAPI OSGetProfileStringPassID(const char *keyPath, const char *valueName,
                                                 const char *defaultText, char *buffer,
                                                 DWORD bufferSize, const char *reportName, BOOL,
                                                 HKEY root)
 {
-    HKEY key = OpenSettingsKey(root, keyPath, kReadAccess, nullptr);
+    HKEY key = OpenSettingsKey(root, keyPath, kSettingsReadAccess, nullptr);
     if (!key) {
         OSErrorSetErrorInfo(RV_ReadFailure, reportName ? reportName : "");
         return 0;
@@ -54,24 +104,8 @@ extern "C" DWORD WINAPI OSGetProfileStringPassID(const char *keyPath, const char
     } else if (!valueName) {
         result = ListValueNames(key, buffer, bufferSize);
     } else {
-        DWORD size = 0;
-        if (RegQueryValueExA(key, valueName, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
-            size = 0;
+        DWORD size = ReadProfileText(key, valueName, buffer, bufferSize);
         if (size) {
-            if (size > bufferSize)
-                size = bufferSize;
-            if (RegQueryValueExA(key, valueName, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer),
-                                 &size) == ERROR_MORE_DATA) {
-                // A value longer than the buffer: take its first bytes, uncut.
-                DWORD full = 0;
-                RegQueryValueExA(key, valueName, nullptr, nullptr, nullptr, &full);
-                BYTE *all = static_cast<BYTE *>(LocalAlloc(LPTR, full));
-                if (all && RegQueryValueExA(key, valueName, nullptr, nullptr, all, &full) == ERROR_SUCCESS)
-                    CopyMemory(buffer, all, bufferSize);
-                if (all)
-                    LocalFree(all);
-                size = bufferSize;
-            }
             result = size;
         } else {
             const char *text = defaultText ? defaultText : "";
@@ -98,36 +132,14 @@ extern "C" LONG WINAPI OSGetProfileInt(const char *keyPath, const char *valueNam
                                        const char *reportName, BOOL)
 {
     bool created = false;
-    HKEY key = OpenSettingsKey(HKEY_CURRENT_USER, keyPath, kReadAccess, &created);
+    HKEY key = OpenSettingsKey(HKEY_CURRENT_USER, keyPath, kSettingsReadAccess, &created);
     if (!key) {
         OSErrorSetErrorInfo(RV_ReadFailure, reportName ? reportName : "");
         return 0;
     }
     LONG result = defaultValue;
-    DWORD type = 0, size = 0;
-    if (!created && RegQueryValueExA(key, valueName, nullptr, &type, nullptr, &size) == ERROR_SUCCESS &&
-        size) {
-        if (type == REG_SZ) {
-            // A stored text must fit in 12 bytes; a longer one reads as 0.
-            char text[13] = {};
-            DWORD textSize = 12;
-            DWORD number = 0;
-            if (RegQueryValueExA(key, valueName, nullptr, nullptr, reinterpret_cast<BYTE *>(text),
-                                 &textSize) == ERROR_SUCCESS)
-                AtoI(text, &number);
-            result = static_cast<LONG>(number);
-        } else {
-            // Raw bytes of any other type, four at the most.
-            DWORD number = 0;
-            DWORD numberSize = sizeof number;
-            BYTE *all = static_cast<BYTE *>(LocalAlloc(LPTR, size));
-            if (all && RegQueryValueExA(key, valueName, nullptr, nullptr, all, &size) == ERROR_SUCCESS)
-                CopyMemory(&number, all, size < numberSize ? size : numberSize);
-            if (all)
-                LocalFree(all);
-            result = static_cast<LONG>(number);
-        }
-    }
+    if (!created)
+        ReadProfileNumber(key, valueName, &result);
     RegCloseKey(key);
     return result;
 }
