@@ -15,8 +15,8 @@
 # (guest uptime stamps), prefix.log, error (why nothing ran).  QZ_CMD's stdout
 # and stderr go straight to the host through two virtio serial ports.
 #
-# No `set -e`: whatever happens, this script must reach the power-off.
-set -uo pipefail
+# No `set -e` (nor -u): whatever happens, this script must reach the power-off.
+set -o pipefail
 
 job=/run/qz
 export PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin
@@ -41,6 +41,10 @@ stamp init
 
 # The rest of the system mounts a normal Linux userland expects.
 mkdir -p /dev/pts /dev/shm
+ln -sfn /proc/self/fd /dev/fd
+ln -sfn /proc/self/fd/0 /dev/stdin
+ln -sfn /proc/self/fd/1 /dev/stdout
+ln -sfn /proc/self/fd/2 /dev/stderr
 mount -t devpts -o gid=5,mode=620 devpts /dev/pts
 mount -t tmpfs -o mode=1777 shm /dev/shm
 
@@ -105,9 +109,9 @@ fi
 stamp wine-ready
 export QZ_WINE=$wine
 
-read -r t_init _ < <(grep '^init ' "$job/times" | cut -d' ' -f2-)
-read -r t_wine _ < <(grep '^wine-ready ' "$job/times" | cut -d' ' -f2-)
-echo "run32: guest up at ${t_init}s, Wine ready at ${t_wine}s (guest uptime)" > "$err"
+awk '{ t[$1] = $2 } END {
+  printf "run32: guest up at %.1fs, Wine ready at %.1fs (guest uptime)\n", t["init"], t["wine-ready"] }' \
+  "$job/times" > "$err"
 
 cd "$QZ_WORKDIR" || fail "no working directory $QZ_WORKDIR"
 "${QZ_CMD[@]}" < /dev/null > "$out" 2> "$err"

@@ -1,0 +1,259 @@
+// The error state as a host sees it: first failure wins, the argument reading
+// of each code, the modes, the callback veto, and the record's flags.
+#include <cstring>
+#include <string>
+#include "qz_test.h"
+
+namespace {
+
+class ErrorState : public ErrorStateTest {};
+
+const ErrorContext &Ctx() { return *OSErrorGetErrorInfo(); }
+
+TEST_F(ErrorState, FirstFailureWinsWithItsDetails)
+{
+    OSErrorSetErrorInfo(RV_NoFile, "first.txt");
+    OSErrorSetErrorInfo(RV_BadPath, "second");
+    OSErrorSetErrorInfo(RV_YearRange, 3000, 1800, 2101);
+    EXPECT_EQ(RV_NoFile, OSErrorGetErrorValue());
+    EXPECT_STREQ("first.txt", Ctx().itemText);
+    EXPECT_EQ(0u, Ctx().rangeHigh);
+    EXPECT_TRUE(OSErrorIsErrorPending());
+    OSErrorClearError();
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    EXPECT_FALSE(OSErrorIsErrorPending());
+}
+
+TEST_F(ErrorState, CodeZeroChangesNothing)
+{
+    OSErrorSetErrorInfo(RV_Success);
+    EXPECT_FALSE(Ctx().isPending);
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
+TEST_F(ErrorState, OsErrorsTranslateAndKeepTheNameWhereTheNewCodeReadsOne)
+{
+    struct Row {
+        DWORD osError;
+        ResultCode expected;
+        const char *keptName;
+    } rows[] = {
+        {2, RV_NoFile, "f.dat"},        {3, RV_BadPath, "f.dat"},
+        {5, RV_AccessDenied, "f.dat"},  {32, RV_AccessDenied, "f.dat"},
+        {19, RV_WriteProtect, "f.dat"}, {65, RV_NetworkAccessDenied, "f.dat"},
+        {123, RV_InvalidPlatformFile, "f.dat"},
+        {4, RV_OSError, "f.dat"},       {1234, RV_OSError, ""},
+    };
+    for (const Row &row : rows) {
+        OSErrorClearError();
+        SetLastError(row.osError);
+        OSErrorSetErrorInfo(RV_OSError, "f.dat");
+        EXPECT_EQ(row.expected, OSErrorGetErrorValue()) << row.osError;
+        EXPECT_EQ(row.osError, Ctx().osError);
+        EXPECT_STREQ(row.keptName, Ctx().itemText) << row.osError;
+
+        OSErrorClearError();
+        SetLastError(0);
+        OSErrorSetErrorInfo(RV_ForceOSError, row.osError, "f.dat");
+        EXPECT_EQ(row.expected, OSErrorGetErrorValue()) << "forced " << row.osError;
+        EXPECT_EQ(row.osError, Ctx().osError);
+        EXPECT_STREQ(row.keptName, Ctx().itemText) << "forced " << row.osError;
+    }
+}
+
+TEST_F(ErrorState, EachCodeReadsItsArgumentsIntoTheNamedFields)
+{
+    OSErrorSetErrorInfo(RV_DayRange, 31, 1, 30);
+    EXPECT_EQ(31u, Ctx().itemValue);
+    EXPECT_EQ(1u, Ctx().rangeLow);
+    EXPECT_EQ(30u, Ctx().rangeHigh);
+
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_BadID, 11, 22, 33);
+    EXPECT_EQ(11u, Ctx().detail1);
+    EXPECT_EQ(22u, Ctx().detail2);
+
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_BadOrs, 9, 4);
+    EXPECT_EQ(9u, Ctx().rangeHigh);
+    EXPECT_EQ(4u, Ctx().rangeLow);
+
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_OutOfGlobalMemory, 65536);
+    EXPECT_EQ(65536u, Ctx().detail1);
+
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_NoSchema, "schema", 0x12345);
+    EXPECT_STREQ("schema", Ctx().itemText);
+    EXPECT_EQ(0x2345u, Ctx().itemValue) << "a 16-bit word";
+
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_ODBCError, 1, 2, 3, nullptr, nullptr);
+    EXPECT_EQ(1u, Ctx().itemValue);
+    EXPECT_EQ(2u, Ctx().rangeLow);
+    EXPECT_EQ(3u, Ctx().detail1);
+    EXPECT_STREQ("", Ctx().itemText);
+
+    OSErrorClearError();
+    SetLastError(1400);
+    OSErrorSetErrorInfo(RV_GDIError);
+    EXPECT_EQ(1400u, Ctx().osError);
+}
+
+TEST_F(ErrorState, TextsAreCutAtTheirFieldLimits)
+{
+    std::string longText(300, 'n');
+    OSErrorSetErrorInfo(RV_NoFile, longText.c_str());
+    EXPECT_EQ(255u, strlen(Ctx().itemText));
+
+    OSErrorClearError();
+    std::string detail(400, 'd');
+    OSErrorSetErrorInfo(RV_NetworkNetDLLError, 7, 3, "net", detail.c_str());
+    EXPECT_EQ(7u, Ctx().rangeHigh);
+    EXPECT_EQ(3u, Ctx().rangeLow);
+    EXPECT_STREQ("net", Ctx().itemText);
+    EXPECT_EQ(255u, strlen(Ctx().detailText));
+
+    OSErrorClearError();
+    DWORD old = OSErrorSetErrorMode(RV_StructMemberMisAligned, 2);
+    std::string member(60, 'm');
+    OSErrorSetErrorInfo(RV_StructMemberMisAligned, "Record", member.c_str(), 6);
+    EXPECT_EQ(39u, strlen(Ctx().memberName));
+    EXPECT_EQ(6u, Ctx().itemValue);
+    OSErrorSetErrorMode(RV_StructMemberMisAligned, old);
+}
+
+TEST_F(ErrorState, AVirtualFileIsCopiedAndReleasedAtTheNextRecording)
+{
+    const char payload[] = "virtual contents";
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, sizeof payload);
+    VIRTUALFILE file = {};
+    file.marker = VIRTUALFILE_MARKER;
+    file.data = GlobalLock(block);
+    file.size = sizeof payload;
+    memcpy(file.data, payload, sizeof payload);
+
+    OSErrorSetErrorInfo(RV_ReadFailure, reinterpret_cast<const char *>(&file));
+    const VIRTUALFILE *copy = Ctx().virtualFileCopy;
+    ASSERT_NE(nullptr, copy);
+    EXPECT_EQ(VIRTUALFILE_MARKER, copy->marker);
+    ASSERT_NE(nullptr, copy->data);
+    EXPECT_NE(file.data, copy->data) << "the library keeps its own copy";
+    EXPECT_EQ(sizeof payload, copy->size);
+    EXPECT_EQ(0, memcmp(payload, copy->data, sizeof payload));
+    EXPECT_STREQ("", Ctx().itemText);
+
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_NoFile, "plain.txt");
+    EXPECT_EQ(nullptr, copy->data);
+    EXPECT_EQ(0u, copy->size);
+
+    file.Clear();
+    EXPECT_EQ(nullptr, file.data);
+    EXPECT_EQ(0u, file.size);
+    file.Clear();  // an empty object frees nothing
+    EXPECT_EQ(nullptr, file.data);
+}
+
+static int WINAPI FormatInto(char *out, int limit, const char *format, va_list args)
+{
+    (void)limit;  // the texts here are short
+    return wvsprintfA(out, format, args);
+}
+
+TEST_F(ErrorState, CodeSeventyOneFormatsIntoTheDetailText)
+{
+    OSErrorSetErrorInfo(RV_Formatted, FormatInto, "%s-%d", "abc", 5);
+    EXPECT_EQ(71, OSErrorGetErrorValue());
+    EXPECT_STREQ("abc-5", Ctx().detailText);
+}
+
+TEST_F(ErrorState, ContextIsClearedByRecordingAndSetByTheResourceCodes)
+{
+    OSErrorSetContext(GetModuleHandleA(nullptr), 77);
+    EXPECT_TRUE(OSErrorIsValidContext());
+    OSErrorSetErrorInfo(RV_NoFile, "x");
+    EXPECT_FALSE(OSErrorIsValidContext()) << "a context set before recording does not outlive it";
+    OSErrorSetContext(GetModuleHandleA(nullptr), 78);
+    OSErrorClearError();
+    EXPECT_EQ(78u, Ctx().contextStringId) << "clearing leaves the context";
+    EXPECT_STREQ("x", Ctx().itemText) << "clearing leaves the text";
+
+    for (int code = 105; code <= 116; ++code) {
+        OSErrorClearError();
+        OSErrorSetErrorInfo(static_cast<ResultCode>(code));
+        EXPECT_EQ(13060u, Ctx().contextStringId) << code;
+        EXPECT_EQ(GetModuleHandleA("KE1C30EN.DLL"), Ctx().contextModule) << code;
+        EXPECT_TRUE(OSErrorIsValidContext());
+    }
+}
+
+TEST_F(ErrorState, PresentingBlocksRecordingAndStaysPending)
+{
+    ErrorContext *ctx = OSErrorGetErrorInfo();
+    ctx->isPresenting = TRUE;
+    OSErrorSetErrorInfo(RV_NoFile, "blocked");
+    EXPECT_FALSE(ctx->isPending);
+    EXPECT_TRUE(OSErrorIsErrorPending());
+    OSErrorClearError();
+    EXPECT_TRUE(ctx->isPresenting) << "clearing leaves isPresenting";
+    ctx->isPresenting = FALSE;
+    EXPECT_FALSE(OSErrorIsErrorPending());
+}
+
+TEST_F(ErrorState, ModeIndexesPastTheTableReachTheTwoFlags)
+{
+    ErrorContext *ctx = OSErrorGetErrorInfo();
+    DWORD oldQuiet = OSErrorSetErrorMode(ERRORMODE_INDEX_QUIETINBACKGROUND, 1);
+    EXPECT_EQ(1, ctx->quietInBackground);
+    EXPECT_EQ(1u, OSErrorSetErrorMode(ERRORMODE_INDEX_QUIETINBACKGROUND, oldQuiet));
+
+    OSErrorSetErrorMode(ERRORMODE_INDEX_OFFERCLOSE, 1);
+    EXPECT_EQ(1, ctx->offerClose);
+    OSErrorSetErrorInfo(RV_QuireAPI);
+    EXPECT_EQ(0, ctx->offerClose) << "cleared at each recording";
+
+    EXPECT_EQ(2u, OSErrorSetErrorMode(RV_NoFile, 1)) << "returns the old word";
+    EXPECT_EQ(1u, OSErrorSetErrorMode(RV_NoFile, 2));
+}
+
+TEST_F(ErrorState, ModeIndexesOnPointersOrPastTheRecordAreRefused)
+{
+    const LONG refused[] = {-1, 132, 150, 477, 481, 482, 100000};
+    for (LONG index : refused) {
+        OSErrorClearError();
+        EXPECT_EQ(0u, OSErrorSetErrorMode(index, 0xDEADBEEF)) << index;
+        EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue()) << index;
+    }
+    EXPECT_NE(nullptr, Ctx().virtualFileCopy);
+}
+
+TEST_F(ErrorState, NamesOfCodes)
+{
+    EXPECT_STREQ("RV_NoFile", OSErrorGetRVErrorString(RV_NoFile));
+    EXPECT_STREQ("RV_WrongCodePage", OSErrorGetRVErrorString(RV_WrongCodePage));
+    EXPECT_STREQ("ErrorNo (47)", OSErrorGetRVErrorString(static_cast<ResultCode>(47)));
+    EXPECT_STREQ("ErrorNo (129)", OSErrorGetRVErrorString(static_cast<ResultCode>(129)));
+}
+
+struct Scenario {
+    const char *name;
+    DWORD status;
+};
+
+TEST(ErrorStateTermination, ModesCallbackAndQuitFlagDecideTheEnd)
+{
+    const Scenario scenarios[] = {
+        {"fatal", 255},     // mode 0 ends the process
+        {"veto", 7},        // a callback answering zero keeps it alive, error pending
+        {"allow", 255},     // a callback answering non-zero lets it end
+        {"quitting", 8},    // a process already quitting is not ended again
+        {"mode3", 255},     // any mode but 1 and 2 terminates
+        {"survivable", 9},  // mode 1 for a fatal code only records
+        {"formatter", 255}, // a formatter that changes the code re-decides
+    };
+    for (const Scenario &s : scenarios)
+        EXPECT_EQ(s.status, RunChild(std::string("error_probe.exe ") + s.name)) << s.name;
+}
+
+}  // namespace
