@@ -107,6 +107,11 @@ TEST_F(ErrorState, TextsAreCutAtTheirFieldLimits)
     EXPECT_EQ(255u, strlen(Ctx().itemText));
 
     OSErrorClearError();
+    OSErrorSetErrorInfo(RV_NoFile, static_cast<const char *>(nullptr));
+    EXPECT_EQ(RV_NoFile, OSErrorGetErrorValue());
+    EXPECT_STREQ("", Ctx().itemText) << "a null name leaves the text empty";
+
+    OSErrorClearError();
     std::string detail(400, 'd');
     OSErrorSetErrorInfo(RV_NetworkNetDLLError, 7, 3, "net", detail.c_str());
     EXPECT_EQ(7u, Ctx().rangeHigh);
