@@ -1,5 +1,6 @@
-// A small host: loads the library, starts it, checks a date, moves it by
-// days, provokes a bad month, and prints what the error state recorded.
+// A small host: loads the library, starts it, shows the language and its
+// resource library, checks a date, moves it by days, provokes a bad month,
+// and prints what the error state recorded. Run it with /LDE for German.
 #include <cstdio>
 #include "qziso32.h"
 
@@ -17,6 +18,17 @@ int main()
     }
     OSVERSIONINFOA *version = OSGetVersionInfo();
     std::printf("started on Windows %lu.%lu\n", version->dwMajorVersion, version->dwMinorVersion);
+
+    char language[4] = {}, library[16] = {}, title[128] = {}, ordinal[32] = {};
+    OSGet2CharacterLanguageString(language);
+    OSBuildResourceString(library);
+    LoadStringA(ResourceGetHandle(), 1, title, sizeof title);
+    std::printf("%-28s %s (%s)\n", "language:", language, library);
+    std::printf("%-28s %s\n", "application title:", title);
+    OSSuffix(3, 0, ordinal, sizeof ordinal);
+    std::printf("%-28s %s, ", "the third day:", ordinal);
+    OSSuffix(3, 1, ordinal, sizeof ordinal);
+    std::printf("%s\n", ordinal);
 
     DateTimeValue date;
     OSSetDateTime(&date, 2000, 2, 28, 9, 30, 0, 0);

@@ -312,11 +312,34 @@ QZAPI DWORD WINAPI OSGetProfileStringPassID(const char *keyPath, const char *val
                                            const char *reportName, BOOL flag, HKEY root);
 QZAPI LONG WINAPI OSGetProfileInt(const char *keyPath, const char *valueName, LONG defaultValue,
                                   const char *reportName, BOOL flag);
+QZAPI BOOL WINAPI OSWriteProfileString(const char *keyPath, const char *valueName, const char *text,
+                                       const char *reportName, BOOL flag);
+QZAPI BOOL WINAPI OSWriteProfileInt(const char *keyPath, const char *valueName, LONG number,
+                                    const char *reportName, BOOL flag);
 QZAPI BOOL WINAPI OSGet2CharacterLanguageString(char *out);
 QZAPI BOOL WINAPI OSBuildResourceString(char *out);
 QZAPI HMODULE WINAPI OSStartResource(void);
 QZAPI BOOL WINAPI OSStopResource(void);
 QZAPI HMODULE WINAPI ResourceGetHandle(void);
+QZAPI HBITMAP WINAPI ResourceLoadBitmap(HMODULE module, DWORD id);
+/* A global block holding a METAFILEPICT (MM_ISOTROPIC, extents in 0.01 mm)
+ * made from a "META16" resource; the caller owns the block and the metafile. */
+QZAPI HGLOBAL WINAPI ResourceLoadMetafile(HMODULE module, const char *name);
+
+/* ------------------------------------------------------------------ */
+/* Locale queries: the system's regional settings                      */
+/* ------------------------------------------------------------------ */
+QZAPI BYTE WINAPI OSGetSeparator(void);
+QZAPI BOOL WINAPI OSGetLanguage(char *buffer, DWORD size);
+QZAPI BOOL WINAPI OSGetCountry(char *buffer, LONG size);
+QZAPI LONG WINAPI OSGetCountryCode(void);
+QZAPI UINT WINAPI OSGetCodePage(void);
+QZAPI LONG WINAPI OSGetMeasurement(void);
+QZAPI BYTE WINAPI OSGetDecimal(void);
+QZAPI BYTE WINAPI OSGetThousand(void);
+QZAPI LONG WINAPI OSGetNegNumber(void);
+/* The number and its ending ("1st"), or with `plain` the ordinal word. */
+QZAPI BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG size);
 
 #ifdef __cplusplus
 }

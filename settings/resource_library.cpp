@@ -32,8 +32,10 @@ extern "C" BOOL WINAPI OSBuildResourceString(char *out)
     char code[4] = {};
     if (!OSGet2CharacterLanguageString(code))
         return 0;
-    if (!out)
+    if (!out) {
+        OSErrorSetErrorInfo(RV_BadParms);
         return 0;
+    }
     lstrcpyA(out, "KE1C30");
     lstrcatA(out, code);
     lstrcatA(out, ".DLL");

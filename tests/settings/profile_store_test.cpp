@@ -1,0 +1,144 @@
+// The settings store through its exports, against a scratch key of the
+// test's own under the product key.
+#include <cstring>
+#include "registry_scratch.h"
+
+using ProfileStore = ScratchKeyTest;
+
+TEST_F(ProfileStore, MissingKeyIsCreatedAndAnsweredByTheDefault)
+{
+    ASSERT_FALSE(KeyExists());
+    EXPECT_EQ(7, OSGetProfileInt(path.c_str(), "Missing", 7, "report", 0));
+    EXPECT_TRUE(KeyExists());
+    EXPECT_EQ(7, OSGetProfileInt(path.c_str(), "Missing", 7, "report", 0));
+    char buffer[16];
+    memset(buffer, kGuard, sizeof buffer);
+    EXPECT_EQ(4u, OSGetProfileString(path.c_str(), "Missing", "abc", buffer, 8, "report", 0));
+    EXPECT_STREQ("abc", buffer);
+    EXPECT_TRUE(GuardIntact(buffer, 4, sizeof buffer));
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
+TEST_F(ProfileStore, TextsAreCountedWithTheirTerminatorAndCutWithout)
+{
+    StoreText("Text", "hello world");
+    struct Case {
+        const char *name, *defaultText;
+        DWORD bufferSize, expected;
+        const char *bytes;  // what the buffer must start with
+    } cases[] = {
+        {"Text", "", 32, 12, "hello world"},      // whole, terminator counted
+        {"Text", "", 5, 5, "hello"},              // cut, no terminator
+        {"Missing", "", 8, 0, ""},                // empty default: one zero byte
+        {"Missing", "abcdefg", 4, 4, "abcd"},     // long default cut, no terminator
+        {"Missing", "x", 8, 2, "x"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(std::string(c.name) + " / " + c.defaultText);
+        char buffer[40];
+        memset(buffer, kGuard, sizeof buffer);
+        EXPECT_EQ(c.expected, OSGetProfileString(path.c_str(), c.name, c.defaultText, buffer,
+                                                 c.bufferSize, "report", 0));
+        size_t placed = c.expected ? c.expected : 1;
+        EXPECT_EQ(0, memcmp(buffer, c.bytes, placed < strlen(c.bytes) + 1 ? placed : strlen(c.bytes) + 1));
+        EXPECT_TRUE(GuardIntact(buffer, placed, sizeof buffer));
+    }
+}
+
+TEST_F(ProfileStore, NumbersReadFromTextOrRawBytes)
+{
+    const BYTE eight[] = {1, 0, 0, 0, 9, 9, 9, 9};
+    const BYTE two[] = {5, 1};
+    DWORD twelve = 12;
+    struct Case {
+        const char *name;
+        DWORD type;
+        const void *data;
+        DWORD size;
+        LONG expected;
+    } cases[] = {
+        {"Text", REG_SZ, "12", 3, 12},
+        {"Word", REG_DWORD, &twelve, 4, 12},
+        {"Padded", REG_SZ, "  42xyz", 8, 42},
+        {"Unterminated", REG_SZ, "77", 2, 77},
+        {"TooLongText", REG_SZ, "1234567890123456", 17, 0},  // more than 12 bytes
+        {"ShortBinary", REG_BINARY, two, 2, 0x105},
+        {"LongBinary", REG_BINARY, eight, 8, 1},
+        {"Empty", REG_BINARY, "", 0, -5},  // no bytes: the default
+    };
+    for (const Case &c : cases)
+        Store(c.name, c.type, c.data, c.size);
+    for (const Case &c : cases)
+        EXPECT_EQ(c.expected, OSGetProfileInt(path.c_str(), c.name, -5, "report", 0)) << c.name;
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
+TEST_F(ProfileStore, ExcessiveValueNeverPassesTheBuffer)
+{
+    std::string big(100000, 'q');
+    StoreText("Big", big.c_str());
+    char buffer[24];
+    memset(buffer, kGuard, sizeof buffer);
+    EXPECT_EQ(16u, OSGetProfileString(path.c_str(), "Big", "", buffer, 16, "report", 0));
+    EXPECT_EQ(0, memcmp(buffer, big.data(), 16));
+    EXPECT_TRUE(GuardIntact(buffer, 16, sizeof buffer));
+    EXPECT_EQ(0, OSGetProfileInt(path.c_str(), "Big", 3, "report", 0));
+}
+
+TEST_F(ProfileStore, KeyThatCannotBeOpenedIsAReadFailure)
+{
+    char buffer[8];
+    memset(buffer, kGuard, sizeof buffer);
+    HKEY noRoot = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0x7770));
+    EXPECT_EQ(0u, OSGetProfileStringPassID("Any", "Value", "dflt", buffer, sizeof buffer,
+                                           "report.ini", 0, noRoot));
+    EXPECT_TRUE(GuardIntact(buffer, 0, sizeof buffer));
+    EXPECT_EQ(RV_ReadFailure, OSErrorGetErrorValue());
+    EXPECT_STREQ("report.ini", OSErrorGetErrorInfo()->itemText);
+    OSErrorClearError();
+    EXPECT_EQ(0, OSGetProfileInt(nullptr, "Value", 9, "other.ini", 0));  // 0, not the default
+    EXPECT_EQ(RV_ReadFailure, OSErrorGetErrorValue());
+    EXPECT_STREQ("other.ini", OSErrorGetErrorInfo()->itemText);
+}
+
+TEST_F(ProfileStore, WritersStoreTextAndDoubleWords)
+{
+    EXPECT_EQ(1, OSWriteProfileString(path.c_str(), "Name", "Kel", "report", 0));
+    EXPECT_EQ(1, OSWriteProfileInt(path.c_str(), "Count", -2, "report", 0));
+    char buffer[8] = {};
+    EXPECT_EQ(4u, OSGetProfileString(path.c_str(), "Name", "", buffer, sizeof buffer, "r", 0));
+    EXPECT_STREQ("Kel", buffer);
+    EXPECT_EQ(-2, OSGetProfileInt(path.c_str(), "Count", 0, "report", 0));
+    DWORD type = 0, size = 0;
+    EXPECT_EQ(ERROR_SUCCESS, RegGetValueA(HKEY_CURRENT_USER, path.c_str(), "Count", RRF_RT_ANY,
+                                          &type, nullptr, &size));
+    EXPECT_EQ(static_cast<DWORD>(REG_DWORD), type);
+    EXPECT_EQ(4u, size);
+    // A null text removes the value; removing it again fails.
+    EXPECT_EQ(1, OSWriteProfileString(path.c_str(), "Name", nullptr, "report", 0));
+    EXPECT_EQ(0u, OSGetProfileString(path.c_str(), "Name", "", buffer, sizeof buffer, "r", 0));
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    EXPECT_EQ(0, OSWriteProfileString(path.c_str(), "Name", nullptr, "gone.ini", 0));
+    EXPECT_EQ(RV_WriteFailure, OSErrorGetErrorValue());
+    EXPECT_STREQ("gone.ini", OSErrorGetErrorInfo()->itemText);
+    OSErrorClearError();
+    EXPECT_EQ(0, OSWriteProfileInt(nullptr, "Count", 1, "nokey.ini", 0));
+    EXPECT_EQ(RV_WriteFailure, OSErrorGetErrorValue());
+}
+
+TEST_F(ProfileStore, NullValueNameListsTheNames)
+{
+    StoreText("a", "1");
+    StoreText("bb", "2");
+    StoreText("ccc", "3");
+    char buffer[32];
+    memset(buffer, kGuard, sizeof buffer);
+    ASSERT_EQ(9u, OSGetProfileString(path.c_str(), nullptr, "", buffer, sizeof buffer, "r", 0));
+    std::string names(buffer, 9);
+    for (const char *name : {"a", "bb", "ccc"})
+        EXPECT_NE(std::string::npos, names.find(std::string(name) + '\0')) << name;
+    // A small buffer takes what fits and no more.
+    memset(buffer, kGuard, sizeof buffer);
+    OSGetProfileString(path.c_str(), nullptr, "", buffer, 5, "r", 0);
+    EXPECT_TRUE(GuardIntact(buffer, 5, sizeof buffer));
+}
