@@ -188,7 +188,7 @@ TEST_F(ErrorState, ContextIsClearedByRecordingAndSetByTheResourceCodes)
         OSErrorClearError();
         OSErrorSetErrorInfo(static_cast<ResultCode>(code));
         EXPECT_EQ(13060u, Ctx().contextStringId) << code;
-        EXPECT_EQ(GetModuleHandleA("KE1C30EN.DLL"), Ctx().contextModule) << code;
+        EXPECT_EQ(ResourceGetHandle(), Ctx().contextModule) << code;
         EXPECT_TRUE(OSErrorIsValidContext());
     }
 }
