@@ -74,7 +74,8 @@ const char *ReadDirective(const char *p, Directive &d)
 }
 
 // Writes the digits of a number, with a leading minus for negative signed
-// values, and returns their count. `number` holds at least 24 zeroed bytes.
+// values, and returns their count. `number` holds at least 24 bytes; the
+// two after the digits are set to NUL.
 unsigned WriteNumber(char *number, const Directive &d, LONGLONG value)
 {
     ULONGLONG magnitude = static_cast<ULONGLONG>(value);
@@ -87,16 +88,32 @@ unsigned WriteNumber(char *number, const Directive &d, LONGLONG value)
         magnitude = static_cast<UINT_PTR>(magnitude);
     else if (!(d.flags & kInt64))
         magnitude = static_cast<UINT>(magnitude);
-    const char *digits = (d.flags & kUpper) ? "0123456789ABCDEF" : "0123456789abcdef";
-    const unsigned base = d.kind == kHex ? 16 : 10;
     char reversed[24];
     int count = 0;
-    do {
-        reversed[count++] = digits[magnitude % base];
-        magnitude /= base;
-    } while (magnitude);
+    if (d.kind == kHex) {
+        const char *digits = (d.flags & kUpper) ? "0123456789ABCDEF" : "0123456789abcdef";
+        do {
+            reversed[count++] = digits[magnitude & 15];
+            magnitude >>= 4;
+        } while (magnitude);
+    } else if (magnitude <= 0xFFFFFFFFu) {
+        // The common case in 32-bit arithmetic, which divides far faster.
+        UINT small = static_cast<UINT>(magnitude);
+        do {
+            reversed[count++] = static_cast<char>('0' + small % 10);
+            small /= 10;
+        } while (small);
+    } else {
+        do {
+            reversed[count++] = static_cast<char>('0' + magnitude % 10);
+            magnitude /= 10;
+        } while (magnitude);
+    }
     while (count)
         *out++ = reversed[--count];
+    // '#' may copy two places past the digits: they hold NULs.
+    out[0] = 0;
+    out[1] = 0;
     return static_cast<unsigned>(out - number);
 }
 
@@ -134,13 +151,27 @@ int FormatText(char *out, const char *format, va_list args)
     const char *f = format;
     while (*f && room > 1) {
         if (*f != '%') {
-            *o++ = *f++;
-            --room;
+            // A run of plain text, up to the next directive or the bound.
+            char *end = o + room - 1;
+            do
+                *o++ = *f++;
+            while (*f && *f != '%' && o < end);
+            room = static_cast<int>(end - o) + 1;
             continue;
         }
         if (*++f == '%') {
             *o++ = *f++;
             --room;
+            continue;
+        }
+        // Plain %d, %u and %s with room to spare need none of the measuring.
+        if ((f[0] == 'd' || f[0] == 'u') && room > 24) {
+            const int value = va_arg(args, int);
+            Directive plain = {0, 0, 0, f[0] == 'd' ? kSigned : kUnsigned};
+            const unsigned length = WriteNumber(o, plain, value);
+            o += length;
+            room -= static_cast<int>(length);
+            ++f;
             continue;
         }
         Directive d;
@@ -168,7 +199,8 @@ int FormatText(char *out, const char *format, va_list args)
 
         // Measure against the room, as the platform does.
         const unsigned cap = static_cast<unsigned>(room - 1);
-        char number[24] = {};
+        char number[24];
+        number[0] = 0;
         unsigned length = 0;
         if (d.flags & kLeft)
             d.flags &= ~kZeros;
