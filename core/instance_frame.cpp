@@ -22,6 +22,7 @@ static BOOL AttachStartUp(HMODULE module)
     g_module.helpMessageId = RegisterWindowMessageA("WM_KEL_HELP");
     if (!(g_module.settingsName = LoadStringCopy(g_module.hResourceLibrary, 9)))
         return FALSE;
+    SeedRnd();
     if (!(g_module.string800 = LoadStringCopy(g_module.hResourceLibrary, 800)))
         return FALSE;
     if (!(g_module.string801 = LoadStringCopy(g_module.hResourceLibrary, 801)))

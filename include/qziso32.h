@@ -266,6 +266,44 @@ QZAPI void WINAPI DefenceQuit(void);
 QZAPI const char *WINAPI OSErrorGetRVErrorString(ResultCode code);
 
 /* ------------------------------------------------------------------ */
+/* Error text tables: English names for diagnostics, each in a static  */
+/* buffer of its own that the next call overwrites.                    */
+/* ------------------------------------------------------------------ */
+QZAPI const char *WINAPI OSErrorGetCommDlgErrorString(DWORD error);
+QZAPI const char *WINAPI OSErrorGetDDEMLErrorString(DWORD error);
+/* The system's message, or "Error %d(%#x) : name - description". */
+QZAPI const char *WINAPI OSErrorGetOSErrorString(DWORD error);
+
+/* ------------------------------------------------------------------ */
+/* Formatted strings and memory                                        */
+/* ------------------------------------------------------------------ */
+/* The counted forms take wvsprintf's directives (%c %d %i %s %u %x %X %%,
+ * flags '-' '#' '0', width, precision, size prefixes h and l) and write at
+ * most `limit` characters and a terminator: `dest` holds limit + 1 bytes.
+ * No call produces more than 1,024 characters. They return the count
+ * written. A negative limit, or a null destination or format, records
+ * RV_BadParms and writes nothing.
+ *
+ * The reorderable forms add "@n" (n from 1 to 9) directly before a '%':
+ * that directive takes argument n. Every argument fills one slot: 4 bytes
+ * in the 32-bit build, and pointer-sized (8 bytes) in the 64-bit build, so
+ * a 64-bit host passes each argument as a full slot, as the variadic call
+ * does anyway. OSrsprintf holds 20 prefixes and may skip positions;
+ * OSrvsprintf holds 9 and needs every position before the highest named.
+ * Both return 0 if the copy of the format cannot be allocated. */
+QZAPI int WINAPI OScvsprintf(char *dest, LONG limit, const char *format, va_list args);
+QZAPI int __cdecl OScsprintf(char *dest, LONG limit, const char *format, ...);
+QZAPI int WINAPI OSrvsprintf(char *dest, LONG limit, const char *format, va_list args);
+QZAPI int __cdecl OSrsprintf(char *dest, LONG limit, const char *format, ...);
+/* Both always return 1. */
+QZAPI BOOL WINAPI OShmemcpy(void *dest, const void *source, DWORD count);
+QZAPI BOOL WINAPI OShmemset(void *dest, int value, DWORD count);
+/* At most `count` characters of each, compared by the user's locale
+ * (lstrcmp, lstrcmpi). 0 after a failed allocation, with the error recorded. */
+QZAPI int WINAPI OSstrncmp(const char *a, const char *b, DWORD count);
+QZAPI int WINAPI OSstrncmpi(const char *a, const char *b, DWORD count);
+
+/* ------------------------------------------------------------------ */
 /* Text helpers                                                        */
 /* ------------------------------------------------------------------ */
 /* Decimal scanners: skip blanks and tabs, take digits, no sign, wrap.
@@ -275,6 +313,32 @@ QZAPI char *WINAPI AtoL(char *text, DWORD *out);
 QZAPI char *WINAPI AtoUI(char *text, DWORD *out);
 QZAPI char *WINAPI AtoDW(char *text, DWORD *out);
 QZAPI char *WINAPI AtoB(char *text, BYTE *out);
+/* Scans `text` by `format`: blanks skip blanks, '"' toggles quotes, %d and
+ * %l take a DWORD*, %b and %fb a BYTE* (only %fb moves past the number),
+ * %s a char* that receives up to a comma outside quotes or a quote inside
+ * them. Any other character must match. *count is 1, lowered on a mismatch.
+ * Returns where the scan stopped. */
+QZAPI char *__cdecl ArgScan(char *text, LONG *count, const char *format, ...);
+/* Ends the text at its first CR or LF, or after `limit` characters. */
+QZAPI char *WINAPI OneLine(char *text, LONG limit);
+/* Replaces the blanks at the end with NULs. */
+QZAPI char *WINAPI StripTrailingSpaces(char *text);
+QZAPI BOOL WINAPI IsCrLf(char c);
+QZAPI BOOL WINAPI IsWhiteSpace(char c);
+QZAPI char *WINAPI SkipWhiteSpace(char *text);
+/* Roman numerals in lower case, or upper when `upper` is non-zero. With a
+ * null buffer the library's own is used (127 steps). A caller's buffer of
+ * `size` bytes is never written past; a numeral cut short records
+ * RV_BufferTooSmall. */
+QZAPI char *WINAPI DToRoman(DWORD number, LONG upper, char *buffer, DWORD size);
+/* Seeds the generator from the tick count and returns the seed. */
+QZAPI DWORD WINAPI SeedRnd(void);
+/* A number below `limit`. */
+QZAPI int WINAPI Rnd(WORD limit);
+/* Scramble a short text into hexadecimal digits with a checksum, and back.
+ * Each returns the length written, or 0 with the error recorded. */
+QZAPI int WINAPI CommonSrcDlgProc(const char *plain, char *out, int size);
+QZAPI int WINAPI CommonDestDlgProc(const char *scrambled, char *out, int size);
 
 /* ------------------------------------------------------------------ */
 /* Calendar: date-time value and arithmetic                            */

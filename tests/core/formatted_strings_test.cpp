@@ -1,0 +1,278 @@
+// The formatters held against the platform in the same process: the counted
+// forms against wsprintfA, the reorderable forms against FormatMessageA.
+#include <climits>
+#include <string>
+#include <vector>
+#include "qz_test.h"
+
+namespace {
+class FormattedStrings : public ErrorStateTest {};
+
+const char kGuard = '\x5A';
+
+// A destination with guard bytes on both sides of `room` bytes.
+struct Guarded {
+    std::vector<char> bytes;
+    explicit Guarded(size_t room) : bytes(room + 32, kGuard) {}
+    char *data() { return bytes.data() + 16; }
+    bool GuardsIntactFrom(size_t offset) const
+    {
+        for (size_t i = 0; i < 16; ++i)
+            if (bytes[i] != kGuard) return false;
+        for (size_t i = 16 + offset; i < bytes.size(); ++i)
+            if (bytes[i] != kGuard) return false;
+        return true;
+    }
+};
+
+template <typename T>
+void ExpectSameAsPlatform(const std::string &format, T value)
+{
+    char platform[2048] = {};
+    Guarded ours(2000);
+    int expected = wsprintfA(platform, format.c_str(), value);
+    int got = OScsprintf(ours.data(), 2000, format.c_str(), value);
+    EXPECT_EQ(expected, got) << "format " << format;
+    EXPECT_STREQ(platform, ours.data()) << "format " << format;
+    EXPECT_TRUE(ours.GuardsIntactFrom(2001)) << "format " << format;
+}
+
+TEST_F(FormattedStrings, NumbersMatchWsprintf)
+{
+    const char *flags[] = {"", "-", "#", "0", "-#", "#0", "-0", "-#0"};
+    const char *widths[] = {"", "1", "5", "12"};
+    const char *precisions[] = {"", ".0", ".3", ".8"};
+    const char *sizes[] = {"", "h", "l"};
+    const char *conversions[] = {"d", "i", "u", "x", "X"};
+    const int values[] = {0, 7, -42, INT_MAX, INT_MIN, static_cast<int>(0xDEADBEEF)};
+    for (const char *flag : flags)
+        for (const char *width : widths)
+            for (const char *precision : precisions)
+                for (const char *size : sizes)
+                    for (const char *conversion : conversions)
+                        for (int value : values)
+                            ExpectSameAsPlatform(std::string("<%") + flag + width + precision + size + conversion + ">",
+                                                 value);
+}
+
+TEST_F(FormattedStrings, TextsAndCharactersMatchWsprintf)
+{
+    const char *specs[] = {"%s", "%10s", "%-10s", "%.2s", "%5.1s", "%hs", "%010s", "%#s", "%.0s"};
+    const char *texts[] = {"", "abc", "a longer piece of text", nullptr};
+    for (const char *spec : specs)
+        for (const char *text : texts)
+            ExpectSameAsPlatform(std::string("[") + spec + "]", text);
+    const char *charSpecs[] = {"%c", "%3c", "%-3c", "%hc", "%.5c", "%05c"};
+    for (const char *spec : charSpecs)
+        for (int c : {'A', 'z', ' '})
+            ExpectSameAsPlatform(spec, c);
+    for (const char *spec : {"%ls", "%8ls", "%-8ls|", "%.1ls", "%S", "%hS"})
+        ExpectSameAsPlatform(spec, L"wide");
+    ExpectSameAsPlatform("%lc", static_cast<int>(L'W'));
+}
+
+TEST_F(FormattedStrings, OddFormatsMatchWsprintf)
+{
+    const char *formats[] = {"abc%", "%", "%%", "100%% sure %d", "%y", "%5y", "%-5y", "%l", "%h", "%I", "%-", "%0",
+                             "%5", "%.", "%0-5d", "%#-08x", "%I32d", "%I64d", "%wd", "@1%d", "%5%"};
+    for (const char *format : formats)
+        ExpectSameAsPlatform(format, 77);
+}
+
+TEST_F(FormattedStrings, LongOutputStopsAtTheBoundLikeWsprintf)
+{
+    const std::string text(2000, 'q');
+    ExpectSameAsPlatform("%s", text.c_str());
+    ExpectSameAsPlatform(std::string(1500, 'L') + "%d", 5);
+    ExpectSameAsPlatform(std::string(1020, 'L') + "%d", 123456);
+    ExpectSameAsPlatform(std::string(1020, 'L') + "%s", "abcdef");
+    ExpectSameAsPlatform(std::string(1021, 'L') + "%08x", 0xABC);
+    ExpectSameAsPlatform("%2000d", 9);
+    ExpectSameAsPlatform("%-2000d|", 9);
+    ExpectSameAsPlatform("%.1500d", 9);
+}
+
+TEST_F(FormattedStrings, LimitCutsAndTerminates)
+{
+    struct Case { LONG limit; const char *expected; int count; } cases[] = {
+        {5, "01234", 5}, {0, "", 0}, {10, "0123456789", 10}, {11, "0123456789", 10}, {5000, "0123456789", 10}};
+    for (const Case &c : cases) {
+        Guarded dest(64);
+        EXPECT_EQ(c.count, OScsprintf(dest.data(), c.limit, "%s", "0123456789"));
+        EXPECT_STREQ(c.expected, dest.data());
+        EXPECT_TRUE(dest.GuardsIntactFrom(c.count + 1)) << c.limit;
+    }
+    Guarded big(1100);
+    std::string text(1500, 'z');
+    EXPECT_EQ(1024, OScsprintf(big.data(), 1100, "%s", text.c_str()));
+    EXPECT_EQ(1023u, strlen(big.data()));
+    EXPECT_TRUE(big.GuardsIntactFrom(1025));
+}
+
+TEST_F(FormattedStrings, BadArgumentsWriteNothing)
+{
+    Guarded dest(16);
+    EXPECT_EQ(0, OScsprintf(dest.data(), -1, "%d", 5));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    EXPECT_TRUE(dest.GuardsIntactFrom(0));
+    OSErrorClearError();
+    EXPECT_EQ(0, OScsprintf(dest.data(), 10, nullptr));
+    EXPECT_EQ(0, OSrsprintf(dest.data(), LONG_MIN, "@1%d", 5));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    EXPECT_TRUE(dest.GuardsIntactFrom(0));
+}
+
+// The reorderable form held against FormatMessageA: "@n%spec" is "%n!spec!".
+std::string AsFormatMessage(const std::string &format)
+{
+    std::string out;
+    for (size_t i = 0; i < format.size(); ++i) {
+        if (format[i] == '@' && i + 2 < format.size() && format[i + 2] == '%') {
+            out += '%';
+            out += format[i + 1];
+            out += '!';
+            size_t j = i + 3;
+            while (j < format.size() && !isalpha(static_cast<unsigned char>(format[j]))) out += format[j++];
+            out += format[j];
+            out += '!';
+            i = j;
+        } else {
+            out += format[i];
+        }
+    }
+    return out;
+}
+
+TEST_F(FormattedStrings, ReorderedMatchesFormatMessage)
+{
+    const DWORD_PTR args[] = {1, 22, 0xBEEF, reinterpret_cast<DWORD_PTR>("text"), static_cast<DWORD_PTR>('Q'), 4000000000u,
+                              7, 8, 9};
+    struct Case { const char *format; } cases[] = {
+        {"@2%d-@1%d"},
+        {"@4%s has @2%u items, @3%x hex, @3%X"},
+        {"@4%-8s|@4%8s|@4%.2s|"},
+        {"@2%5d|@1%-5d|@1%05u|"},
+        {"@5%c and @4%s"},
+        {"@6%u @3%#x"},
+        {"@9%d @8%d @7%d @6%u @5%c @4%s @3%x @2%d @1%d"},
+        {"no inserts at all"},
+        {"@1%d @1%d @2%d"},
+    };
+    for (const Case &c : cases) {
+        char platform[512] = {};
+        std::string fm = AsFormatMessage(c.format);
+        DWORD expected = FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY, fm.c_str(), 0, 0,
+                                        platform, sizeof platform, reinterpret_cast<va_list *>(const_cast<DWORD_PTR *>(args)));
+        Guarded ours(256);
+        int got = OSrsprintf(ours.data(), 255, c.format, args[0], args[1], args[2], args[3], args[4], args[5], args[6],
+                             args[7], args[8]);
+        EXPECT_EQ(static_cast<int>(expected), got) << c.format;
+        EXPECT_STREQ(platform, ours.data()) << c.format << " vs " << fm;
+        EXPECT_TRUE(ours.GuardsIntactFrom(256));
+    }
+}
+
+int CallRv(char *dest, LONG limit, const char *format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    int count = OSrvsprintf(dest, limit, format, args);
+    va_end(args);
+    return count;
+}
+
+TEST_F(FormattedStrings, ReorderPrefixRules)
+{
+    struct Case { const char *format; const char *rs; const char *rv; } cases[] = {
+        {"@2%d-@1%d", "8-7", "8-7"},
+        {"50@ %d", "50@ 7", "50@ 7"},
+        {"@5x", "@5x", "@5x"},
+        {"@1%d @5x", "7 @5x", "7 @5x"},
+        {"", "", ""},
+        {"abc@", "abc@", "abc@"},
+        {"abc@7", "abc@7", "abc@7"},
+        {"@0%d", "@07", "@07"},
+        {"@a%d", "@a7", "@a7"},
+        {"@1%", "", ""},
+        {"tail %", "tail ", "tail "},
+        {"@1%d%%", "7%", "7%"},
+    };
+    for (const Case &c : cases) {
+        char out[64];
+        EXPECT_EQ(static_cast<int>(strlen(c.rs)), OSrsprintf(out, 63, c.format, 7, 8, 9));
+        EXPECT_STREQ(c.rs, out) << c.format;
+        EXPECT_EQ(static_cast<int>(strlen(c.rv)), CallRv(out, 63, c.format, 7, 8, 9));
+        EXPECT_STREQ(c.rv, out) << c.format;
+    }
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+
+    char out[64];
+    EXPECT_EQ(1, OSrsprintf(out, 63, "@3%d", 1, 2, 3));
+    EXPECT_STREQ("3", out);
+    EXPECT_EQ(3, OSrsprintf(out, 63, "@1%d @3%d", 1, 2, 3));
+    EXPECT_STREQ("1 3", out);
+    // Without the sizes of positions 1 and 2 the vsprintf form cannot place 3.
+    Guarded dest(16);
+    EXPECT_EQ(0, CallRv(dest.data(), 15, "@3%d", 1, 2, 3));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    EXPECT_TRUE(dest.GuardsIntactFrom(0));
+}
+
+TEST_F(FormattedStrings, OrderSlotsHaveTheirRoom)
+{
+    std::string twenty, twentyOne, nine, ten;
+    for (int i = 0; i < 20; ++i) twenty += "@1%d";
+    twentyOne = twenty + "@1%d";
+    for (int i = 0; i < 9; ++i) nine += "@1%d";
+    ten = nine + "@1%d";
+    char out[128];
+    EXPECT_EQ(20, OSrsprintf(out, 127, twenty.c_str(), 5));
+    EXPECT_EQ(std::string(20, '5'), out);
+    EXPECT_EQ(9, CallRv(out, 127, nine.c_str(), 5));
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+
+    Guarded dest(64);
+    EXPECT_EQ(0, OSrsprintf(dest.data(), 63, twentyOne.c_str(), 5));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    OSErrorClearError();
+    EXPECT_EQ(0, CallRv(dest.data(), 63, ten.c_str(), 5));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    EXPECT_TRUE(dest.GuardsIntactFrom(0));
+
+    Guarded cut(8);
+    EXPECT_EQ(3, OSrsprintf(cut.data(), 3, "@2%d@1%d", 123, 456));
+    EXPECT_STREQ("456", cut.data());
+    EXPECT_TRUE(cut.GuardsIntactFrom(4));
+}
+
+TEST_F(FormattedStrings, MemoryFillAndCopy)
+{
+    std::vector<unsigned char> block(70000 + 2, 0);
+    EXPECT_TRUE(OShmemset(block.data() + 1, 0xA5, 70000));
+    EXPECT_EQ(0, block.front());
+    EXPECT_EQ(0, block.back());
+    for (size_t i = 1; i <= 70000; ++i) ASSERT_EQ(0xA5, block[i]) << i;
+    char from[] = "copy me", to[16] = {};
+    EXPECT_TRUE(OShmemcpy(to, from, sizeof from));
+    EXPECT_STREQ("copy me", to);
+    EXPECT_TRUE(OShmemcpy(to, to, 5));
+    EXPECT_TRUE(OShmemcpy(nullptr, from, 0));
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
+int Sign(int v) { return (v > 0) - (v < 0); }
+
+TEST_F(FormattedStrings, BoundedComparesFollowTheLocale)
+{
+    struct Case { const char *a; const char *b; DWORD count; } cases[] = {
+        {"abcX", "abcY", 3}, {"abcX", "abcY", 4}, {"Apple", "apple", 5}, {"apple", "Banana", 10},
+        {"a-b", "ab", 3}, {"", "x", 1}, {"same", "same", 100}, {"zeta", "Zebra", 2}, {"x", "y", 0}};
+    for (const Case &c : cases) {
+        std::string a = std::string(c.a).substr(0, c.count), b = std::string(c.b).substr(0, c.count);
+        EXPECT_EQ(Sign(lstrcmpA(a.c_str(), b.c_str())), Sign(OSstrncmp(c.a, c.b, c.count))) << c.a << " " << c.b;
+        EXPECT_EQ(Sign(lstrcmpiA(a.c_str(), b.c_str())), Sign(OSstrncmpi(c.a, c.b, c.count))) << c.a << " " << c.b;
+    }
+    EXPECT_EQ(0, OSstrncmp("abcd", "abce", 3));
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+}  // namespace
