@@ -66,7 +66,29 @@ void TokeniseDateTimeText(char *text, const char *separators)
     }
 }
 
-static bool SameWord(const char *a, const char *b) { return lstrcmpiA(a, b) == 0; }
+static bool IsPlainLetter(unsigned char c)
+{
+    return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z');
+}
+
+// The compare users see, by lstrcmpi. Plain ASCII letters and digits weigh
+// the same in every locale, so a difference among them settles the answer
+// at once; anything else goes to the locale's compare.
+static bool SameWord(const char *a, const char *b)
+{
+    for (const unsigned char *p = reinterpret_cast<const unsigned char *>(a),
+                             *q = reinterpret_cast<const unsigned char *>(b);;
+         ++p, ++q) {
+        if (!*p && !*q)
+            return true;
+        bool plainP = !*p || IsPlainLetter(*p), plainQ = !*q || IsPlainLetter(*q);
+        if (!plainP || !plainQ)
+            break;
+        if ((*p | 0x20) != (*q | 0x20))
+            return false;
+    }
+    return lstrcmpiA(a, b) == 0;
+}
 
 // The date attempts' year rule for one number; `full` is the rule of the
 // full attempts, which does not look at the field order.
