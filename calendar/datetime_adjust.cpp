@@ -53,6 +53,11 @@ void AdjustDaysUnchecked(DateTimeValue *v, long long delta)
             AdjustMonths(v, -1);
             d += DaysInMonth(v->year, v->month);
         }
+        // Whole years from January on step over twelve months at once.
+        while (v->month == 1 && d > (IsLeapYear(v->year) ? 366 : 365) + 31) {
+            d -= IsLeapYear(v->year) ? 366 : 365;
+            v->year = static_cast<WORD>(v->year + 1);
+        }
         for (unsigned last; d > (last = DaysInMonth(v->year, v->month));) {
             d -= last;
             AdjustMonths(v, 1);

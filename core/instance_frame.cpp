@@ -1,6 +1,7 @@
 // Library start and stop: the attach sequence the loader runs, the
 // per-client start and stop calls, and the version exports.
 #include "module_globals.h"
+#include "../calendar/calendar_internal.h"
 
 ModuleGlobals g_module;
 
@@ -21,6 +22,8 @@ static BOOL AttachStartUp(HMODULE module)
         return FALSE;
     g_module.helpMessageId = RegisterWindowMessageA("WM_KEL_HELP");
     if (!(g_module.settingsName = LoadStringCopy(g_module.hResourceLibrary, 9)))
+        return FALSE;
+    if (!DateTimeStartUp(module))
         return FALSE;
     SeedRnd();
     if (!(g_module.string800 = LoadStringCopy(g_module.hResourceLibrary, 800)))

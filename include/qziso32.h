@@ -366,6 +366,69 @@ QZAPI LONG WINAPI OSDateTimeGetNumDaysInMonth(const DateTimeValue *value);
 QZAPI BOOL WINAPI OSIsDateTimePM(const DateTimeValue *value);
 
 /* ------------------------------------------------------------------ */
+/* Calendar: conventions                                               */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI OSDateTimeGetWinIniSettings(void);
+QZAPI BOOL WINAPI OSDateTimeGetIntlSettings(DateTimeIntlSettings *out);
+QZAPI BOOL WINAPI OSDateTimeSetIntlSettings(const DateTimeIntlSettings *settings);
+/* Flag 2: the short date format, otherwise the long one. */
+QZAPI BOOL WINAPI OSDateTimeGetDateFormat(char *buffer, DWORD flags, DWORD bufferSize);
+/* Flags 16 with seconds, 64 markers only, 128 no markers. */
+QZAPI BOOL WINAPI OSDateTimeGetTimeFormat(char *buffer, DWORD flags, DWORD bufferSize);
+QZAPI LONG WINAPI OSDateTimeGetWeekStart(void);
+QZAPI LONG WINAPI OSDateTimeSetWeekStart(LONG day);
+QZAPI LONG WINAPI OSDateTimeGetLeadZero(void);
+
+/* ------------------------------------------------------------------ */
+/* Calendar: text forms                                                */
+/* ------------------------------------------------------------------ */
+/* Flags of OSDateTimeToString, used when no format is given. */
+#define DTS_LONGDATE    1
+#define DTS_SHORTDATE   2
+#define DTS_SECONDS     16
+#define DTS_TIME        32
+#define DTS_MARKERSONLY 64
+#define DTS_NOMARKERS   128
+/* A null buffer means a static one of 200 characters. */
+QZAPI char *WINAPI OSDateTimeToString(const DateTimeValue *value, char *buffer, const char *format,
+                                      DWORD flags, DWORD bufferSize);
+QZAPI BOOL WINAPI OSMonthToString(LONG month, DWORD flags, char *buffer, DWORD bufferSize);
+QZAPI BOOL WINAPI OSDayToString(LONG weekday, DWORD flags, char *buffer, DWORD bufferSize);
+QZAPI BOOL WINAPI OSStringToDateTime(DateTimeValue *out, const char *text);
+QZAPI BOOL WINAPI OSStringToDateTimeTimeBias(DateTimeValue *out, const char *text);
+QZAPI BOOL WINAPI OSStringToDateTimeComplete(DateTimeValue *out, const char *text);
+QZAPI BOOL WINAPI OSStringToDateTimeForImport(DateTimeValue *out, const char *text);
+
+/* ------------------------------------------------------------------ */
+/* Calendar: month grid, weeks and zodiac                              */
+/* ------------------------------------------------------------------ */
+/* Returns -1 to fail the walk, 0 to end it with success, else goes on. */
+typedef LONG (WINAPI *MonthGridCellProc)(const DateTimeValue *cell, LONG column, LONG row,
+                                         LONG_PTR data1, LONG_PTR data2);
+QZAPI LONG WINAPI OSDateTimeGetColumnForDayOfWeek(LONG weekday, LONG weekStart);
+QZAPI LONG WINAPI OSDateTimeCalcNumRowsForMonth(const DateTimeValue *value, LONG weekStart);
+QZAPI BOOL WINAPI OSDateTimeMonthGrid(const DateTimeValue *value, LONG weekStart, BOOL skipOtherMonths,
+                                      MonthGridCellProc callback, LONG_PTR data1, LONG_PTR data2);
+QZAPI BOOL WINAPI OSDateTimeMonthGridEx(const DateTimeValue *value, LONG weekStart,
+                                        BOOL skipOtherMonths, MonthGridCellProc callback,
+                                        LONG_PTR data1, LONG_PTR data2);
+QZAPI BOOL WINAPI OSWeekNo(const DateTimeValue *value, LONG weekStart, LONG *weekNumber);
+/* Signs 0 (from 21 March) to 11; 12 is no sign. */
+QZAPI LONG WINAPI OSGetZodiacSign(const DateTimeValue *value);
+/* Mode 1 the name, 2 the name and the dates, else the dates. */
+QZAPI char *WINAPI OSZodiacToString(LONG sign, char *buffer, LONG mode, DWORD bufferSize);
+QZAPI BOOL WINAPI OSStringToZodiac(const char *text, LONG *sign);
+QZAPI LONG WINAPI OSGetZodiacSymbol(LONG sign);
+
+/* ------------------------------------------------------------------ */
+/* Calendar: tumbler time strings (minutes of the day, in decimal)     */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI OSConvertTumblerTimeStringToHourMinuteString(const char *text, char *out);
+QZAPI BOOL WINAPI OSConvertTumblerTimeStringToRealString(const char *text, char *out);
+QZAPI BOOL WINAPI OSConvertHourMinuteStringToTumblerTimeString(const char *text, char *out);
+QZAPI BOOL WINAPI OSConvertRealStringToTumblerTimeString(const char *text, char *out);
+
+/* ------------------------------------------------------------------ */
 /* Settings store and resource library                                 */
 /* ------------------------------------------------------------------ */
 QZAPI DWORD WINAPI OSGetProfileString(const char *keyPath, const char *valueName,

@@ -1,0 +1,157 @@
+// Tumbler time strings: a time of day as a number of minutes in decimal,
+// to and from the hour-and-minute text and the real text.
+#include <cstdio>
+#include <cstring>
+#include "calendar_internal.h"
+#include "../core/module_globals.h"
+
+// The present date with the time zeroed, as every conversion starts.
+static void StartOfToday(DateTimeValue *value)
+{
+    OSGetDateTime(value);
+    value->hour = value->minute = value->second = value->hourBias = 0;
+}
+
+// Copies and trims the input; false if nothing is left.
+static bool TrimmedCopy(const char *text, char *buffer, size_t size, char **start)
+{
+    buffer[0] = 0;
+    if (text)
+        lstrcpynA(buffer, text, static_cast<int>(size));
+    *start = TrimDateTimeText(buffer);
+    return **start != 0;
+}
+
+static void LoadUnit(UINT id, char *unit, int size)
+{
+    if (LoadStringA(g_module.hResourceLibrary, id, unit, size) <= 0)
+        unit[0] = 0;
+}
+
+// Splits at blanks, tabs, the unit words' characters and the time separator.
+static void TokeniseTumblerText(char *text, char *hourUnit)
+{
+    char minuteUnit[16];
+    LoadUnit(kStringHourUnit, hourUnit, 16);
+    LoadUnit(kStringMinuteUnit, minuteUnit, 16);
+    char separators[64];
+    char time[sizeof g_dateTimeIntl.sTime];
+    lstrcpynA(time, g_dateTimeIntl.sTime, sizeof time);
+    snprintf(separators, sizeof separators, " \t%s%s%s", hourUnit, minuteUnit, time);
+    TokeniseDateTimeText(text, separators);
+}
+
+static void ReadHourMinuteText(DateTimeValue *value, char *text)
+{
+    char hourUnit[16];
+    char original[256];
+    lstrcpynA(original, text, sizeof original);
+    TokeniseTumblerText(text, hourUnit);
+    unsigned long long hours = 0, minutes = 0;
+    if (g_dateTimeTokenCount != 1) {
+        hours = ReadLeadingNumber(g_dateTimeTokens[0].text);
+        minutes = ReadLeadingNumber(g_dateTimeTokens[1].text);
+        if (hours * 60 + minutes > 1439)
+            hours = 23, minutes = 59;
+    } else if (hourUnit[0] && strstr(original, hourUnit)) {
+        hours = ReadLeadingNumber(g_dateTimeTokens[0].text);
+        if (hours * 60 > 1439)
+            hours = 23, minutes = 59;
+    } else {
+        minutes = ReadLeadingNumber(g_dateTimeTokens[0].text);
+        if (minutes > 1439)
+            minutes = 1439;
+    }
+    OSAdjustDateTime(value, 0, 0, 0, static_cast<LONG>(hours), static_cast<LONG>(minutes), 0, 0);
+}
+
+static void ReadRealText(DateTimeValue *value, char *text)
+{
+    char hourUnit[16];
+    TokeniseTumblerText(text, hourUnit);
+    DateTimeKnownFields known = {};
+    const BYTE hourBias = value->hourBias;
+    DateTimeValue today = *value;
+    ParseTimeTokens(value, &known, false);
+    ParseNumberTokens(value, &known, false);
+    FillUnknownFields(value, &known, &today);
+    value->hourBias = hourBias;
+}
+
+static void WriteMinutes(const DateTimeValue *value, char *out)
+{
+    sprintf(out, "%lu", static_cast<unsigned long>(value->hour * 60ul + value->minute));
+}
+
+static const char *ClockFormat() { return g_dateTimeIntl.iTime ? "HH:mm" : "HHz mmZ"; }
+
+extern "C" BOOL WINAPI OSConvertTumblerTimeStringToHourMinuteString(const char *text, char *out)
+{
+    char buffer[256];
+    char *start;
+    DateTimeValue value;
+    StartOfToday(&value);
+    if (!TrimmedCopy(text, buffer, sizeof buffer, &start)) {
+        if (out)
+            out[0] = 0;
+        return 1;
+    }
+    ReadHourMinuteText(&value, start);
+    const char *written = OSDateTimeToString(&value, nullptr, ClockFormat(), 32, 0);
+    if (!written)
+        return 0;
+    if (out)
+        strcpy(out, written);
+    return 1;
+}
+
+extern "C" BOOL WINAPI OSConvertTumblerTimeStringToRealString(const char *text, char *out)
+{
+    char buffer[256];
+    char *start;
+    DateTimeValue value;
+    StartOfToday(&value);
+    if (!out)
+        return 1;
+    out[0] = 0;
+    if (!TrimmedCopy(text, buffer, sizeof buffer, &start))
+        return 1;
+    ReadRealText(&value, start);
+    // Five characters and the terminator.
+    OSDateTimeToString(&value, out, ClockFormat(), 32, 6);
+    return 1;
+}
+
+extern "C" BOOL WINAPI OSConvertHourMinuteStringToTumblerTimeString(const char *text, char *out)
+{
+    char buffer[256];
+    char *start;
+    DateTimeValue value;
+    StartOfToday(&value);
+    if (!TrimmedCopy(text, buffer, sizeof buffer, &start)) {
+        if (out)
+            out[0] = 0;
+        return 1;
+    }
+    ReadHourMinuteText(&value, start);
+    if (out)
+        WriteMinutes(&value, out);
+    return 1;
+}
+
+extern "C" BOOL WINAPI OSConvertRealStringToTumblerTimeString(const char *text, char *out)
+{
+    char buffer[256];
+    char *start;
+    DateTimeValue value;
+    StartOfToday(&value);
+    if (!TrimmedCopy(text, buffer, sizeof buffer, &start)) {
+        if (out)
+            out[0] = 0;
+        return 1;
+    }
+    ReadRealText(&value, start);
+    if (out)
+        WriteMinutes(&value, out);
+    return 1;
+}
