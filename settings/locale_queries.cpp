@@ -73,7 +73,7 @@ extern "C" BOOL WINAPI OSGetLanguage(char *buffer, DWORD size)
 extern "C" BOOL WINAPI OSGetCountry(char *buffer, LONG size)
 {
     if (!buffer) {
-        OSErrorSetErrorInfo(RV_BadParms);
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         return 0;
     }
     HKEY key = nullptr;

@@ -1,6 +1,6 @@
 // A number with its ordinal ending, or the ordinal as a word, in the
-// language of the resource library: strings 2600 + n hold the endings
-// (2600 itself the format that joins number and ending), 3000 + n the words.
+// language of the resource library: string 2600 is the format, given the
+// number and the ordinal text 2600 + n; 3000 + n are the words.
 #include "../core/module_globals.h"
 
 namespace {
@@ -8,31 +8,13 @@ namespace {
 const UINT kSuffixFormatId = 2600;
 const UINT kPlainOrdinalBase = 3000;
 
-// Formats into the caller's buffer, at most `limit` characters and a
-// terminator after them; returns the characters written.
-int FormatCounted(char *out, int limit, const char *format, ...)
-{
-    char work[1025] = {};
-    va_list args;
-    va_start(args, format);
-    int length = wvsprintfA(work, format, args);
-    va_end(args);
-    if (length > limit)
-        length = limit;
-    if (length < 0)
-        length = 0;
-    CopyMemory(out, work, length);
-    out[length] = '\0';
-    return length;
-}
-
 }  // namespace
 
 extern "C" BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG size)
 {
     // The buffer holds `size` bytes, the terminator included.
     if (!buffer || size < 1) {
-        OSErrorSetErrorInfo(RV_BadParms);
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         return 0;
     }
     HMODULE resources = ResourceGetHandle();
@@ -40,7 +22,7 @@ extern "C" BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG siz
         char *word = LoadStringCopy(resources, kPlainOrdinalBase + number);
         if (!word)
             return 0;
-        FormatCounted(buffer, size - 1, "%s", word);
+        OScsprintf(buffer, size - 1, "%s", word);
         LocalFree(word);
         return 1;
     }
@@ -52,7 +34,7 @@ extern "C" BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG siz
         LocalFree(format);
         return 0;
     }
-    FormatCounted(buffer, size - 1, format, number, suffix);
+    OSrsprintf(buffer, size - 1, format, number, suffix);
     LocalFree(suffix);
     LocalFree(format);
     return 1;

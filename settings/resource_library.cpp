@@ -33,7 +33,7 @@ extern "C" BOOL WINAPI OSBuildResourceString(char *out)
     if (!OSGet2CharacterLanguageString(code))
         return 0;
     if (!out) {
-        OSErrorSetErrorInfo(RV_BadParms);
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         return 0;
     }
     lstrcpyA(out, "KE1C30");

@@ -92,7 +92,7 @@ extern "C" HGLOBAL WINAPI ResourceLoadMetafile(HMODULE module, const char *name)
     // callers pass the resource library in both roles, and a resource found
     // in one module cannot be loaded through another.
     if (module != ResourceGetHandle()) {
-        OSErrorSetErrorInfo(RV_BadParms);
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         GlobalUnlock(block);
         GlobalFree(block);
         return nullptr;

@@ -143,8 +143,9 @@ TEST_F(DateTimeToString, NeverWritesPastTheSizeGiven)
             OSDateTimeToString(&v, buffer, format, 0, size);
             for (DWORD i = size; i < sizeof buffer; ++i)
                 ASSERT_EQ('#', buffer[i]) << format << " size " << size;
-            if (size)
+            if (size) {
                 ASSERT_NE(nullptr, memchr(buffer, 0, size)) << format << " size " << size;
+            }
         }
     }
 }
