@@ -122,7 +122,8 @@ extern "C" BOOL WINAPI OSConvertTumblerTimeStringToRealString(const char *text, 
     return 1;
 }
 
-extern "C" BOOL WINAPI OSConvertHourMinuteStringToTumblerTimeString(const char *text, char *out)
+// Reads a typed time with `read` and writes it as a count of minutes.
+static BOOL ToTumblerString(const char *text, char *out, void (*read)(DateTimeValue *, char *))
 {
     char buffer[256];
     char *start;
@@ -133,25 +134,18 @@ extern "C" BOOL WINAPI OSConvertHourMinuteStringToTumblerTimeString(const char *
             out[0] = 0;
         return 1;
     }
-    ReadHourMinuteText(&value, start);
+    read(&value, start);
     if (out)
         WriteMinutes(&value, out);
     return 1;
 }
 
+extern "C" BOOL WINAPI OSConvertHourMinuteStringToTumblerTimeString(const char *text, char *out)
+{
+    return ToTumblerString(text, out, ReadHourMinuteText);
+}
+
 extern "C" BOOL WINAPI OSConvertRealStringToTumblerTimeString(const char *text, char *out)
 {
-    char buffer[256];
-    char *start;
-    DateTimeValue value;
-    StartOfToday(&value);
-    if (!TrimmedCopy(text, buffer, sizeof buffer, &start)) {
-        if (out)
-            out[0] = 0;
-        return 1;
-    }
-    ReadRealText(&value, start);
-    if (out)
-        WriteMinutes(&value, out);
-    return 1;
+    return ToTumblerString(text, out, ReadRealText);
 }
