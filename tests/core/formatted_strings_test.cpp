@@ -57,17 +57,17 @@ TEST_F(FormattedStrings, NumbersMatchWsprintf)
 
 TEST_F(FormattedStrings, TextsAndCharactersMatchWsprintf)
 {
-    const char *specs[] = {"%s", "%10s", "%-10s", "%.2s", "%5.1s", "%hs", "%010s", "%#s", "%.0s"};
+    const char *directives[] = {"%s", "%10s", "%-10s", "%.2s", "%5.1s", "%hs", "%010s", "%#s", "%.0s"};
     const char *texts[] = {"", "abc", "a longer piece of text", nullptr};
-    for (const char *spec : specs)
+    for (const char *directive : directives)
         for (const char *text : texts)
-            ExpectSameAsPlatform(std::string("[") + spec + "]", text);
-    const char *charSpecs[] = {"%c", "%3c", "%-3c", "%hc", "%.5c", "%05c"};
-    for (const char *spec : charSpecs)
+            ExpectSameAsPlatform(std::string("[") + directive + "]", text);
+    const char *charDirectives[] = {"%c", "%3c", "%-3c", "%hc", "%.5c", "%05c"};
+    for (const char *directive : charDirectives)
         for (int c : {'A', 'z', ' '})
-            ExpectSameAsPlatform(spec, c);
-    for (const char *spec : {"%ls", "%8ls", "%-8ls|", "%.1ls", "%S", "%hS"})
-        ExpectSameAsPlatform(spec, L"wide");
+            ExpectSameAsPlatform(directive, c);
+    for (const char *directive : {"%ls", "%8ls", "%-8ls|", "%.1ls", "%S", "%hS"})
+        ExpectSameAsPlatform(directive, L"wide");
     ExpectSameAsPlatform("%lc", static_cast<int>(L'W'));
 }
 
@@ -122,7 +122,7 @@ TEST_F(FormattedStrings, BadArgumentsWriteNothing)
     EXPECT_TRUE(dest.GuardsIntactFrom(0));
 }
 
-// The reorderable form held against FormatMessageA: "@n%spec" is "%n!spec!".
+// The reorderable form held against FormatMessageA: "@n%directive" is "%n!directive!".
 std::string AsFormatMessage(const std::string &format)
 {
     std::string out;
