@@ -84,7 +84,7 @@ fi
 
 # Wine prefix, keyed by the Wine build and by how guest.sh makes it (bump
 # prefix_recipe when that changes).
-prefix_recipe=1
+prefix_recipe=2
 wine_version=$(dpkg-query -W -f='${Version}' libwine:i386 2>/dev/null) ||
   die "libwine:i386 not installed: run tools/setup-i686-lane.sh"
 prefix=$cache/prefix-win32-${wine_version//[^A-Za-z0-9.+-]/_}-r$prefix_recipe
@@ -160,7 +160,7 @@ timeout -k 10 "$timeout_s" qemu-system-x86_64 \
   -display none -no-reboot -net none \
   -serial "file:$(qarg "$run/console.log")" \
   -kernel "$kernel" -initrd "$initrd" \
-  -append "console=ttyS0 quiet loglevel=3 panic=-1 mitigations=off" \
+  -append "console=ttyS0 quiet loglevel=3 panic=-1 mitigations=off ${QZ_RUN32_APPEND:-}" \
   "${fsdevs[@]}" \
   -device virtio-serial-pci \
   -chardev "file,id=qzout,path=$(qarg "$run/stdout.fifo")" \

@@ -51,7 +51,12 @@ mount -t tmpfs -o mode=1777 shm /dev/shm
 # shellcheck source=/dev/null
 . "$job/job.env" || fail "cannot read job.env"
 
-p9=trans=virtio,version=9p2000.L,msize=512000,cache=mmap
+# cache=loose, not cache=mmap: with mmap caching, pages of an executable that
+# Wine maps from the share sometimes cannot be faulted in, and the program dies
+# with a page fault on its first touch of them.  Only this guest writes to the
+# shares while it runs, so the lack of coherence of loose caching is harmless;
+# the writes reach the host at the latest at umount.
+p9=trans=virtio,version=9p2000.L,msize=512000,cache=loose
 for ((i = 0; i < ${#QZ_MOUNTS[@]}; i += 2)); do
   tag=${QZ_MOUNTS[i]} dir=${QZ_MOUNTS[i + 1]}
   mkdir -p "$dir" && mount -t 9p -o "$p9" "$tag" "$dir" || fail "cannot mount $dir ($tag)"
@@ -79,11 +84,16 @@ wineserver=/usr/lib/wine/wineserver
 if [ "$QZ_NEW_PREFIX" = 1 ]; then
   # Build the prefix in the guest's tmpfs, use it for this boot, and store a
   # copy in the cache (copy, then rename: a broken copy is never picked up).
+  # Settings: the null graphics driver (no display here), and no crash dialog:
+  # a crashing test gets winedbg's backtrace on stderr and ends, instead of
+  # waiting for a click on a window nobody can see.
+  # Changing these?  Bump prefix_recipe in boot.sh so cached prefixes are remade.
   export WINEPREFIX=/tmp/qz-wineprefix
   {
     WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d" WINEDEBUG=-all \
       "$wine" wineboot -i &&
     "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f &&
+    "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f &&
     "$wineserver" -w
   } >> "$job/prefix.log" 2>&1 || fail "cannot make the Wine prefix (see prefix.log)"
   stamp prefix-made
