@@ -12,14 +12,18 @@
 # and ctest's output comes out on stdout as it runs.  BUILD_DIR is shared
 # read-write, so Testing/ logs stay; everything else the guest writes is lost.
 #
-# CTEST_ARGS are added to ctest's command line (e.g. -R Pattern, -j2).
+# CTEST_ARGS are added to ctest's command line (e.g. -R Pattern, -j1).
+#
+# Environment: CTEST_PARALLEL_LEVEL (default: the guest's CPUs),
+# QZ_I686_TEST_TIMEOUT (seconds for a test without a TIMEOUT property of its
+# own, default 300), and the QZ_RUN32_* knobs of tools/run32/boot.sh
+# (QZ_RUN32_TIMEOUT: seconds for the whole run, default 1200).
 #
 # Exit status: ctest's own (0 all passed, non-zero otherwise);
 #   124  the emulated machine ran out of time (QZ_RUN32_TIMEOUT, default 1200 s)
 #   125  the emulated machine failed, or the lane is not set up
-# Both are explained on stderr.  One-time setup: tools/setup-i686-lane.sh.
-# Further knobs (cache, memory, CPUs, variables handed to the tests): see
-# tools/run32/boot.sh.
+#   2    BUILD_DIR is not a configured build directory
+# All are explained on stderr.  One-time setup: tools/setup-i686-lane.sh.
 set -euo pipefail
 
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -40,6 +44,16 @@ fi
 }
 build=$(cd "$build" && pwd -P)
 
+# Tests run in parallel, one per guest CPU, like the x86_64 lane's -j$(nproc);
+# CTEST_PARALLEL_LEVEL=1 (or -- -j1) runs them one at a time.
+export CTEST_PARALLEL_LEVEL=${CTEST_PARALLEL_LEVEL:-${QZ_RUN32_SMP:-$(nproc)}}
+
+# A test without a TIMEOUT property of its own gets this many seconds, so that
+# one hung test fails by name and the rest still run, rather than the whole
+# machine running out of time (QZ_RUN32_TIMEOUT) with nothing said.
+test_timeout=${QZ_I686_TEST_TIMEOUT:-300}
+
 # ctest is the host's binary, seen by the guest through the shared root.
 exec "$repo/tools/run32/boot.sh" -w "$build" -C "$build" -- \
-  ctest --test-dir "$build" --output-on-failure --no-tests=error "$@"
+  ctest --test-dir "$build" --output-on-failure --no-tests=error \
+    --timeout "$test_timeout" "$@"

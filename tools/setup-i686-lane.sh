@@ -26,7 +26,8 @@ set -euo pipefail
 
 PKGS=(wine32:i386 qemu-system-x86 linux-image-amd64 busybox-static)
 NATIVE=$(dpkg --print-architecture)
-CODENAME=$(. /etc/os-release && echo "${VERSION_CODENAME:-bookworm}")
+CODENAME=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
+CODENAME=${CODENAME:-bookworm}
 
 log() { echo "setup-i686-lane: $*" >&2; }
 

@@ -19,12 +19,15 @@ export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=}
 unset DISPLAY WAYLAND_DISPLAY
 
+# A prefix given by the caller is used as it is; only our own is made here.
+own_prefix=0
 if [ -z "${WINEPREFIX:-}" ]; then
   export WINEPREFIX=$(dirname "$dir")/wineprefix
+  own_prefix=1
 fi
 
 # Make the prefix once; concurrent runners wait for the first.
-if [ ! -f "$WINEPREFIX/.qz-ready" ]; then
+if [ $own_prefix = 1 ] && [ ! -f "$WINEPREFIX/.qz-ready" ]; then
   mkdir -p "$WINEPREFIX"
   exec 9>"$WINEPREFIX.lock"
   flock 9

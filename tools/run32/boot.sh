@@ -28,6 +28,7 @@
 #   QZ_RUN32_SMP      guest CPUs (default: host's)
 #   QZ_RUN32_PASSENV  names (glob patterns) of host variables handed to COMMAND
 #                     (default "WINEDEBUG WINEDLLOVERRIDES GTEST_* CTEST_*")
+#   QZ_RUN32_APPEND   extra guest kernel arguments (e.g. loglevel=7 to debug a boot)
 #   QZ_RUN32_VERBOSE=1  after the run: guest console, boot timings, host wall time
 #   QZ_RUN32_KEEP=1     keep the per-run directory (job.env, logs, console)
 set -euo pipefail
@@ -56,7 +57,11 @@ done
 timeout_s=${QZ_RUN32_TIMEOUT:-1200}
 mem=${QZ_RUN32_MEM:-4096}
 smp=${QZ_RUN32_SMP:-$(nproc)}
-cache=${QZ_RUN32_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/qziso32/run32}
+if [ -n "${XDG_CACHE_HOME:-}" ] || [ -n "${HOME:-}" ]; then
+  cache=${QZ_RUN32_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/qziso32/run32}
+else
+  cache=${QZ_RUN32_CACHE:-/var/cache/qziso32/run32}
+fi
 passenv=${QZ_RUN32_PASSENV:-WINEDEBUG WINEDLLOVERRIDES GTEST_* CTEST_*}
 [[ $timeout_s =~ ^[0-9]+$ ]] || die "QZ_RUN32_TIMEOUT must be a number of seconds"
 
@@ -66,8 +71,9 @@ passenv=${QZ_RUN32_PASSENV:-WINEDEBUG WINEDLLOVERRIDES GTEST_* CTEST_*}
 command -v qemu-system-x86_64 >/dev/null || die "qemu-system-x86_64 missing: run tools/setup-i686-lane.sh"
 [ -x /usr/lib/wine/wine ] || die "32-bit Wine missing: run tools/setup-i686-lane.sh"
 
-kernel=${QZ_RUN32_KERNEL:-$(ls /boot/vmlinuz-* 2>/dev/null | sort -V | tail -n 1)}
+kernel=${QZ_RUN32_KERNEL:-$(printf '%s\n' /boot/vmlinuz-* | sort -V | tail -n 1)}
 [ -r "$kernel" ] || die "no guest kernel: run tools/setup-i686-lane.sh"
+case $kernel in */vmlinuz-*) ;; *) die "the guest kernel must be a vmlinuz-VERSION file: $kernel" ;; esac
 kver=${kernel##*/vmlinuz-}
 [ -d "/lib/modules/$kver" ] || die "no modules for kernel $kver"
 
@@ -82,31 +88,39 @@ if [ ! -s "$initrd" ]; then
   find "$cache" -maxdepth 1 -name 'initramfs-*.cpio.gz' ! -path "$initrd" -delete
 fi
 
-# Wine prefix, keyed by the Wine build and by how guest.sh makes it (bump
-# prefix_recipe when that changes).
-prefix_recipe=2
+# Wine prefix: an ext4 image, keyed by the Wine build and by how guest.sh
+# makes it (bump prefix_recipe when that changes).  Missing, it is made in this
+# boot on a blank image, which is kept only if the guest says it is complete.
+prefix_recipe=3
 wine_version=$(dpkg-query -W -f='${Version}' libwine:i386 2>/dev/null) ||
   die "libwine:i386 not installed: run tools/setup-i686-lane.sh"
-prefix=$cache/prefix-win32-${wine_version//[^A-Za-z0-9.+-]/_}-r$prefix_recipe
-new_prefix=0
-if [ ! -f "$prefix/system.reg" ]; then
-  new_prefix=1
-  # Prefixes of other Wine builds are ~600 MB each and of no further use.
-  find "$cache" -maxdepth 1 -name 'prefix-win32-*' ! -path "$prefix" -exec rm -rf {} +
+image=$cache/prefix-win32-${wine_version//[^A-Za-z0-9.+-]/_}-r$prefix_recipe.ext4
+prefix_mode="use"
+if [ ! -s "$image" ]; then
+  prefix_mode="make"
+  # Prefixes of other Wine builds or recipes are of no further use, nor are
+  # half-made images that no run has touched for hours.
+  find "$cache" -maxdepth 1 -name 'prefix-win32-*' ! -name '*.part.*' ! -path "$image" \
+    -exec rm -rf {} +
+  find "$cache" -maxdepth 1 -name 'prefix-win32-*.part.*' -mmin +120 -delete
   echo "$prog: no Wine prefix for $wine_version yet; making one in this boot (about a minute)" >&2
 fi
 
 run=$(mktemp -d /tmp/qz-run32.XXXXXX)
+disk_file=
 qemu_pid=
 readers=()
+# shellcheck disable=SC2317  # reached through the traps below
 cleanup() {
+  set +e   # a process already gone must not cut the cleanup short
   [ -n "$qemu_pid" ] && kill "$qemu_pid" 2>/dev/null
   [ ${#readers[@]} -gt 0 ] && kill "${readers[@]}" 2>/dev/null
   if [ "${QZ_RUN32_KEEP:-0}" = 1 ]; then echo "$prog: kept $run" >&2; else rm -rf "$run"; fi
+  [ "$prefix_mode" = make ] && [ -n "$disk_file" ] && rm -f "$disk_file"   # not complete
 }
 trap cleanup EXIT
-trap 'exit 130' INT
-trap 'exit 143' TERM
+trap 'echo "$prog: interrupted" >&2; exit 130' INT
+trap 'echo "$prog: terminated" >&2; exit 143' TERM
 
 # QEMU's option syntax doubles commas inside values.
 qarg() { printf '%s' "${1//,/,,}"; }
@@ -125,8 +139,7 @@ fsdevs=(-fsdev "local,id=hostroot,path=/,security_model=none,readonly=on,multide
              -device "virtio-9p-pci,fsdev=$tag,mount_tag=$tag")
     printf 'QZ_MOUNTS+=(%q %q)\n' "$tag" "$dir"
   done
-  printf 'QZ_CACHE=%q\nQZ_PREFIX=%q\nQZ_NEW_PREFIX=%s\nQZ_WORKDIR=%q\n' \
-    "$cache" "$prefix" "$new_prefix" "$workdir"
+  printf 'QZ_PREFIX_MODE=%s\nQZ_WORKDIR=%q\n' "$prefix_mode" "$workdir"
   printf 'QZ_CMD=('; printf '%q ' "$@"; printf ')\n'
   # Hand over the chosen host variables.
   for name in $(compgen -e); do
@@ -136,10 +149,17 @@ fsdevs=(-fsdev "local,id=hostroot,path=/,security_model=none,readonly=on,multide
     done
   done
 } > "$run/job.env"
-if [ "$new_prefix" = 1 ]; then
-  fsdevs+=(-fsdev "local,id=qzcache,path=$(qarg "$cache"),security_model=none"
-           -device "virtio-9p-pci,fsdev=qzcache,mount_tag=qzcache")
+if [ "$prefix_mode" = make ]; then
+  disk_file=$image.part.$$
+  truncate -s 2G "$disk_file"   # sparse; the prefix takes ~600 MB of it
+  disk_opts=
+else
+  disk_file=$image
+  disk_opts=,readonly=on
 fi
+# shellcheck disable=SC2054  # commas belong to QEMU's option syntax
+disk=(-drive "file=$(qarg "$disk_file"),format=raw,if=none,id=qzprefix$disk_opts"
+      -device virtio-blk-pci,drive=qzprefix,serial=qzprefix)
 
 # The command's stdout and stderr: two virtio serial ports, each written by
 # QEMU into a FIFO that a reader here copies to our own stream as it comes.
@@ -161,7 +181,7 @@ timeout -k 10 "$timeout_s" qemu-system-x86_64 \
   -serial "file:$(qarg "$run/console.log")" \
   -kernel "$kernel" -initrd "$initrd" \
   -append "console=ttyS0 quiet loglevel=3 panic=-1 mitigations=off ${QZ_RUN32_APPEND:-}" \
-  "${fsdevs[@]}" \
+  "${fsdevs[@]}" "${disk[@]}" \
   -device virtio-serial-pci \
   -chardev "file,id=qzout,path=$(qarg "$run/stdout.fifo")" \
   -device virtserialport,chardev=qzout,name=qz.stdout \
@@ -179,6 +199,10 @@ t1=$(date +%s.%N)
 for f in "$run/stdout.fifo" "$run/stderr.fifo"; do : 1<> "$f"; done
 wait "${readers[@]}" 2>/dev/null || true
 readers=()
+
+if [ "$prefix_mode" = make ] && [ -f "$run/prefix-made" ]; then
+  mv -f "$disk_file" "$image" || echo "$prog: warning: could not keep the new prefix image" >&2
+fi
 
 if [ "${QZ_RUN32_VERBOSE:-0}" = 1 ]; then
   {
