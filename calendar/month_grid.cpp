@@ -12,16 +12,24 @@ static bool IsWeekday(LONG day) { return day >= 0 && day <= 6; }
 // The weekday of a day count from 1 January 1800, a Wednesday.
 static LONG WeekdayOfCount(LONG count) { return static_cast<LONG>((static_cast<DWORD>(count) + 3) % 7); }
 
+// The first day of the value's month and its weekday; false, recorded, if
+// the value is invalid.
+static bool FirstOfMonth(const DateTimeValue *value, DateTimeValue *first, LONG *weekday)
+{
+    *first = *value;
+    first->day = 1;
+    return OSDayOfWeek(first, weekday, 0) != FALSE;
+}
+
 extern "C" LONG WINAPI OSDateTimeCalcNumRowsForMonth(const DateTimeValue *value, LONG weekStart)
 {
     if (!value) {
         OSErrorSetErrorInfo(RV_BadParms, "DateTimeValue");
         return 0;
     }
-    DateTimeValue first = *value;
-    first.day = 1;
+    DateTimeValue first;
     LONG weekday = 0;
-    if (!OSDayOfWeek(&first, &weekday, 0))
+    if (!FirstOfMonth(value, &first, &weekday))
         return 0;
     LONG column = OSDateTimeGetColumnForDayOfWeek(weekday, weekStart);
     LONG days = OSDateTimeGetNumDaysInMonth(&first);
@@ -40,10 +48,9 @@ static BOOL WalkMonth(const DateTimeValue *value, LONG weekStart, BOOL skipOther
         OSErrorSetErrorInfo(RV_BadParms, "OSDateTimeMonthGrid");
         return 0;
     }
-    DateTimeValue first = *value;
-    first.day = 1;
+    DateTimeValue first;
     LONG weekday = 0;
-    if (!OSDayOfWeek(&first, &weekday, 0))
+    if (!FirstOfMonth(value, &first, &weekday))
         return 0;
     LONG rows = sixRows ? 6 : OSDateTimeCalcNumRowsForMonth(&first, weekStart);
     LONG offset = -OSDateTimeGetColumnForDayOfWeek(weekday, weekStart);
