@@ -7,7 +7,7 @@
 #   busybox-static     the guest's tiny initramfs (tools/run32/mkinitramfs.sh)
 #
 # Idempotent: when dpkg already has all of them it touches nothing and returns
-# at once.  Needs root.  Debian packages only.
+# at once.  Needs root (runs itself through sudo otherwise).  Debian packages only.
 #
 # Two quirks of the package mirror are handled here:
 #
@@ -44,7 +44,10 @@ if all_installed; then
   exit 0
 fi
 
-[ "$(id -u)" = 0 ] || { log "must run as root"; exit 1; }
+if [ "$(id -u)" != 0 ]; then
+  command -v sudo >/dev/null || { log "must run as root"; exit 1; }
+  exec sudo "$0" "$@"
+fi
 
 # Adds "Architectures: $NATIVE" to every deb822 stanza whose Suites are all
 # *-security suites and that does not already say which architectures it has.
