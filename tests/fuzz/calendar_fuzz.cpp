@@ -3,8 +3,7 @@
 // in a valid value or a recorded range error, with nothing written past the
 // buffers given.
 //   calendar_fuzz [inputs] [seed]     (or QZ_FUZZ_INPUTS, QZ_FUZZ_SEED)
-// The default is 200,000 inputs; a 32-bit build, which runs emulated, takes
-// a fifteenth of that.
+// The default is 200,000 inputs, in both builds.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -167,7 +166,7 @@ unsigned long Setting(int argc, char **argv, int index, const char *name, unsign
 
 int main(int argc, char **argv)
 {
-    const unsigned long defaultInputs = sizeof(void *) == 4 ? 200000 / 15 : 200000;
+    const unsigned long defaultInputs = 200000;
     const unsigned long inputs = Setting(argc, argv, 1, "QZ_FUZZ_INPUTS", defaultInputs);
     const unsigned long seed = Setting(argc, argv, 2, "QZ_FUZZ_SEED", 20010705);
     g_random.seed(seed);
