@@ -96,27 +96,16 @@ extern "C" BOOL WINAPI OSDateTimeGetIntlSettings(DateTimeIntlSettings *out)
 
 // Writers of the product's names; a failure is recorded and the value
 // stays changed in memory.
-static void WriteSetting(const char *keyPath, const char *valueName, DWORD type, const void *data,
-                         DWORD size)
-{
-    HKEY key = OpenSettingsKey(HKEY_CURRENT_USER, keyPath, kSettingsWriteAccess, nullptr);
-    if (!key) {
-        OSErrorSetErrorInfo(RV_WriteFailure, g_module.settingsName ? g_module.settingsName : "");
-        return;
-    }
-    if (RegSetValueExA(key, valueName, 0, type, static_cast<const BYTE *>(data), size) != ERROR_SUCCESS)
-        OSErrorSetErrorInfo(RV_WriteFailure, g_module.settingsName ? g_module.settingsName : "");
-    RegCloseKey(key);
-}
+static const char *SettingsName() { return g_module.settingsName ? g_module.settingsName : ""; }
 
 static void WriteNumber(const char *keyPath, const char *valueName, LONG value)
 {
-    WriteSetting(keyPath, valueName, REG_DWORD, &value, sizeof value);
+    OSWriteProfileInt(keyPath, valueName, value, SettingsName(), 0);
 }
 
 static void WriteText(const char *keyPath, const char *valueName, const char *text)
 {
-    WriteSetting(keyPath, valueName, REG_SZ, text, static_cast<DWORD>(strlen(text) + 1));
+    OSWriteProfileString(keyPath, valueName, text, SettingsName(), 0);
 }
 
 // Stores a text field that differs and writes it under its product name.

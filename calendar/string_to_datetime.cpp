@@ -9,16 +9,10 @@ int g_dateTimeTokenCount;
 
 enum { kTextLimit = 256 };
 
-static bool IsBlankOrTab(char c) { return c == ' ' || c == '\t'; }
-
+// Leading blanks and tabs skipped, trailing blanks cut off.
 char *TrimDateTimeText(char *text)
 {
-    while (IsBlankOrTab(*text))
-        ++text;
-    size_t length = strlen(text);
-    while (length && text[length - 1] == ' ')
-        text[--length] = 0;
-    return text;
+    return StripTrailingSpaces(SkipWhiteSpace(text));
 }
 
 DWORD ReadLeadingNumber(const char *text)

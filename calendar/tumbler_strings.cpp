@@ -85,18 +85,28 @@ static void WriteMinutes(const DateTimeValue *value, char *out)
 
 static const char *ClockFormat() { return g_dateTimeIntl.iTime ? "HH:mm" : "HHz mmZ"; }
 
-extern "C" BOOL WINAPI OSConvertTumblerTimeStringToHourMinuteString(const char *text, char *out)
+// Reads a typed time with `read` into `value`, starting from today. Text that
+// is empty after trimming reads as nothing: `out`, when given, is emptied and
+// the answer is false.
+static bool ReadTypedTime(const char *text, char *out, DateTimeValue *value, void (*read)(DateTimeValue *, char *))
 {
     char buffer[256];
     char *start;
-    DateTimeValue value;
-    StartOfToday(&value);
+    StartOfToday(value);
     if (!TrimmedCopy(text, buffer, sizeof buffer, &start)) {
         if (out)
             out[0] = 0;
-        return 1;
+        return false;
     }
-    ReadHourMinuteText(&value, start);
+    read(value, start);
+    return true;
+}
+
+extern "C" BOOL WINAPI OSConvertTumblerTimeStringToHourMinuteString(const char *text, char *out)
+{
+    DateTimeValue value;
+    if (!ReadTypedTime(text, out, &value, ReadHourMinuteText))
+        return 1;
     const char *written = OSDateTimeToString(&value, nullptr, ClockFormat(), 32, 0);
     if (!written)
         return 0;
@@ -107,16 +117,12 @@ extern "C" BOOL WINAPI OSConvertTumblerTimeStringToHourMinuteString(const char *
 
 extern "C" BOOL WINAPI OSConvertTumblerTimeStringToRealString(const char *text, char *out)
 {
-    char buffer[256];
-    char *start;
-    DateTimeValue value;
-    StartOfToday(&value);
     if (!out)
         return 1;
     out[0] = 0;
-    if (!TrimmedCopy(text, buffer, sizeof buffer, &start))
+    DateTimeValue value;
+    if (!ReadTypedTime(text, out, &value, ReadRealText))
         return 1;
-    ReadRealText(&value, start);
     // Five characters and the terminator.
     OSDateTimeToString(&value, out, ClockFormat(), 32, 6);
     return 1;
@@ -125,17 +131,8 @@ extern "C" BOOL WINAPI OSConvertTumblerTimeStringToRealString(const char *text, 
 // Reads a typed time with `read` and writes it as a count of minutes.
 static BOOL ToTumblerString(const char *text, char *out, void (*read)(DateTimeValue *, char *))
 {
-    char buffer[256];
-    char *start;
     DateTimeValue value;
-    StartOfToday(&value);
-    if (!TrimmedCopy(text, buffer, sizeof buffer, &start)) {
-        if (out)
-            out[0] = 0;
-        return 1;
-    }
-    read(&value, start);
-    if (out)
+    if (ReadTypedTime(text, out, &value, read) && out)
         WriteMinutes(&value, out);
     return 1;
 }
