@@ -128,7 +128,26 @@ extern "C" BOOL WINAPI OSAdjustDateTimeByDays(DateTimeValue *value, LONG days)
             r -= q * 1461;
         }
     }
-    AdjustDaysUnchecked(value, r);
+    if (r < 0) {
+        AdjustDaysUnchecked(value, r);
+        return 1;
+    }
+    // At most four years and a day are left: whole years, then the month
+    // from the running totals of month lengths.
+    unsigned d = static_cast<unsigned>(r);
+    for (unsigned length; d >= (length = IsLeapYear(value->year) ? 366u : 365u);) {
+        d -= length;
+        value->year = static_cast<WORD>(value->year + 1);
+    }
+    static const unsigned short kDaysBefore[2][13] = {
+        {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365},
+        {0, 31, 60, 91, 121, 152, 182, 213, 244, 274, 305, 335, 366}};
+    const unsigned short *before = kDaysBefore[IsLeapYear(value->year) ? 1 : 0];
+    unsigned month = 1;
+    while (d >= before[month])
+        ++month;
+    value->month = static_cast<BYTE>(month);
+    value->day = static_cast<BYTE>(d - before[month - 1] + 1);
     return 1;
 }
 
