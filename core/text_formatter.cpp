@@ -151,12 +151,17 @@ int FormatText(char *out, const char *format, va_list args)
     const char *f = format;
     while (*f && room > 1) {
         if (*f != '%') {
-            // A run of plain text, up to the next directive or the bound.
-            char *end = o + room - 1;
-            do
-                *o++ = *f++;
-            while (*f && *f != '%' && o < end);
-            room = static_cast<int>(end - o) + 1;
+            // A run of plain text, up to the next directive or the bound:
+            // measured first, so that the copy does not wait on the scan.
+            const int most = room - 1;
+            int run = 1;
+            while (run < most && f[run] && f[run] != '%')
+                ++run;
+            for (int i = 0; i < run; ++i)
+                o[i] = f[i];
+            o += run;
+            f += run;
+            room -= run;
             continue;
         }
         if (*++f == '%') {
@@ -265,8 +270,8 @@ int FormatText(char *out, const char *format, va_list args)
             break;
         }
         case kString:
-            CopyMemory(o, text, length);
-            o += length;
+            for (unsigned i = 0; i < length; ++i)
+                *o++ = text[i];
             break;
         case kWideString:
             o = WriteWide(o, wideText, length);
@@ -286,8 +291,8 @@ int FormatText(char *out, const char *format, va_list args)
             }
             for (unsigned i = length; i < d.precision; ++i, --room)
                 *o++ = '0';
-            CopyMemory(o, number + sign, length - sign);
-            o += length - sign;
+            for (unsigned i = sign; i < length; ++i)
+                *o++ = number[i];
             break;
         case kUnknown:
             continue;
