@@ -1,6 +1,5 @@
 // Tumbler time strings: a time of day as a number of minutes in decimal,
 // to and from the hour-and-minute text and the real text.
-#include <cstdio>
 #include <cstring>
 #include "calendar_internal.h"
 #include "../core/module_globals.h"
@@ -37,7 +36,7 @@ static void TokeniseTumblerText(char *text, char *hourUnit)
     char separators[64];
     char time[sizeof g_dateTimeIntl.sTime];
     lstrcpynA(time, g_dateTimeIntl.sTime, sizeof time);
-    snprintf(separators, sizeof separators, " \t%s%s%s", hourUnit, minuteUnit, time);
+    OScsprintf(separators, sizeof separators - 1, " \t%s%s%s", hourUnit, minuteUnit, time);
     TokeniseDateTimeText(text, separators);
 }
 
@@ -80,7 +79,8 @@ static void ReadRealText(DateTimeValue *value, char *text)
 
 static void WriteMinutes(const DateTimeValue *value, char *out)
 {
-    sprintf(out, "%lu", static_cast<unsigned long>(value->hour * 60ul + value->minute));
+    // At most four digits: 23 hours and 59 minutes.
+    OScsprintf(out, 8, "%u", static_cast<unsigned>(value->hour * 60u + value->minute));
 }
 
 static const char *ClockFormat() { return g_dateTimeIntl.iTime ? "HH:mm" : "HHz mmZ"; }

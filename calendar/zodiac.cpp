@@ -1,6 +1,5 @@
 // Signs of the zodiac: the sign of a date, its name and date range, the
 // sign of a name, and the character that draws it.
-#include <cstdio>
 #include <cstring>
 #include "calendar_internal.h"
 #include "../core/module_globals.h"
@@ -65,9 +64,9 @@ extern "C" char *WINAPI OSZodiacToString(LONG sign, char *buffer, LONG mode, DWO
     OSDateTimeToString(&start, date, "dd MMM", 0, sizeof date);
     char head[160];
     if (mode == 2)
-        snprintf(head, sizeof head, "%s %s - ", name, date);
+        OScsprintf(head, sizeof head - 1, "%s %s - ", name, date);
     else
-        snprintf(head, sizeof head, "%s - ", date);
+        OScsprintf(head, sizeof head - 1, "%s - ", date);
     LocalFree(name);
     lstrcpynA(buffer, head, static_cast<int>(bufferSize));
     OSDateTimeToString(&end, date, "dd MMM", 0, sizeof date);
