@@ -123,18 +123,14 @@ static void WalkFormat(const DateTimeValue *v, LONG weekday, const char *format,
         size_t run = RunLength(c);
         switch (*c) {
         case 'd':
-            if (run == 1)
-                PutNumber(out, v->day, 1);
-            else if (run == 2)
-                PutNumber(out, v->day, 2);
+            if (run <= 2)
+                PutNumber(out, v->day, static_cast<int>(run));
             else
                 PutString(out, run == 3 ? names.shortDay[weekday] : names.longDay[weekday]);
             break;
         case 'M':
-            if (run == 1)
-                PutNumber(out, v->month, 1);
-            else if (run == 2)
-                PutNumber(out, v->month, 2);
+            if (run <= 2)
+                PutNumber(out, v->month, static_cast<int>(run));
             else
                 PutString(out, run == 3 ? names.shortMonth[v->month - 1] : names.longMonth[v->month - 1]);
             break;

@@ -27,6 +27,21 @@ DWORD ReadDoubleWord(const BYTE *bytes, DWORD offset)
     return ReadWord(bytes, offset) | ReadWord(bytes, offset + 2) << 16;
 }
 
+// A block of `size` bytes, allocated and locked; null, with nothing left
+// allocated, when either step fails.
+void *AllocateLocked(SIZE_T size, HGLOBAL *block)
+{
+    *block = GlobalAlloc(kPictureFlags, size);
+    if (!*block)
+        return nullptr;
+    void *bytes = GlobalLock(*block);
+    if (!bytes) {
+        GlobalFree(*block);
+        *block = nullptr;
+    }
+    return bytes;
+}
+
 // Makes the metafile described by the resource `bytes` of `resourceSize`
 // bytes and fills `picture`; returns false (recording why) when it cannot.
 bool BuildPicture(const BYTE *bytes, DWORD resourceSize, METAFILEPICT *picture)
@@ -49,14 +64,10 @@ bool BuildPicture(const BYTE *bytes, DWORD resourceSize, METAFILEPICT *picture)
     }
     // The staging block stays allocated for the life of the process: the
     // metafile is made from its bytes and nothing keeps its handle.
-    HGLOBAL staging = GlobalAlloc(kPictureFlags, size);
-    if (!staging)
+    HGLOBAL staging;
+    BYTE *metafileBytes = static_cast<BYTE *>(AllocateLocked(size, &staging));
+    if (!metafileBytes)
         return false;
-    BYTE *metafileBytes = static_cast<BYTE *>(GlobalLock(staging));
-    if (!metafileBytes) {
-        GlobalFree(staging);
-        return false;
-    }
     CopyMemory(metafileBytes, bytes + kMetafileOffset, size);
     picture->mm = MM_ISOTROPIC;
     // Unsigned arithmetic: a left edge beyond the right one wraps around.
@@ -80,14 +91,10 @@ extern "C" HBITMAP WINAPI ResourceLoadBitmap(HMODULE module, DWORD id)
 
 extern "C" HGLOBAL WINAPI ResourceLoadMetafile(HMODULE module, const char *name)
 {
-    HGLOBAL block = GlobalAlloc(kPictureFlags, sizeof(METAFILEPICT));
-    if (!block)
+    HGLOBAL block;
+    METAFILEPICT *picture = static_cast<METAFILEPICT *>(AllocateLocked(sizeof(METAFILEPICT), &block));
+    if (!picture)
         return nullptr;
-    METAFILEPICT *picture = static_cast<METAFILEPICT *>(GlobalLock(block));
-    if (!picture) {
-        GlobalFree(block);
-        return nullptr;
-    }
     // Found in the resource library, loaded from the module the caller gave:
     // callers pass the resource library in both roles, and a resource found
     // in one module cannot be loaded through another.
