@@ -468,6 +468,67 @@ QZAPI LONG WINAPI OSGetNegNumber(void);
 /* The number and its ending ("1st"), or with `plain` the ordinal word. */
 QZAPI BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG size);
 
+/* ------------------------------------------------------------------ */
+/* Busy cursor, timers, key buffer and message boxes                   */
+/* ------------------------------------------------------------------ */
+/* Loads the eight frames of the turning cursor; 0 if one is missing. */
+QZAPI BOOL WINAPI OSWaitInit(void);
+/* Starts (or nests) a wait: the turning cursor shows. Returns the nesting. */
+QZAPI DWORD WINAPI OSWait(void);
+/* Keeps the cursor turning; with checkEscape, asks the user after an Escape
+ * press. 1 when the user chose to stop the work, else 0. */
+QZAPI BOOL WINAPI OSReWait(BOOL checkEscape);
+QZAPI DWORD WINAPI OSUnWait(void);
+/* One-way switches: after them waits and boxes do nothing. */
+QZAPI void WINAPI OSWaitDisable(void);
+QZAPI void WINAPI OSMessageDisable(void);
+/* Removes every keyboard message waiting in the thread's queue; returns 0. */
+QZAPI BOOL WINAPI OSKeyFlushBuffer(void);
+QZAPI UINT_PTR WINAPI OSSetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
+QZAPI BOOL WINAPI OSKillTimer(HWND window, UINT_PTR id);
+QZAPI BOOL WINAPI OSTimerTestReincarnate(DWORD reserved1, DWORD reserved2);
+/* Shows string `stringId` of `module`, filled in by OSrvsprintf with the
+ * arguments, in a box of `style`. Returns the button pressed, 0 if the
+ * string is missing or boxes are disabled, 2 when no box could be shown. */
+QZAPI int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
+                            UINT style, ...);
+/* What the Help button of OSMessageWithHelp opens: string `stringId` of
+ * `module` names the help window; `admin` chooses the administrator's file. */
+typedef struct MessageHelpRecord {
+    HMODULE module;
+    DWORD stringId;
+    DWORD admin;
+    DWORD topic;
+} MessageHelpRecord;
+/* As OSMessage; with a help record the box has a Help button. */
+QZAPI int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, HMODULE module,
+                                    const char *caption, UINT stringId, UINT style, ...);
+
+/* ------------------------------------------------------------------ */
+/* Help                                                                */
+/* ------------------------------------------------------------------ */
+/* Sent as WM_KEL_HELP (the registered message) with lParam pointing here;
+ * the answer is the help context, 0 for none. */
+typedef struct HelpRequest {
+    HMODULE Instance;   /* module holding the help window's name */
+    DWORD StringId;     /* that name's string, or 0 */
+    DWORD Admin;        /* non-zero: the administrator's help file */
+    DWORD Reserved;
+} HelpRequest;
+/* Opens the language's help file (or the administrator's) through WinHelpA,
+ * after telling "tvhlpn31.dll" which file belongs to the application. Data
+ * -1 and -2 only register and return 1. */
+QZAPI BOOL WINAPI ResourceHelp(HWND window, UINT command, DWORD data, const char *windowName);
+QZAPI BOOL WINAPI ResourceAdminHelp(HWND window, UINT command, DWORD data, const char *windowName);
+/* Asks the window and its parents for a help context and opens it. */
+QZAPI BOOL WINAPI OSHelp(HWND window);
+
+/* ------------------------------------------------------------------ */
+/* Feedback: the calls the busy cursor and the message boxes make      */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI Feedback_CleanupAll(void);
+QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
+
 #ifdef __cplusplus
 }
 #endif
