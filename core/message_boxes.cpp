@@ -24,6 +24,15 @@ BoxBuffers s_helpBuffers;
 // 32-bit help id, which cannot carry a pointer in the 64-bit build.
 const MessageHelpRecord *s_shownHelp;
 
+// A parent window that is gone shows no box: the box would fail with -1.
+bool ParentIsGone(HWND parent, const char *function)
+{
+    if (!parent || IsWindow(parent))
+        return false;
+    OSErrorSetErrorInfo(RV_BadParms, function);
+    return true;
+}
+
 // Loads and fills in the text; false, with the cause recorded, if the string
 // is missing.
 bool PrepareText(BoxBuffers &buffers, HMODULE module, UINT stringId, va_list args)
@@ -106,7 +115,7 @@ int ShowWithFallbacks(ShowBox show, HWND parent, const char *text, const char *c
 extern "C" int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
                                  UINT style, ...)
 {
-    if (s_disabled)
+    if (s_disabled || ParentIsGone(parent, __func__))
         return 0;
     Feedback_CleanupAll();
     va_list args;
@@ -121,7 +130,7 @@ extern "C" int __cdecl OSMessage(HWND parent, HMODULE module, const char *captio
 extern "C" int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, HMODULE module,
                                          const char *caption, UINT stringId, UINT style, ...)
 {
-    if (s_disabled)
+    if (s_disabled || ParentIsGone(parent, __func__))
         return 0;
     Feedback_CleanupAll();
     va_list args;

@@ -1,86 +1,11 @@
-// Help as a host asks for it. The system's WinHelpA hands each request to
-// the engine's window, class "MS_WINHELP", as WM_COPYDATA; a window of that
-// class here takes the requests, so the file, command and data are read
-// and no help opens.
+// Help as a host asks for it, read from the help engine's stand-in.
 #include <string>
 #include <vector>
 #include "qz_test.h"
+#include "help_engine.h"
 #include "registry_scratch.h"
 
 namespace {
-
-struct EngineCall {
-    HWND window;
-    UINT command;
-    LONG data;
-    std::string file;
-};
-
-// What WinHelpA sends along with WM_COPYDATA.
-struct WinHelpRequest {
-    WORD size;
-    WORD command;
-    LONG data;
-    LONG reserved;
-    WORD ofsFilename;
-    WORD ofsData;
-};
-
-std::vector<EngineCall> s_engineCalls;
-LRESULT s_engineAnswer = 1;
-
-LRESULT CALLBACK EngineProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_COPYDATA) {
-        const COPYDATASTRUCT *copy = reinterpret_cast<const COPYDATASTRUCT *>(lParam);
-        const WinHelpRequest *request = static_cast<const WinHelpRequest *>(copy->lpData);
-        EngineCall call{reinterpret_cast<HWND>(wParam), request->command, request->data, ""};
-        if (request->ofsFilename)
-            call.file = reinterpret_cast<const char *>(request) + request->ofsFilename;
-        s_engineCalls.push_back(call);
-        return s_engineAnswer;
-    }
-    return DefWindowProcA(window, message, wParam, lParam);
-}
-
-// The help engine's stand-in: a hidden top-level window of the engine's class.
-class HelpEngine {
-public:
-    HelpEngine()
-    {
-        WNDCLASSA wc = {};
-        wc.lpfnWndProc = EngineProc;
-        wc.hInstance = GetModuleHandleA(nullptr);
-        wc.lpszClassName = "MS_WINHELP";
-        RegisterClassA(&wc);
-        window_ = CreateWindowExA(0, "MS_WINHELP", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
-                                  wc.hInstance, nullptr);
-        s_engineCalls.clear();
-        s_engineAnswer = 1;
-    }
-    ~HelpEngine() { DestroyWindow(window_); }
-    HelpEngine(const HelpEngine &) = delete;
-    HelpEngine &operator=(const HelpEngine &) = delete;
-
-private:
-    HWND window_;
-};
-
-// The folder of the isolation library, with its trailing backslash.
-std::string LibraryFolder()
-{
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(GetModuleHandleA("qziso32.dll"), path, MAX_PATH);
-    std::string folder(path);
-    return folder.substr(0, folder.find_last_of('\\') + 1);
-}
-
-std::string LanguageFile()
-{
-    char language[4] = {};
-    OSGet2CharacterLanguageString(language);
-    return LibraryFolder() + "tv1c50" + language + ".hlp";
-}
 
 HWND MakeWindow(HWND parent = nullptr)
 {
@@ -111,18 +36,18 @@ TEST_F(Help, FileNamesFollowTheLanguageAndTheAdministrator)
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.file);
-        s_engineCalls.clear();
+        EngineCalls().clear();
         BOOL result = row.admin ? ResourceAdminHelp(window, row.command, row.data, row.windowName)
                                 : ResourceHelp(window, row.command, row.data, row.windowName);
         EXPECT_EQ(1, result);
-        ASSERT_EQ(1u, s_engineCalls.size());
-        EXPECT_EQ(row.file, s_engineCalls[0].file);
-        EXPECT_EQ(row.command, s_engineCalls[0].command);
-        EXPECT_EQ(static_cast<LONG>(row.data), s_engineCalls[0].data);
-        EXPECT_EQ(window, s_engineCalls[0].window);
+        ASSERT_EQ(1u, EngineCalls().size());
+        EXPECT_EQ(row.file, EngineCalls()[0].file);
+        EXPECT_EQ(row.command, EngineCalls()[0].command);
+        EXPECT_EQ(static_cast<LONG>(row.data), EngineCalls()[0].data);
+        EXPECT_EQ(window, EngineCalls()[0].window);
     }
     // The engine's answer is the result.
-    s_engineAnswer = 0;
+    SetEngineAnswer(0);
     EXPECT_EQ(0, ResourceHelp(window, HELP_CONTEXT, 1, nullptr));
     EXPECT_FALSE(OSErrorIsErrorPending());
     DestroyWindow(window);
@@ -134,8 +59,8 @@ TEST_F(Help, TheLanguageSettingNamesTheFile)
     SavedValue language(HKEY_LOCAL_MACHINE, "Software\\Tarvo\\Kelendrix\\98.0\\Languages", "Default");
     language.SetText("fr");
     EXPECT_EQ(1, ResourceHelp(nullptr, HELP_CONTEXT, 3, nullptr));
-    ASSERT_EQ(1u, s_engineCalls.size());
-    EXPECT_EQ(LibraryFolder() + "tv1c50fr.hlp", s_engineCalls[0].file);
+    ASSERT_EQ(1u, EngineCalls().size());
+    EXPECT_EQ(LibraryFolder() + "tv1c50fr.hlp", EngineCalls()[0].file);
 }
 
 TEST_F(Help, AnOverlongWindowNameIsRefused)
@@ -143,7 +68,7 @@ TEST_F(Help, AnOverlongWindowNameIsRefused)
     std::string name(300, 'w');
     EXPECT_EQ(0, ResourceHelp(nullptr, HELP_CONTEXT, 3, name.c_str()));
     EXPECT_EQ(RV_BufferTooSmall, OSErrorGetErrorValue());
-    EXPECT_TRUE(s_engineCalls.empty());
+    EXPECT_TRUE(EngineCalls().empty());
 }
 
 using HelperCallsProc = LONG(WINAPI *)(LONG index, char *file, HWND *window);
@@ -155,16 +80,16 @@ TEST_F(Help, HelperLibraryIsSkippedWhenAbsentAndToldWhenPresent)
     HWND window = MakeWindow();
     ASSERT_EQ(nullptr, GetModuleHandleA("tvhlpn31.dll"));
     EXPECT_EQ(1, ResourceHelp(window, HELP_CONTEXT, 5, nullptr));
-    EXPECT_EQ(1u, s_engineCalls.size()) << "help works without the helper";
+    EXPECT_EQ(1u, EngineCalls().size()) << "help works without the helper";
     EXPECT_EQ(1, ResourceHelp(window, HELP_CONTEXT, static_cast<DWORD>(-1), nullptr));
-    EXPECT_EQ(1u, s_engineCalls.size()) << "-1 opens nothing";
+    EXPECT_EQ(1u, EngineCalls().size()) << "-1 opens nothing";
 
     HMODULE helper = LoadLibraryA((ProgramFolder() + "helper\\tvhlpn31.dll").c_str());
     ASSERT_NE(nullptr, helper);
     auto helperCalls = reinterpret_cast<HelperCallsProc>(
         reinterpret_cast<void *>(GetProcAddress(helper, "HelperCalls")));
     ASSERT_NE(nullptr, helperCalls);
-    s_engineCalls.clear();
+    EngineCalls().clear();
     struct Row {
         bool admin;
         DWORD data;
@@ -180,7 +105,7 @@ TEST_F(Help, HelperLibraryIsSkippedWhenAbsentAndToldWhenPresent)
     LONG index = 0;
     for (const Row &row : rows) {
         SCOPED_TRACE(row.data);
-        size_t opened = s_engineCalls.size();
+        size_t opened = EngineCalls().size();
         EXPECT_EQ(1, row.admin ? ResourceAdminHelp(window, HELP_CONTEXT, row.data, nullptr)
                                : ResourceHelp(window, HELP_CONTEXT, row.data, nullptr));
         char file[MAX_PATH] = {};
@@ -188,7 +113,7 @@ TEST_F(Help, HelperLibraryIsSkippedWhenAbsentAndToldWhenPresent)
         ASSERT_EQ(index + 1, helperCalls(index, file, &told));
         EXPECT_EQ(row.file, file);
         EXPECT_EQ(window, told);
-        EXPECT_EQ(opened + (row.opens ? 1 : 0), s_engineCalls.size());
+        EXPECT_EQ(opened + (row.opens ? 1 : 0), EngineCalls().size());
         ++index;
     }
     // The library stays loaded: the help family keeps its entry point.
@@ -268,13 +193,13 @@ TEST_F(Help, OSHelpAsksTheWindowThenItsParentsAndOpensForTheTopWindow)
         HWND top = MakeAnsweringWindow(nullptr, &row.top);
         HWND middle = MakeAnsweringWindow(top, &row.middle);
         HWND focus = MakeAnsweringWindow(middle, &row.focus);
-        s_engineCalls.clear();
+        EngineCalls().clear();
         EXPECT_EQ(1, OSHelp(focus));
-        ASSERT_EQ(1u, s_engineCalls.size());
-        EXPECT_EQ(top, s_engineCalls[0].window);
-        EXPECT_EQ(row.command, s_engineCalls[0].command);
-        EXPECT_EQ(row.data, s_engineCalls[0].data);
-        EXPECT_EQ(row.file, s_engineCalls[0].file);
+        ASSERT_EQ(1u, EngineCalls().size());
+        EXPECT_EQ(top, EngineCalls()[0].window);
+        EXPECT_EQ(row.command, EngineCalls()[0].command);
+        EXPECT_EQ(row.data, EngineCalls()[0].data);
+        EXPECT_EQ(row.file, EngineCalls()[0].file);
         EXPECT_FALSE(OSErrorIsErrorPending());
         DestroyWindow(top);
     }
@@ -287,25 +212,25 @@ TEST_F(Help, OSHelpFailuresAreRecorded)
     EXPECT_EQ(0, OSHelp(window));
     EXPECT_EQ(RV_StringNonExistant, OSErrorGetErrorValue());
     EXPECT_EQ(4999u, OSErrorGetErrorInfo()->itemValue);
-    EXPECT_TRUE(s_engineCalls.empty());
+    EXPECT_TRUE(EngineCalls().empty());
     DestroyWindow(window);
 
     OSErrorClearError();
     const HelpAnswer context = {5, nullptr, 0, 0};
     window = MakeAnsweringWindow(nullptr, &context);
-    s_engineAnswer = 0;
+    SetEngineAnswer(0);
     EXPECT_EQ(0, OSHelp(window));
     EXPECT_EQ(RV_UserError, OSErrorGetErrorValue()) << "the engine refused";
     DestroyWindow(window);
 
     // No window, or one already destroyed.
-    s_engineCalls.clear();
+    EngineCalls().clear();
     for (HWND bad : {static_cast<HWND>(nullptr), window}) {
         OSErrorClearError();
         EXPECT_EQ(0, OSHelp(bad));
         EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
     }
-    EXPECT_TRUE(s_engineCalls.empty());
+    EXPECT_TRUE(EngineCalls().empty());
 }
 
 }  // namespace
