@@ -1,6 +1,8 @@
 // The busy cursor as long work sees it: the frames of the cursor set in
 // force, their pace, nesting, the display count and the one-way switch.
+#include <string>
 #include <vector>
+#include "message_box_driver.h"
 #include "qz_test.h"
 
 namespace {
@@ -161,6 +163,63 @@ TEST_F(BusyCursor, EndingAWaitNeverLeavesTheCursorHidden)
         ShowCursor(TRUE);
     while (DisplayCount() > shown)
         ShowCursor(FALSE);
+}
+
+// Escape pressed and let go, through the system's input queue.
+void PressEscape()
+{
+    INPUT keys[2] = {};
+    keys[0].type = keys[1].type = INPUT_KEYBOARD;
+    keys[0].ki.wVk = keys[1].ki.wVk = VK_ESCAPE;
+    keys[1].ki.dwFlags = KEYEVENTF_KEYUP;
+    ASSERT_EQ(2u, SendInput(2, keys, sizeof(INPUT)));
+}
+
+std::string ResourceText(UINT id)
+{
+    char text[512] = {};
+    LoadStringA(ResourceGetHandle(), id, text, sizeof text);
+    return text;
+}
+
+TEST_F(BusyCursor, EscapeAsksAndTheAnswerDecides)
+{
+    const std::vector<HCURSOR> frames = Frames(1001);
+    const std::string question = ResourceText(5000), title = ResourceText(1);
+    ASSERT_FALSE(question.empty());
+    HWND host = CreateWindowExA(0, "STATIC", "work", WS_POPUP | WS_VISIBLE, 0, 0, 40, 40, nullptr,
+                                nullptr, nullptr, nullptr);
+    SetForegroundWindow(host);
+    SetFocus(host);
+    MessageBoxDriver boxes;
+
+    // A press before the wait does not count, nor one that nobody checks for.
+    PressEscape();
+    ASSERT_EQ(1u, OSWait());
+    EXPECT_EQ(0, OSReWait(1));
+    PressEscape();
+    EXPECT_EQ(0, OSReWait(0));
+
+    // Yes: the work goes on with the busy cursor.
+    PressEscape();
+    PostMessageA(host, WM_CHAR, 'x', 0);   // typed ahead, flushed before the question
+    boxes.Expect(question, MB_YESNO | MB_ICONQUESTION, IDYES, title.c_str());
+    EXPECT_EQ(0, OSReWait(1));
+    EXPECT_EQ(frames[0], GetCursor());
+    MSG msg;
+    EXPECT_FALSE(PeekMessageA(&msg, host, WM_CHAR, WM_CHAR, PM_REMOVE));
+    EXPECT_EQ(0, OSReWait(1)) << "the press was answered";
+
+    // No: the work stops, the wait ends, the old cursor is back.
+    PressEscape();
+    boxes.Expect(question, MB_YESNO | MB_ICONQUESTION, IDNO, title.c_str());
+    EXPECT_EQ(1, OSReWait(1));
+    EXPECT_EQ(arrow, GetCursor());
+    EXPECT_EQ(0u, OSUnWait()) << "no wait is running any more";
+    ASSERT_EQ(2u, boxes.Seen().size());
+    EXPECT_EQ(nullptr, boxes.Seen()[0].owner);
+    EXPECT_FALSE(OSErrorIsErrorPending());
+    DestroyWindow(host);
 }
 
 TEST(BusyCursorSwitch, DisabledWaitsDoNothingAndBoxesStayAway)
