@@ -110,38 +110,44 @@ int ShowWithFallbacks(ShowBox show, HWND parent, const char *text, const char *c
     return answer;
 }
 
+// The steps both functions share: the switch, the parent, the feedback
+// display stopped, the text loaded and filled in, the box and its fallbacks.
+int ShowMessage(const char *function, BoxBuffers &buffers, ShowBox show,
+                const MessageHelpRecord *help, HWND parent, HMODULE module, const char *caption,
+                UINT stringId, UINT style, va_list args)
+{
+    if (s_disabled || ParentIsGone(parent, function))
+        return 0;
+    Feedback_CleanupAll();
+    if (!PrepareText(buffers, module, stringId, args))
+        return 0;
+    if (help)
+        style |= MB_HELP;
+    return ShowWithFallbacks(show, parent, buffers.text, caption, style, help);
+}
+
 }  // namespace
 
 extern "C" int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
                                  UINT style, ...)
 {
-    if (s_disabled || ParentIsGone(parent, __func__))
-        return 0;
-    Feedback_CleanupAll();
     va_list args;
     va_start(args, style);
-    bool ready = PrepareText(s_messageBuffers, module, stringId, args);
+    int answer = ShowMessage(__func__, s_messageBuffers, ShowPlainBox, nullptr, parent, module,
+                             caption, stringId, style, args);
     va_end(args);
-    if (!ready)
-        return 0;
-    return ShowWithFallbacks(ShowPlainBox, parent, s_messageBuffers.text, caption, style, nullptr);
+    return answer;
 }
 
 extern "C" int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, HMODULE module,
                                          const char *caption, UINT stringId, UINT style, ...)
 {
-    if (s_disabled || ParentIsGone(parent, __func__))
-        return 0;
-    Feedback_CleanupAll();
     va_list args;
     va_start(args, style);
-    bool ready = PrepareText(s_helpBuffers, module, stringId, args);
+    int answer = ShowMessage(__func__, s_helpBuffers, ShowHelpBox, help, parent, module, caption,
+                             stringId, style, args);
     va_end(args);
-    if (!ready)
-        return 0;
-    if (help)
-        style |= MB_HELP;
-    return ShowWithFallbacks(ShowHelpBox, parent, s_helpBuffers.text, caption, style, help);
+    return answer;
 }
 
 extern "C" void WINAPI OSMessageDisable(void)

@@ -1,6 +1,5 @@
-// Message boxes as the user sees them, answered by the message-box driver;
-// the fallbacks for a system short of memory, watched by patching the
-// library's box calls.
+// Message boxes answered by the message-box driver; the fallbacks for a
+// system short of memory, watched by patching the library's box calls.
 #include <string>
 #include <vector>
 #include "help_engine.h"
@@ -18,13 +17,6 @@ HMODULE TestTexts()
     return texts;
 }
 
-std::string ResourceText(UINT id)
-{
-    char text[1024] = {};
-    LoadStringA(ResourceGetHandle(), id, text, sizeof text);
-    return text;
-}
-
 HWND MakeVisibleWindow()
 {
     return CreateWindowExA(0, "STATIC", "host", WS_POPUP | WS_VISIBLE, 0, 0, 40, 40, nullptr,
@@ -33,19 +25,26 @@ HWND MakeVisibleWindow()
 
 class MessageBoxes : public ErrorStateTest {};
 
-TEST_F(MessageBoxes, TextComesFromTheResourceFilledInAndTheBoxAnswers)
+TEST_F(MessageBoxes, TextsComeFromTheResourceFilledIn)
 {
     ASSERT_NE(nullptr, TestTexts());
     HWND host = MakeVisibleWindow();
+    const MessageHelpRecord help = {TestTexts(), kPopup, 0, 17};
     MessageBoxDriver boxes;
-    boxes.Expect("Saving diary.kel failed after 3 tries.", MB_RETRYCANCEL | MB_ICONEXCLAMATION,
-                 IDRETRY, "Caption");
-    EXPECT_EQ(IDRETRY, OSMessage(host, TestTexts(), "Caption", kSaved,
-                                 MB_RETRYCANCEL | MB_ICONEXCLAMATION, "diary.kel", 3));
+    boxes.Expect("Saving a.kel failed after 3 tries.", MB_RETRYCANCEL | MB_ICONEXCLAMATION, IDRETRY,
+                 "Caption");
     boxes.Expect("Tuesday is missing from week 12.", MB_YESNO | MB_ICONQUESTION, IDNO, "Caption");
+    boxes.Expect("Saving b failed after 1 tries.", MB_OKCANCEL | MB_HELP | MB_ICONASTERISK, IDOK);
+    boxes.Expect("Saving c failed after 2 tries.", MB_OK | MB_ICONHAND, IDOK);
+    EXPECT_EQ(IDRETRY, OSMessage(host, TestTexts(), "Caption", kSaved,
+                                 MB_RETRYCANCEL | MB_ICONEXCLAMATION, "a.kel", 3));
     EXPECT_EQ(IDNO, OSMessage(nullptr, TestTexts(), "Caption", kReordered,
                               MB_YESNO | MB_ICONQUESTION, "week 12", "Tuesday"));
-    ASSERT_EQ(2u, boxes.Seen().size());
+    EXPECT_EQ(IDOK, OSMessageWithHelp(&help, nullptr, TestTexts(), "Caption", kSaved,
+                                      MB_OKCANCEL | MB_ICONASTERISK, "b", 1));
+    EXPECT_EQ(IDOK, OSMessageWithHelp(nullptr, host, TestTexts(), "Caption", kSaved,
+                                      MB_OK | MB_ICONHAND, "c", 2));
+    ASSERT_EQ(4u, boxes.Seen().size());
     EXPECT_EQ(host, boxes.Seen()[0].owner);
     EXPECT_EQ(0, boxes.Seen()[0].disabledThreadWindows);
     // Without a parent the box is task-modal: the thread's windows wait.
@@ -56,138 +55,93 @@ TEST_F(MessageBoxes, TextComesFromTheResourceFilledInAndTheBoxAnswers)
     DestroyWindow(host);
 }
 
-TEST_F(MessageBoxes, HelpVariantAddsTheHelpButtonOnlyWithARecord)
-{
-    MessageHelpRecord help = {TestTexts(), kPopup, 0, 17};
-    MessageBoxDriver boxes;
-    boxes.Expect("Saving a failed after 1 tries.", MB_OKCANCEL | MB_HELP | MB_ICONASTERISK, IDOK);
-    EXPECT_EQ(IDOK, OSMessageWithHelp(&help, nullptr, TestTexts(), "Caption", kSaved,
-                                      MB_OKCANCEL | MB_ICONASTERISK, "a", 1));
-    boxes.Expect("Saving b failed after 2 tries.", MB_OK | MB_ICONHAND, IDOK);
-    EXPECT_EQ(IDOK, OSMessageWithHelp(nullptr, nullptr, TestTexts(), "Caption", kSaved,
-                                      MB_OK | MB_ICONHAND, "b", 2));
-}
-
-// Presses F1 in each box as it comes up, before the driver answers it: the
-// hook sees the box activate before it is filled in, so it posts a note to
-// a window of its own, which the box's message loop delivers first.
-const UINT kPressHelp = WM_APP + 1;
+// F1 in each box as it comes up. The hook sees the box before it is filled
+// in, so it posts a note that the box's own loop delivers before the
+// driver's answer.
 HHOOK s_helpHook;
 HWND s_helpPresser;
 
-LRESULT CALLBACK HelpPresserProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK PressHelpProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == kPressHelp) {
-        HWND box = reinterpret_cast<HWND>(wParam);
-        HELPINFO info = {};
-        info.cbSize = sizeof info;
-        info.iContextType = HELPINFO_WINDOW;
-        info.hItemHandle = box;
-        SendMessageA(box, WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
-        return 0;
-    }
-    return DefWindowProcA(window, message, wParam, lParam);
+    if (message != WM_APP)
+        return DefWindowProcA(window, message, wParam, lParam);
+    HELPINFO info = {sizeof info, HELPINFO_WINDOW, 0, reinterpret_cast<HANDLE>(wParam), 0, {}};
+    return SendMessageA(reinterpret_cast<HWND>(wParam), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
 }
 
-LRESULT CALLBACK PressHelp(int code, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK PressHelpHook(int code, WPARAM wParam, LPARAM lParam)
 {
     if (code == HCBT_ACTIVATE && wParam)
-        PostMessageA(s_helpPresser, kPressHelp, wParam, 0);
+        PostMessageA(s_helpPresser, WM_APP, wParam, 0);
     return CallNextHookEx(s_helpHook, code, wParam, lParam);
 }
-
-class HelpPresser {
-public:
-    HelpPresser()
-    {
-        WNDCLASSA wc = {};
-        wc.lpfnWndProc = HelpPresserProc;
-        wc.hInstance = GetModuleHandleA(nullptr);
-        wc.lpszClassName = "QzHelpPresser";
-        RegisterClassA(&wc);
-        s_helpPresser = CreateWindowExA(0, wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE,
-                                        nullptr, wc.hInstance, nullptr);
-        s_helpHook = SetWindowsHookExA(WH_CBT, PressHelp, nullptr, GetCurrentThreadId());
-    }
-    ~HelpPresser()
-    {
-        UnhookWindowsHookEx(s_helpHook);
-        DestroyWindow(s_helpPresser);
-    }
-    HelpPresser(const HelpPresser &) = delete;
-    HelpPresser &operator=(const HelpPresser &) = delete;
-};
 
 TEST_F(MessageBoxes, HelpButtonOpensTheRecordsTopic)
 {
     HelpEngine engine;
+    WNDCLASSA wc = {0, PressHelpProc, 0, 0, GetModuleHandleA(nullptr), 0, 0, 0, 0, "QzPressHelp"};
+    RegisterClassA(&wc);
+    s_helpPresser = CreateWindowExA(0, wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                    wc.hInstance, nullptr);
+    s_helpHook = SetWindowsHookExA(WH_CBT, PressHelpHook, nullptr, GetCurrentThreadId());
     struct Row {
         MessageHelpRecord help;
-        size_t opened;
-        std::string file;
+        LRESULT engineAnswer;
+        std::string file;   // empty: nothing opens
         ResultCode recorded;
     };
     const Row rows[] = {
         {{TestTexts(), kPopup, 0, 17}, 1, LanguageFile() + ">Popup", RV_Success},
         {{TestTexts(), kPopup, 1, 18}, 1, LibraryFolder() + "admin\\KelAdmin.hlp>Popup", RV_Success},
-        {{nullptr, kPopup, 0, 19}, 1, LanguageFile(), RV_Success},
-        {{TestTexts(), kMissing, 0, 20}, 0, "", RV_StringNonExistant},
+        {{nullptr, kPopup, 0, 19}, 0, LanguageFile(), RV_UserError},
+        {{TestTexts(), kMissing, 0, 20}, 1, "", RV_StringNonExistant},
     };
-    HelpPresser presser;
     for (const Row &row : rows) {
         SCOPED_TRACE(row.help.topic);
         OSErrorClearError();
         EngineCalls().clear();
+        SetEngineAnswer(row.engineAnswer);
         MessageBoxDriver boxes;
-        boxes.Expect("Saving c failed after 3 tries.", MB_OK | MB_HELP, IDOK);
-        EXPECT_EQ(IDOK, OSMessageWithHelp(&row.help, nullptr, TestTexts(), "Caption", kSaved, MB_OK,
-                                          "c", 3));
-        ASSERT_EQ(row.opened, EngineCalls().size());
-        if (row.opened) {
+        boxes.Expect("Saving d failed after 3 tries.", MB_OK | MB_HELP, IDOK);
+        OSMessageWithHelp(&row.help, nullptr, TestTexts(), "Caption", kSaved, MB_OK, "d", 3);
+        ASSERT_EQ(row.file.empty() ? 0u : 1u, EngineCalls().size());
+        if (!row.file.empty()) {
             EXPECT_EQ(row.file, EngineCalls()[0].file);
-            EXPECT_EQ(static_cast<UINT>(HELP_CONTEXT), EngineCalls()[0].command);
+            EXPECT_EQ(HELP_CONTEXT, static_cast<int>(EngineCalls()[0].command));
             EXPECT_EQ(static_cast<LONG>(row.help.topic), EngineCalls()[0].data);
         }
         EXPECT_EQ(row.recorded, OSErrorGetErrorValue());
     }
-    // The engine refuses: a user error.
-    OSErrorClearError();
-    SetEngineAnswer(0);
-    {
-        MessageHelpRecord help = {nullptr, 0, 0, 21};
-        MessageBoxDriver boxes;
-        boxes.Expect("Saving d failed after 4 tries.", MB_OK | MB_HELP, IDOK);
-        OSMessageWithHelp(&help, nullptr, TestTexts(), "Caption", kSaved, MB_OK, "d", 4);
-    }
-    EXPECT_EQ(RV_UserError, OSErrorGetErrorValue());
+    UnhookWindowsHookEx(s_helpHook);
+    DestroyWindow(s_helpPresser);
 }
 
 TEST_F(MessageBoxes, BadInputIsRecordedAndShowsNothing)
 {
     MessageBoxDriver boxes;   // any box is a failure
-    EXPECT_EQ(0, OSMessage(nullptr, TestTexts(), "Caption", kMissing, MB_OK));
-    EXPECT_EQ(RV_StringNonExistant, OSErrorGetErrorValue());
-    EXPECT_EQ(kMissing, OSErrorGetErrorInfo()->itemValue);
-    OSErrorClearError();
-    EXPECT_EQ(0, OSMessageWithHelp(nullptr, nullptr, TestTexts(), "Caption", kMissing, MB_OK));
-    EXPECT_EQ(RV_StringNonExistant, OSErrorGetErrorValue());
-    // A parent destroyed before its box shows.
     HWND gone = MakeVisibleWindow();
     DestroyWindow(gone);
-    for (int withHelp = 0; withHelp < 2; ++withHelp) {
-        OSErrorClearError();
-        int answer = withHelp ? OSMessageWithHelp(nullptr, gone, TestTexts(), "Caption", kSaved,
-                                                  MB_OK, "x", 1)
-                              : OSMessage(gone, TestTexts(), "Caption", kSaved, MB_OK, "x", 1);
-        EXPECT_EQ(0, answer);
-        EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    struct Row {
+        HWND parent;
+        UINT id;
+        ResultCode recorded;
+    } const rows[] = {{nullptr, kMissing, RV_StringNonExistant}, {gone, kSaved, RV_BadParms}};
+    for (const Row &row : rows) {
+        for (int withHelp = 0; withHelp < 2; ++withHelp) {
+            OSErrorClearError();
+            EXPECT_EQ(0, withHelp ? OSMessageWithHelp(nullptr, row.parent, TestTexts(), "C", row.id,
+                                                      MB_OK, "x", 1)
+                                  : OSMessage(row.parent, TestTexts(), "C", row.id, MB_OK, "x", 1));
+            EXPECT_EQ(row.recorded, OSErrorGetErrorValue());
+            if (row.id == kMissing) {
+                EXPECT_EQ(kMissing, OSErrorGetErrorInfo()->itemValue);
+            }
+        }
     }
-    EXPECT_TRUE(boxes.Seen().empty());
 }
 
 // The box calls, refused a given number of times and recorded.
 struct BoxCall {
-    HWND parent;
     std::string text;
     UINT style;
 };
@@ -195,16 +149,15 @@ std::vector<BoxCall> s_boxCalls;
 std::vector<UINT> s_beeps;
 int s_refusals;
 
-int WINAPI RecordBox(HWND parent, const char *text, const char *, UINT style)
+int WINAPI RecordBox(HWND, const char *text, const char *, UINT style)
 {
-    s_boxCalls.push_back({parent, text ? text : "", style});
+    s_boxCalls.push_back({text ? text : "", style});
     return s_refusals-- > 0 ? 0 : IDOK;
 }
 
 int WINAPI RecordIndirectBox(const MSGBOXPARAMSA *params)
 {
     EXPECT_EQ(1024u, params->dwLanguageId);
-    EXPECT_NE(nullptr, params->lpfnMsgBoxCallback);
     return RecordBox(params->hwndOwner, params->lpszText, params->lpszCaption, params->dwStyle);
 }
 
@@ -212,21 +165,6 @@ BOOL WINAPI RecordBeep(UINT style)
 {
     s_beeps.push_back(style);
     return TRUE;
-}
-
-TEST_F(MessageBoxes, AnOversizeTextIsCutByTheFormatter)
-{
-    ImportPatch plain(LibraryModule(), "user32.dll", "MessageBoxA",
-                      reinterpret_cast<const void *>(RecordBox));
-    ASSERT_TRUE(plain.Applied());
-    s_boxCalls.clear();
-    s_refusals = 0;
-    std::string first(700, 'a'), second(700, 'b');
-    EXPECT_EQ(IDOK, OSMessage(nullptr, TestTexts(), "Caption", kJoined, MB_OK, first.c_str(),
-                              second.c_str()));
-    ASSERT_EQ(1u, s_boxCalls.size());
-    // The formatter stops at 1,023 characters and its terminator.
-    EXPECT_EQ(first + std::string(323, 'b'), s_boxCalls[0].text);
 }
 
 TEST_F(MessageBoxes, WhenNoBoxCanBeShownTheFallbacksFollow)
@@ -238,42 +176,38 @@ TEST_F(MessageBoxes, WhenNoBoxCanBeShownTheFallbacksFollow)
     ImportPatch beep(LibraryModule(), "user32.dll", "MessageBeep",
                      reinterpret_cast<const void *>(RecordBeep));
     ASSERT_TRUE(plain.Applied() && indirect.Applied() && beep.Applied());
+    char memory[512] = {};
+    LoadStringA(ResourceGetHandle(), 10003, memory, sizeof memory);
     const std::string text = "Saving f failed after 5 tries.";
-    const std::string memory = ResourceText(10003);
     const UINT style = MB_YESNO | MB_ICONEXCLAMATION;
-    struct Row {
-        int refusals;
-        int answer;
-        std::vector<BoxCall> calls;
-    };
-    const Row rows[] = {
-        {0, IDOK, {{nullptr, text, style | MB_TASKMODAL}}},
-        {1, IDOK, {{nullptr, text, style | MB_TASKMODAL}, {nullptr, text, style | MB_SYSTEMMODAL}}},
-        {2, IDCANCEL,
-         {{nullptr, text, style | MB_TASKMODAL},
-          {nullptr, text, style | MB_SYSTEMMODAL},
-          {nullptr, memory, MB_SYSTEMMODAL | MB_ICONHAND}}},
-    };
+    const BoxCall tries[] = {{text, style | MB_TASKMODAL}, {text, style | MB_SYSTEMMODAL},
+                             {memory, MB_SYSTEMMODAL | MB_ICONHAND}};
     const MessageHelpRecord help = {};
     for (int withHelp = 0; withHelp < 2; ++withHelp) {
-        for (const Row &row : rows) {
-            SCOPED_TRACE(row.refusals);
+        for (int refusals = 0; refusals < 3; ++refusals) {
+            SCOPED_TRACE(refusals);
             s_boxCalls.clear();
             s_beeps.clear();
-            s_refusals = row.refusals;
-            int answer = withHelp ? OSMessageWithHelp(&help, nullptr, TestTexts(), "Caption", kSaved,
+            s_refusals = refusals;
+            int answer = withHelp ? OSMessageWithHelp(&help, nullptr, TestTexts(), "C", kSaved,
                                                       style, "f", 5)
-                                  : OSMessage(nullptr, TestTexts(), "Caption", kSaved, style, "f", 5);
-            EXPECT_EQ(row.answer, answer);
-            ASSERT_EQ(row.calls.size(), s_boxCalls.size());
-            for (size_t i = 0; i < row.calls.size(); ++i) {
+                                  : OSMessage(nullptr, TestTexts(), "C", kSaved, style, "f", 5);
+            EXPECT_EQ(refusals < 2 ? IDOK : IDCANCEL, answer);
+            ASSERT_EQ(static_cast<size_t>(refusals + 1), s_boxCalls.size());
+            for (int i = 0; i <= refusals; ++i) {
+                EXPECT_EQ(tries[i].text, s_boxCalls[i].text) << i;
                 UINT helpButton = withHelp && i < 2 ? MB_HELP : 0;
-                EXPECT_EQ(row.calls[i].text, s_boxCalls[i].text) << i;
-                EXPECT_EQ(row.calls[i].style | helpButton, s_boxCalls[i].style) << i;
+                EXPECT_EQ(tries[i].style | helpButton, s_boxCalls[i].style) << i;
             }
             EXPECT_EQ(std::vector<UINT>{style | (withHelp ? MB_HELP : 0)}, s_beeps);
         }
     }
+    // An oversize text stops at the formatter's 1,023 characters.
+    std::string first(700, 'a'), second(700, 'b');
+    s_boxCalls.clear();
+    OSMessage(nullptr, TestTexts(), "C", kJoined, MB_OK, first.c_str(), second.c_str());
+    ASSERT_EQ(1u, s_boxCalls.size());
+    EXPECT_EQ(first + std::string(323, 'b'), s_boxCalls[0].text);
 }
 
 }  // namespace
