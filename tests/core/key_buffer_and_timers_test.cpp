@@ -3,6 +3,12 @@
 
 namespace {
 
+UINT_PTR s_fired;
+void CALLBACK RecordTimer(HWND, UINT, UINT_PTR id, DWORD)
+{
+    s_fired = id;
+}
+
 TEST(KeyBufferAndTimers, FlushRemovesTheKeyboardRangeOnlyAndTimersForward)
 {
     HWND window = CreateWindowExA(0, "STATIC", "keys", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr,
@@ -22,14 +28,12 @@ TEST(KeyBufferAndTimers, FlushRemovesTheKeyboardRangeOnlyAndTimersForward)
             << std::hex << row.message;
     }
 
-    static UINT_PTR fired;
-    TIMERPROC record = [](HWND, UINT, UINT_PTR id, DWORD) { fired = id; };
-    EXPECT_EQ(7u, OSSetTimer(window, 7, 10, record));
+    EXPECT_EQ(7u, OSSetTimer(window, 7, 10, RecordTimer));
     MSG msg;
-    for (DWORD start = GetTickCount(); !fired && GetTickCount() - start < 5000;)
+    for (DWORD start = GetTickCount(); !s_fired && GetTickCount() - start < 5000;)
         if (GetMessageA(&msg, nullptr, 0, 0))
             DispatchMessageA(&msg);
-    EXPECT_EQ(7u, fired);
+    EXPECT_EQ(7u, s_fired);
     EXPECT_TRUE(OSKillTimer(window, 7));
     EXPECT_FALSE(OSKillTimer(window, 7)) << "already gone";
     EXPECT_EQ(1, OSTimerTestReincarnate(1, 2));
