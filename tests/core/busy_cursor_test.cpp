@@ -25,6 +25,15 @@ HCURSOR Frame(DWORD id)
     return LoadCursorA(ResourceGetHandle(), MAKEINTRESOURCEA(id));
 }
 
+// Some frame of the default set; which one depends on the time passed.
+bool ShowsBusyFrame()
+{
+    for (DWORD id = 1001; id <= 1008; ++id)
+        if (GetCursor() == Frame(id))
+            return true;
+    return false;
+}
+
 // The cursor's display count, left as it was.
 int DisplayCount()
 {
@@ -100,7 +109,7 @@ TEST_F(BusyCursor, NestedWaitsEndWithTheLastUnWaitAndNeverHideTheCursor)
     EXPECT_EQ(2u, OSWait());
     EXPECT_EQ(shown + 1, DisplayCount()) << "only the outer wait shows the cursor";
     EXPECT_EQ(1u, OSUnWait());
-    EXPECT_EQ(Frame(1001), GetCursor()) << "one wait is still running";
+    EXPECT_TRUE(ShowsBusyFrame()) << "one wait is still running";
     EXPECT_EQ(0u, OSUnWait());
     EXPECT_EQ(arrow, GetCursor());
     EXPECT_EQ(shown, DisplayCount());
@@ -148,10 +157,7 @@ TEST_F(BusyCursor, EscapeAsksAndTheAnswerDecides)
     PostMessageA(host, WM_CHAR, 'x', 0);
     boxes.Expect(question, MB_YESNO | MB_ICONQUESTION, IDYES, title);
     EXPECT_EQ(0, OSReWait(1));
-    bool busy = false;
-    for (DWORD id = 1001; id <= 1008; ++id)
-        busy = busy || GetCursor() == Frame(id);
-    EXPECT_TRUE(busy) << "a frame of the busy cursor shows again";
+    EXPECT_TRUE(ShowsBusyFrame()) << "the busy cursor shows again";
     MSG msg;
     EXPECT_FALSE(PeekMessageA(&msg, host, WM_CHAR, WM_CHAR, PM_REMOVE));
     // No: the work stops, the wait ends, the old cursor is back.
