@@ -171,6 +171,16 @@ TEST_F(ErrorState, CodeSeventyOneFormatsIntoTheDetailText)
     OSErrorSetErrorInfo(RV_Formatted, FormatInto, "%s-%d", "abc", 5);
     EXPECT_EQ(71, OSErrorGetErrorValue());
     EXPECT_STREQ("abc-5", Ctx().detailText);
+    // Without a formatter or a format the text is empty, not the older one.
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_Formatted, static_cast<ErrorTextFormatter>(nullptr), "%s", "x");
+    EXPECT_EQ(71, OSErrorGetErrorValue());
+    EXPECT_STREQ("", Ctx().detailText);
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_Formatted, FormatInto, "%s-%d", "abc", 5);
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_Formatted, FormatInto, static_cast<const char *>(nullptr));
+    EXPECT_STREQ("", Ctx().detailText);
 }
 
 TEST_F(ErrorState, ContextIsClearedByRecordingAndSetByTheResourceCodes)
