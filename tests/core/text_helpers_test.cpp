@@ -190,4 +190,27 @@ TEST_F(TextHelpers, ScrambledTextRoundTrips)
     EXPECT_EQ(0, CommonSrcDlgProc("too long", scrambled, 10));
     EXPECT_EQ(RV_BufferTooSmall, OSErrorGetErrorValue());
 }
+
+TEST_F(TextHelpers, ScramblerRoomsAtTheirExactEdges)
+{
+    // "abc" scrambles into 8 digits and a terminator: 9 bytes, not 8; and
+    // back into 3 letters and a terminator: 4 bytes, not 3.
+    for (int size = 8; size <= 9; ++size) {
+        OSErrorClearError();
+        std::vector<char> bytes(size + 8, '#');
+        const int written = CommonSrcDlgProc("abc", bytes.data(), size);
+        EXPECT_EQ(size == 9 ? 8 : 0, written) << size;
+        EXPECT_EQ(size == 9 ? RV_Success : RV_BufferTooSmall, OSErrorGetErrorValue()) << size;
+        for (size_t i = size; i < bytes.size(); ++i) EXPECT_EQ('#', bytes[i]) << size;
+    }
+    char scrambled[16];
+    ASSERT_EQ(8, CommonSrcDlgProc("abc", scrambled, sizeof scrambled));
+    for (int size = 3; size <= 4; ++size) {
+        OSErrorClearError();
+        std::vector<char> bytes(size + 8, '#');
+        EXPECT_EQ(size == 4 ? 3 : 0, CommonDestDlgProc(scrambled, bytes.data(), size)) << size;
+        EXPECT_EQ(size == 4 ? RV_Success : RV_BufferTooSmall, OSErrorGetErrorValue()) << size;
+        for (size_t i = size; i < bytes.size(); ++i) EXPECT_EQ('#', bytes[i]) << size;
+    }
+}
 }  // namespace
