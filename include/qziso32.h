@@ -162,12 +162,26 @@ typedef int (WINAPI *ErrorTextFormatter)(char *out, int limit, const char *forma
 #define VIRTUALFILE_MARKER 255
 
 #ifdef __cplusplus
+/* The library exports Clear under the name the platform's own C++ compiler
+ * gives the member: "?Clear@VIRTUALFILE@@QAEXXZ" (i686, thiscall) and
+ * "?Clear@VIRTUALFILE@@QEAAXXZ" (x86_64), ordinal 1005. A g++ host refers to
+ * that name through an assembler label, and calls it as any member. */
+#if defined(__GNUC__) && !defined(QZISO32_BUILDING)
+#if defined(_WIN64)
+#define QZ_VIRTUALFILE_CLEAR_NAME __asm__("\"?Clear@VIRTUALFILE@@QEAAXXZ\"")
+#else
+#define QZ_VIRTUALFILE_CLEAR_NAME __asm__("\"?Clear@VIRTUALFILE@@QAEXXZ\"")
+#endif
+#define QZ_VIRTUALFILE_CLEAR void Clear() QZ_VIRTUALFILE_CLEAR_NAME
+#else
+#define QZ_VIRTUALFILE_CLEAR QZAPI void Clear()
+#endif
 struct VIRTUALFILE {
     unsigned char marker;   /* 255 */
     void *data;             /* locked global block, or null */
     DWORD size;             /* bytes in data */
     /* Unlocks and frees the data block, if any, and zeroes pointer and size. */
-    QZAPI void Clear();
+    QZ_VIRTUALFILE_CLEAR;
 };
 #else
 typedef struct VIRTUALFILE {
@@ -245,6 +259,12 @@ typedef struct DateTimeIntlSettings {
 /* ------------------------------------------------------------------ */
 QZAPI BOOL WINAPI IsolateInstanceStart(DWORD reserved1, DWORD reserved2);
 QZAPI BOOL WINAPI IsolateInstanceStop(DWORD reserved);
+
+/* Registration record: "kel.ri" beside the library, stored enciphered and not
+ * deciphered here. True when the record is there and opens; false with
+ * RV_NoFile (absent) or RV_ReadFailure (unreadable) recorded. The buffer, when
+ * given with a positive size, always receives an empty text. */
+QZAPI BOOL WINAPI OSGetRegInfo(char *buffer, int bufferSize);
 QZAPI BOOL WINAPI NetDLLGetVersion(char *out);
 QZAPI OSVERSIONINFOA *WINAPI OSGetVersionInfo(void);
 

@@ -1,5 +1,6 @@
 // The busy cursor as long work sees it: the frames of the cursor set in
 // force, their pace, nesting, the display count, Escape and the switch.
+#include <fstream>
 #include <string>
 #include <vector>
 #include "message_box_driver.h"
@@ -76,7 +77,15 @@ TEST_F(BusyCursor, FramesComeFromTheCursorSetInForce)
     EXPECT_EQ(0, LoadFramesOfSet(5));
     EXPECT_EQ(RV_UserError, OSErrorGetErrorValue());
     EXPECT_EQ(1, LoadFramesOfSet(-1));
+    const std::string witness = ProgramFolder() + "attach_witness.txt";
+    SetEnvironmentVariableA("QZ_ATTACH_WITNESS", witness.c_str());
+    DeleteFileA(witness.c_str());
     EXPECT_EQ(255u, RunChild("attach_probe.exe /LNC"));
+    DWORD code = 0;
+    std::ifstream(witness) >> code;
+    EXPECT_EQ(static_cast<DWORD>(RV_UserError), code);
+    SetEnvironmentVariableA("QZ_ATTACH_WITNESS", nullptr);
+    DeleteFileA(witness.c_str());
 }
 
 TEST_F(BusyCursor, TurnsOneFrameEachHalfSecondWhateverTheCallRate)
