@@ -549,6 +549,43 @@ QZAPI BOOL WINAPI OSHelp(HWND window);
 QZAPI BOOL WINAPI Feedback_CleanupAll(void);
 QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
 
+/* Files and locking, over the system's own handles                    */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI OSCommitFile(HANDLE file, const char *name);
+QZAPI BOOL WINAPI OSDeleteFile(const char *name);
+/* Always 0, with RV_Failure recorded: redirection cannot be told. */
+QZAPI BOOL WINAPI OSIsRedirectedHandle(HANDLE file);
+QZAPI BOOL WINAPI OSFileSetStampSame(HANDLE source, HANDLE destination);
+/* Copies `count` bytes (0xFFFFFFFF: all) from the start of `source` to the
+   start of `destination`, with less memory if need be, and copies the stamps. */
+QZAPI BOOL WINAPI OSCopyFileSize(HANDLE destination, const char *destinationName, HANDLE source,
+                                 const char *sourceName, DWORD count);
+/* Locks (or unlocks) a byte range: 1 done, 2 held by another, 0 failed.
+   A failure reports `reportName` in place of the file name's stem. */
+QZAPI LONG WINAPI OSLocking(HANDLE file, DWORD offset, DWORD length, BOOL unlock,
+                            const char *fileName, const char *reportName);
+
+/* ------------------------------------------------------------------ */
+/* Launch: other programs, found with the user's help when missing     */
+/* ------------------------------------------------------------------ */
+/* The program named by `key` in "Tarvo Applications" of "TARVO.INI". */
+QZAPI BOOL WINAPI TarvoLaunch(HWND window, const char *key, char *defaultPath, LONG show);
+QZAPI BOOL WINAPI CustomLaunch(HWND window, char *path, LONG show, const char *parameters);
+
+/* ------------------------------------------------------------------ */
+/* Dialog field values: lengths in tenths of a millimetre, shown in    */
+/* centimetres (metric) or inches; range checks that tell the user     */
+/* ------------------------------------------------------------------ */
+QZAPI BOOL WINAPI SetDlgItemReal(HWND dialog, LONG control, DWORD value, LONG metric);
+QZAPI DWORD WINAPI GetDlgItemReal(HWND dialog, LONG control, LONG metric);
+QZAPI BOOL WINAPI RANGEIsUINTValid(HWND window, char *text, DWORD low, DWORD high);
+QZAPI BOOL WINAPI RANGEIsREALValid(HWND window, char *text, DWORD low, DWORD high);
+QZAPI BOOL WINAPI RANGEIsDATEValid(HWND window, char *text);
+QZAPI BOOL WINAPI RANGEIsTIMEValid(HWND window, char *text);
+
+/* PENDING-MERGE */
+QZAPI int WINAPI UIHandleError(HWND window);
+/* END-PENDING-MERGE */
 #ifdef __cplusplus
 }
 #endif
