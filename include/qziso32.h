@@ -567,6 +567,50 @@ QZAPI BOOL WINAPI UIVertDrawText(HDC hdc, const char *text, int length, RECT *re
                                  int direction);
 QZAPI int WINAPI DrawTextWithIndent(HDC hdc, const char *text, DWORD ignored, RECT *rect,
                                     UINT format, int indent, int leastNextTop, int measureEmpty);
+/* Dialog creation from a template of a module, and the one-time       */
+/* notice. The wrappers take the names that windows.h gives to macros  */
+/* of its own; those macros are removed here, so a host that includes  */
+/* this header calls the wrappers by these names.                      */
+/* ------------------------------------------------------------------ */
+#undef DialogBox
+#undef DialogBoxParam
+#undef CreateDialog
+#undef CreateDialogParam
+QZAPI INT_PTR WINAPI DialogBoxParam(HMODULE module, const char *templateName, HWND owner,
+                                    DLGPROC procedure, LPARAM param);
+QZAPI HWND WINAPI CreateDialogParam(HMODULE module, const char *templateName, HWND owner,
+                                    DLGPROC procedure, LPARAM param);
+QZAPI INT_PTR WINAPI DialogBox(HMODULE module, const char *templateName, HWND owner,
+                               DLGPROC procedure);
+QZAPI HWND WINAPI CreateDialog(HMODULE module, const char *templateName, HWND owner,
+                               DLGPROC procedure);
+/* Shows the "EIGHTEEN" notice for ten seconds, once per `key` (every
+ * time for a null key). 1 if it was shown before, otherwise 0. */
+QZAPI BOOL WINAPI Eighteen(HWND owner, const char *key);
+
+/* ------------------------------------------------------------------ */
+/* Dialog skin: the grey face, centring and bitmap check boxes         */
+/* ------------------------------------------------------------------ */
+QZAPI LRESULT CALLBACK UIDialogSubclassProc(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam);
+QZAPI LRESULT CALLBACK UIButtonSubclassProc(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam);
+QZAPI BOOL WINAPI UIGrayDialogInit(HWND mainWindow);
+QZAPI BOOL WINAPI UIGrayDialogUnInit(HWND mainWindow);
+QZAPI BOOL WINAPI UIBitmapCheckBox(HWND button, HBITMAP bitmap);
+QZAPI COLORREF WINAPI UIGetDlgColor(void);
+/* The id of the first checked button from `first` to `last`, or `first`. */
+QZAPI UINT WINAPI UIGetCurrentRadioButton(HWND dialog, UINT first, UINT last);
+
+/* ------------------------------------------------------------------ */
+/* Gadget registration                                                 */
+/* ------------------------------------------------------------------ */
+/* 1 on success, 0 on failure. Nested: only the first call registers. */
+QZAPI BOOL WINAPI RegisterGadgets(DWORD ignored);
+/* The count left, or -1 when nothing was registered. */
+QZAPI LONG WINAPI UnRegisterGadgets(void);
+/* Non-zero selects the LCD rule for text on coloured backgrounds. */
+QZAPI LONG WINAPI Gadgets_LCDOption(LONG flag);
 
 #ifdef __cplusplus
 }
