@@ -17,6 +17,7 @@
 #pragma once
 #include <gtest/gtest.h>
 #include <windows.h>
+#include "readback.h"
 #include <functional>
 #include <string>
 #include <vector>
@@ -100,41 +101,7 @@ private:
 // The name of a message for dumps: "WM_COMMAND", or "WM_USER+5", or hex.
 std::string MessageName(UINT message);
 
-// ----------------------------------------------------------------------
-// Pixels: a window painted and read back through its window DC into a
-// 32-bit top-down DIB section.
-// ----------------------------------------------------------------------
-// Copies `width` x `height` from `dc` at (x, y) into a Readback.
-class Readback;
-Readback ReadDC(HDC dc, int x, int y, int width, int height);
-
-class Readback {
-public:
-    // Paints `window` (UpdateWindow) and copies its client area, or the
-    // whole window with `wholeWindow`.
-    static Readback Of(HWND window, bool wholeWindow = false);
-
-    int Width() const { return width_; }
-    int Height() const { return height_; }
-    bool Valid() const { return width_ > 0 && height_ > 0; }
-    // The colour at (x, y) of the area read, as a COLORREF; CLR_INVALID
-    // outside it.
-    COLORREF At(int x, int y) const;
-    // How many pixels differ from `other` (all of them if the sizes differ).
-    long Differences(const Readback &other) const;
-    // How many pixels of `rect` (all if null) have `colour`.
-    long Count(COLORREF colour, const RECT *rect = nullptr) const;
-    // True when every pixel has the colour of the first.
-    bool Uniform() const;
-    const std::vector<DWORD> &Pixels() const { return pixels_; }  // 0x00RRGGBB, top-down
-
-private:
-    friend Readback ReadDC(HDC dc, int x, int y, int width, int height);
-    int width_ = 0;
-    int height_ = 0;
-    std::vector<DWORD> pixels_;
-};
-
+// Pixels: see readback.h.
 
 // ----------------------------------------------------------------------
 // Input. The message forms go straight to the window; the SendInput forms
