@@ -79,6 +79,33 @@ bool DibHeaderIsSound(const BITMAPINFOHEADER *header)
     return needed <= header->biSizeImage && masks <= header->biSizeImage - needed;
 }
 
+namespace {
+
+// Reads of this size or more copy from a mapped view of the file, which
+// spares the system a pass through its own buffers.
+const DWORD kMappedRead = 1 << 20;
+
+bool CopyMapped(DibSource *source, void *to, DWORD count)
+{
+    HANDLE file = reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(source->file));
+    HANDLE mapping = CreateFileMappingA(file, nullptr, PAGE_READONLY, 0, 0, nullptr);
+    if (!mapping)
+        return false;
+    const BYTE *view = static_cast<const BYTE *>(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0));
+    // The file may have shrunk since it was measured: copy only from the view.
+    bool whole = view && ReadableRoom(view + source->position, count) == count;
+    if (whole) {
+        memcpy(to, view + source->position, count);
+        _llseek(source->file, static_cast<LONG>(source->position + count), FILE_BEGIN);
+    }
+    if (view)
+        UnmapViewOfFile(view);
+    CloseHandle(mapping);
+    return whole;
+}
+
+}  // namespace
+
 DWORD ReadSource(DibSource *source, void *to, DWORD count)
 {
     if (source->position >= source->size)
@@ -88,6 +115,8 @@ DWORD ReadSource(DibSource *source, void *to, DWORD count)
         count = room;
     if (source->memory) {
         memcpy(to, source->memory + source->position, count);
+    } else if (count >= kMappedRead && CopyMapped(source, to, count)) {
+        // Large rows come straight from a view of the file.
     } else {
         // _hread takes a signed count: read in pieces below 2 GB.
         DWORD done = 0;
@@ -204,10 +233,24 @@ HGLOBAL DibReadRows(DibSource *source, HGLOBAL block, const char *name)
         GlobalFree(block);
         return nullptr;
     }
-    HGLOBAL grown = GlobalReAlloc(block, whole, kPictureFlags);
-    if (!grown) {
+    // The block grows to its whole size: a fresh block with the header and
+    // colour table copied, since growing in place would first clear the
+    // rows' room that the read fills anyway.
+    // Every byte of it is written below, so it is not cleared first.
+    HGLOBAL grown = GlobalAlloc(GMEM_MOVEABLE, whole);
+    BYTE *bytes = grown ? static_cast<BYTE *>(GlobalLock(grown)) : nullptr;
+    const void *small = bytes ? GlobalLock(block) : nullptr;
+    if (small) {
+        memcpy(bytes, small, GlobalSize(block) < whole ? GlobalSize(block) : whole);
+        GlobalUnlock(block);
+    }
+    if (bytes)
+        GlobalUnlock(grown);
+    GlobalFree(block);
+    if (!small) {
+        if (grown)
+            GlobalFree(grown);
         OSErrorSetErrorInfo(RV_OutOfGlobalMemory, whole);
-        GlobalFree(block);
         return nullptr;
     }
     header = static_cast<BITMAPINFOHEADER *>(GlobalLock(grown));

@@ -1,6 +1,7 @@
 // Regions that follow a picture: the pixels of one colour, the outline of a
 // picture symmetrical in both axes, and a rectangle with rounded corners
 // whose curve is what Ellipse draws.
+#include <cstring>
 #include "draw_helpers.h"
 
 namespace {
@@ -81,19 +82,55 @@ bool AddRect(RectList *list, LONG left, LONG top, LONG right, LONG bottom)
     return true;
 }
 
+// The region of `count` rectangles from `rects`, built from two halves and
+// joined when there are many: one call for all of them would add them one
+// at a time, each time walking the region so far.
+HRGN RegionOfRects(RGNDATA *data, const RECT *rects, DWORD count, LONG w, LONG h)
+{
+    const DWORD kOneCall = 128;
+    if (count > kOneCall) {
+        DWORD half = count / 2;
+        HRGN first = RegionOfRects(data, rects, half, w, h);
+        HRGN second = first ? RegionOfRects(data, rects + half, count - half, w, h) : nullptr;
+        bool joined = second && CombineRgn(first, first, second, RGN_OR) != ERROR;
+        if (second)
+            DeleteObject(second);
+        if (!joined && first) {
+            DeleteObject(first);
+            first = nullptr;
+        }
+        return first;
+    }
+    // The rectangles are moved to just after the header for the call.
+    RECT *buffer = reinterpret_cast<RECT *>(data->Buffer);
+    if (rects != buffer)
+        memmove(buffer, rects, count * sizeof(RECT));
+    data->rdh.dwSize = sizeof data->rdh;
+    data->rdh.iType = RDH_RECTANGLES;
+    data->rdh.nCount = count;
+    data->rdh.nRgnSize = count * sizeof(RECT);
+    SetRect(&data->rdh.rcBound, 0, 0, w, h);
+    return ExtCreateRegion(nullptr, sizeof(RGNDATAHEADER) + count * sizeof(RECT), data);
+}
+
 HRGN RegionOf(RectList *list, LONG w, LONG h)
 {
     HRGN region;
     if (!list->count) {
         region = CreateRectRgn(0, 0, 0, 0);
     } else {
+        // A second copy of the rectangles, since each call overwrites the
+        // front of the block.
         RGNDATA *data = static_cast<RGNDATA *>(LocalLock(list->block));
-        data->rdh.dwSize = sizeof data->rdh;
-        data->rdh.iType = RDH_RECTANGLES;
-        data->rdh.nCount = list->count;
-        data->rdh.nRgnSize = list->count * sizeof(RECT);
-        SetRect(&data->rdh.rcBound, 0, 0, w, h);
-        region = ExtCreateRegion(nullptr, sizeof(RGNDATAHEADER) + list->count * sizeof(RECT), data);
+        SIZE_T bytes = list->count * sizeof(RECT);
+        RECT *copy = static_cast<RECT *>(LocalAlloc(LMEM_FIXED, bytes));
+        if (copy) {
+            memcpy(copy, data->Buffer, bytes);
+            region = RegionOfRects(data, copy, list->count, w, h);
+            LocalFree(copy);
+        } else {
+            region = nullptr;
+        }
         LocalUnlock(list->block);
     }
     if (!region)
