@@ -83,7 +83,11 @@ extern "C" HBITMAP WINAPI UIChangeBitmapColor(HBITMAP image, COLORREF from, COLO
 extern "C" DWORD WINAPI UITileBitmap(HDC hdc, RECT *rect, HBITMAP image)
 {
     SIZE size;
-    if (!hdc || !rect || !MeasureBitmap(image, &size) || size.cx < 1 || size.cy < 1)
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
+        return 0;
+    }
+    if (!MeasureBitmap(image, &size) || size.cx < 1 || size.cy < 1)
         return 0;
     SelectedDC tile;
     if (!SelectIntoNewDC(hdc, image, &tile))

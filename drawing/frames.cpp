@@ -14,8 +14,10 @@ struct Line {
 extern "C" BOOL WINAPI UIFrameAndFillRect(HDC hdc, RECT *rect, HBRUSH fill, HBRUSH topLeft,
                                           HBRUSH bottomRight)
 {
-    if (!hdc || !rect)
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         return FALSE;
+    }
     LONG w = rect->right - rect->left, h = rect->bottom - rect->top;
     HGDIOBJ earlier = SelectObject(hdc, topLeft);
     if (!earlier) {
@@ -40,8 +42,10 @@ extern "C" BOOL WINAPI UIFrameAndFillRect(HDC hdc, RECT *rect, HBRUSH fill, HBRU
 
 extern "C" DWORD WINAPI UITroughRect(HDC hdc, RECT *rect)
 {
-    if (!hdc || !rect)
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         return 0;
+    }
     LONG l = rect->left, t = rect->top, r = rect->right, b = rect->bottom;
     LONG w = r - l, h = b - t;
     const Line lines[] = {
@@ -75,8 +79,10 @@ extern "C" COLORREF WINAPI Draw3DFrame(HDC hdc, RECT *rect, COLORREF topLeft, CO
                                        LONG flags)
 {
     const LONG kTop = 4, kLeft = 1, kRight = 2, kBottom = 8, kShortBottom = 0x1000;
-    if (!hdc || !rect)
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
         return CLR_INVALID;
+    }
     COLORREF earlier = SetBkColor(hdc, topLeft);
     RECT edge;
     if (flags & kTop) {

@@ -24,7 +24,11 @@ BOOL CentredMaskBlt(HDC hdc, const RECT *rect, HBITMAP image, HBITMAP mask, COLO
                     Placement placement)
 {
     SIZE size;
-    if (!hdc || !rect || !MeasureBitmap(image, &size))
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
+        return FALSE;
+    }
+    if (!MeasureBitmap(image, &size))
         return FALSE;
     POINT at = CentreIn(rect, size);
     BOOL result = FALSE;
@@ -97,7 +101,11 @@ unwind:
 BOOL CentredBlt(HDC hdc, const RECT *rect, HBITMAP image, DWORD rop)
 {
     SIZE size;
-    if (!hdc || !rect || !MeasureBitmap(image, &size))
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
+        return FALSE;
+    }
+    if (!MeasureBitmap(image, &size))
         return FALSE;
     SelectedDC imageDC;
     if (!SelectIntoNewDC(hdc, image, &imageDC))

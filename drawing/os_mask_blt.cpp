@@ -39,7 +39,11 @@ LONG ComposeThroughMask(HDC dst, int x, int y, int w, int h, HDC src, int srcX, 
                         HBITMAP mask, int mirror, HBITMAP background, bool overBackground)
 {
     SIZE maskSize;
-    if (!dst || !src || !MeasureBitmap(mask, &maskSize))
+    if (!dst || !src) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
+        return 0;
+    }
+    if (!MeasureBitmap(mask, &maskSize))
         return 0;
     LONG result = 0;
     HBITMAP scratch = CreateCompatibleBitmap(dst, maskSize.cx, maskSize.cy);

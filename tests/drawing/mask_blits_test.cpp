@@ -1,5 +1,6 @@
 // The mask blits and bitmap helpers, read back pixel by pixel from DIB
 // sections, with the system's colours.
+#include <functional>
 #include "surface.h"
 
 namespace {
@@ -243,6 +244,32 @@ TEST_F(MaskBlits, FramesAndTroughs)
     DeleteObject(fill);
     DeleteObject(light);
     DeleteObject(dark);
+}
+
+// A null context or rectangle is a recorded bad parameter, never a fault.
+TEST_F(MaskBlits, NullContextOrRectangleIsRecorded)
+{
+    HBITMAP image = Ring();
+    Surface s(4, 4);
+    RECT r = {0, 0, 4, 4};
+    const std::function<LONG()> calls[] = {
+        [&] { return (LONG)UIMaskBltNoFlicker(nullptr, &r, image, nullptr, clear); },
+        [&] { return (LONG)UIMaskBltWithFlicker(s.dc, nullptr, image, nullptr, clear); },
+        [&] { return (LONG)UIBitBlt(nullptr, &r, image); },
+        [&] { return (LONG)UITileBitmap(s.dc, nullptr, image); },
+        [&] { return (LONG)UIFrameAndFillRect(nullptr, &r, nullptr, nullptr, nullptr); },
+        [&] { return (LONG)UITroughRect(s.dc, nullptr); },
+        [&] { return OSMaskBlt(s.dc, 0, 0, 1, 1, nullptr, 0, 0, SRCCOPY, image, 0); },
+        [&] { return (LONG)MF_Play(s.dc, nullptr, nullptr); },
+        [&] { return (LONG)UIVertDrawText(s.dc, nullptr, -1, &r, 0, 0); },
+        [&] { return (LONG)DrawTextWithIndent(s.dc, "a", 0, nullptr, 0, 0, 0, 0); },
+    };
+    for (size_t i = 0; i < sizeof calls / sizeof calls[0]; ++i) {
+        OSErrorClearError();
+        EXPECT_EQ(0, calls[i]()) << i;
+        EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue()) << i;
+    }
+    DeleteObject(image);
 }
 
 }  // namespace
