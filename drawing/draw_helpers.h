@@ -47,3 +47,19 @@ void *AllocateLocked(SIZE_T size, HGLOBAL *block);
 // How many bytes from `start` can be read: the committed, readable memory up
 // to `wanted` bytes (a stream handed over by address carries no length).
 SIZE_T ReadableRoom(const void *start, SIZE_T wanted);
+
+// The mask blits, shared by the toolkit's UI functions and the gadgets'
+// GadUtil copies, which differ only in two clean-up points.
+struct MaskCleanUp {
+    bool deleteUnselectedMask;     // a new mask that cannot be selected is deleted
+    bool freeMadeMaskWithFlicker;  // the flicker form frees a mask it made itself
+};
+extern const MaskCleanUp kToolkitCleanUp;  // both
+extern const MaskCleanUp kGadgetCleanUp;   // neither
+enum class Placement { NoFlicker, InvertNoFlicker, TopLeftColour, WithFlicker };
+// A one-bit mask of `image`: 1 where it has the transparent colour.
+HBITMAP MakeMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent, const MaskCleanUp &cleanUp);
+// The image centred in `rect` with its transparent colour (or the mask
+// given) left out, through a scratch copy or, with flicker, straight on.
+BOOL CentredMaskBlt(HDC hdc, const RECT *rect, HBITMAP image, HBITMAP mask, COLORREF transparent,
+                    Placement placement, const MaskCleanUp &cleanUp);

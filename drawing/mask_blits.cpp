@@ -2,9 +2,10 @@
 // from a source context, and the centred family with and without flicker.
 #include "draw_helpers.h"
 
-namespace {
+const MaskCleanUp kToolkitCleanUp = {true, true};
+const MaskCleanUp kGadgetCleanUp = {false, false};
 
-enum class Placement { NoFlicker, InvertNoFlicker, TopLeftColour, WithFlicker };
+namespace {
 
 // Colour of the image's top-left pixel, or CLR_INVALID.
 COLORREF TopLeftPixel(HDC reference, HBITMAP image)
@@ -20,8 +21,10 @@ COLORREF TopLeftPixel(HDC reference, HBITMAP image)
 // The centred family. Builds the mask unless one is given (and deletes only
 // a mask made here), then runs the passes in a scratch copy of the target
 // and puts it back in one step, or straight on the target with flicker.
+}  // namespace
+
 BOOL CentredMaskBlt(HDC hdc, const RECT *rect, HBITMAP image, HBITMAP mask, COLORREF transparent,
-                    Placement placement)
+                    Placement placement, const MaskCleanUp &cleanUp)
 {
     SIZE size;
     if (!hdc || !rect) {
@@ -40,7 +43,7 @@ BOOL CentredMaskBlt(HDC hdc, const RECT *rect, HBITMAP image, HBITMAP mask, COLO
     if (ownMask) {
         if (placement == Placement::TopLeftColour)
             transparent = TopLeftPixel(hdc, image);
-        mask = UICreateMaskBitmap(maskDC.dc, image, transparent);
+        mask = MakeMaskBitmap(maskDC.dc, image, transparent, cleanUp);
         if (!mask)
             goto unwind;
     }
@@ -92,10 +95,12 @@ unwind:
     if (scratch)
         DeleteObject(scratch);
     ReleaseSelectedDC(&maskDC);
-    if (ownMask && mask)
+    if (ownMask && mask && (placement != Placement::WithFlicker || cleanUp.freeMadeMaskWithFlicker))
         DeleteObject(mask);
     return result ? TRUE : FALSE;
 }
+
+namespace {
 
 // The whole image centred in the rectangle with one raster operation.
 BOOL CentredBlt(HDC hdc, const RECT *rect, HBITMAP image, DWORD rop)
@@ -120,7 +125,7 @@ BOOL CentredBlt(HDC hdc, const RECT *rect, HBITMAP image, DWORD rop)
 
 }  // namespace
 
-extern "C" HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent)
+HBITMAP MakeMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent, const MaskCleanUp &cleanUp)
 {
     SIZE size;
     if (!MeasureBitmap(image, &size))
@@ -132,7 +137,8 @@ extern "C" HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF tr
     }
     SelectedDC maskDC, imageDC;
     bool made = false;
-    if (SelectIntoNewDC(hdc, mask, &maskDC) && SelectIntoNewDC(hdc, image, &imageDC)) {
+    bool maskSelected = SelectIntoNewDC(hdc, mask, &maskDC);
+    if (maskSelected && SelectIntoNewDC(hdc, image, &imageDC)) {
         SetBkColor(imageDC.dc, transparent);
         made = BitBlt(maskDC.dc, 0, 0, size.cx, size.cy, imageDC.dc, 0, 0, SRCCOPY);
         if (!made)
@@ -142,8 +148,14 @@ extern "C" HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF tr
     ReleaseSelectedDC(&maskDC);
     if (made)
         return mask;
-    DeleteObject(mask);
+    if (maskSelected || cleanUp.deleteUnselectedMask)
+        DeleteObject(mask);
     return nullptr;
+}
+
+extern "C" HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent)
+{
+    return MakeMaskBitmap(hdc, image, transparent, kToolkitCleanUp);
 }
 
 extern "C" DWORD WINAPI UIMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
@@ -175,24 +187,28 @@ extern "C" DWORD WINAPI UIMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, 
 extern "C" DWORD WINAPI UIMaskBltWithFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                              COLORREF transparent)
 {
-    return CentredMaskBlt(hdc, rect, image, mask, transparent, Placement::WithFlicker);
+    return CentredMaskBlt(hdc, rect, image, mask, transparent, Placement::WithFlicker,
+                          kToolkitCleanUp);
 }
 
 extern "C" BOOL WINAPI UIMaskBltNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                           COLORREF transparent)
 {
-    return CentredMaskBlt(hdc, rect, image, mask, transparent, Placement::NoFlicker);
+    return CentredMaskBlt(hdc, rect, image, mask, transparent, Placement::NoFlicker,
+                          kToolkitCleanUp);
 }
 
 extern "C" BOOL WINAPI UIMaskBltInvertNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                                 COLORREF transparent)
 {
-    return CentredMaskBlt(hdc, rect, image, mask, transparent, Placement::InvertNoFlicker);
+    return CentredMaskBlt(hdc, rect, image, mask, transparent, Placement::InvertNoFlicker,
+                          kToolkitCleanUp);
 }
 
 extern "C" BOOL WINAPI UIMaskBltNoFlickerTLC(HDC hdc, RECT *rect, HBITMAP image)
 {
-    return CentredMaskBlt(hdc, rect, image, nullptr, 0, Placement::TopLeftColour);
+    return CentredMaskBlt(hdc, rect, image, nullptr, 0, Placement::TopLeftColour,
+                          kToolkitCleanUp);
 }
 
 extern "C" DWORD WINAPI UIBitBlt(HDC hdc, RECT *rect, HBITMAP image)

@@ -611,6 +611,20 @@ QZAPI BOOL WINAPI RegisterGadgets(DWORD ignored);
 QZAPI LONG WINAPI UnRegisterGadgets(void);
 /* Non-zero selects the LCD rule for text on coloured backgrounds. */
 QZAPI LONG WINAPI Gadgets_LCDOption(LONG flag);
+/* The mask blits under the gadgets' names: as the UI functions, except that
+ * GadUtilCreateMaskBitmap leaves a new mask it cannot select, and
+ * GadUtilMaskBltWithFlicker does not free a mask it made itself. */
+QZAPI HBITMAP WINAPI GadUtilCreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent);
+QZAPI BOOL WINAPI GadUtilMaskBltNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                          COLORREF transparent);
+QZAPI BOOL WINAPI GadUtilMaskBltInvertNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                                COLORREF transparent);
+QZAPI BOOL WINAPI GadUtilMaskBltWithFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                            COLORREF transparent);
+QZAPI DWORD WINAPI GadUtilBitBlt(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI DWORD WINAPI GadUtilMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI DWORD WINAPI GadUtilMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
+                                  COLORREF transparent);
 
 #ifdef __cplusplus
 }

@@ -3,29 +3,11 @@
 // failures included.
 #include "bmp_files.h"
 #include "surface.h"
+#include "readback.h"
 
 namespace {
 
 using GdiLeaks = ErrorStateTest;
-
-// How many GDI objects can still be made: GetGuiResources where the
-// system counts them, else 1 x 1 bitmaps made until the system refuses.
-long ObjectsInUse()
-{
-    DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    if (counted)
-        return static_cast<long>(counted);
-    std::vector<HBITMAP> made;
-    for (;;) {
-        HBITMAP b = CreateBitmap(1, 1, 1, 1, nullptr);
-        if (!b)
-            break;
-        made.push_back(b);
-    }
-    for (HBITMAP b : made)
-        DeleteObject(b);
-    return -static_cast<long>(made.size());
-}
 
 TEST_F(GdiLeaks, EveryFunctionThousandTimes)
 {
@@ -84,10 +66,10 @@ TEST_F(GdiLeaks, EveryFunctionThousandTimes)
     // Once before counting: the vertical text cache keeps its strip.
     drawEverything(0);
     drawEverything(1);
-    long before = ObjectsInUse();
+    long before = GdiObjectsInUse();
     for (int i = 0; i < 1000; ++i)
         drawEverything(i);
-    long after = ObjectsInUse();
+    long after = GdiObjectsInUse();
     EXPECT_EQ(before, after);
     UICleanUpVertDrawText();
     DeleteObject(font);

@@ -81,3 +81,20 @@ bool Readback::Uniform() const
            std::all_of(pixels_.begin(), pixels_.end(), [this](DWORD p) { return p == pixels_[0]; });
 }
 
+
+long GdiObjectsInUse()
+{
+    DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    if (counted)
+        return static_cast<long>(counted);
+    std::vector<HBITMAP> made;
+    for (;;) {
+        HBITMAP b = CreateBitmap(1, 1, 1, 1, nullptr);
+        if (!b)
+            break;
+        made.push_back(b);
+    }
+    for (HBITMAP b : made)
+        DeleteObject(b);
+    return -static_cast<long>(made.size());
+}

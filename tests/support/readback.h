@@ -37,3 +37,8 @@ private:
 };
 
 
+
+// How many GDI objects the process holds: GetGuiResources where the system
+// counts them; else minus the number of 1 x 1 bitmaps that can still be
+// made, so that a leak raises the figure either way.
+long GdiObjectsInUse();
