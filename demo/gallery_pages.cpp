@@ -158,11 +158,31 @@ void PaintSharedDrawing(HWND, HDC dc)
     }
     RECT trough = {10, 158, 330, 176};
     UITroughRect(dc, &trough);
+
+    // A picture with a transparent border put on three backgrounds by the
+    // gadgets' mask blits, then the other polarity.
+    static HBITMAP picture = SamplePicture(RGB(0, 96, 160), 40, 20);
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    TextOutA(dc, 10, 186, "Mask blits", 10);
+    const COLORREF grounds[] = {RGB(255, 255, 255), RGB(0x81, 0x81, 0), GetSysColor(COLOR_BTNFACE)};
+    for (int i = 0; i < 3; ++i) {
+        RECT cell = {10 + i * 56, 204, 60 + i * 56, 232};
+        HBRUSH brush = CreateSolidBrush(grounds[i]);
+        FillRect(dc, &cell, brush);
+        DeleteObject(brush);
+        GadUtilMaskBltNoFlicker(dc, &cell, picture, nullptr, RGB(255, 0, 255));
+    }
+    // Each inverting call flips the picture itself after its mask is made:
+    // the first shows it inverted, the second (whose border is green by
+    // then) as it was.
+    RECT inverted = {178, 204, 228, 232}, again = {234, 204, 284, 232};
+    GadUtilMaskBltInvertNoFlicker(dc, &inverted, picture, nullptr, RGB(255, 0, 255));
+    GadUtilMaskBltInvertNoFlicker(dc, &again, picture, nullptr, RGB(0, 255, 0));
 }
 
 HWND BuildSharedDrawingPage(HWND host)
 {
-    HWND page = MakePageWindow(host, "Shared gadget drawing", 340, 186);
+    HWND page = MakePageWindow(host, "Shared gadget drawing", 340, 242);
     if (page) SetWindowLongPtrA(page, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(PaintSharedDrawing));
     return page;
 }

@@ -1,5 +1,6 @@
 // Check boxes with a picture in place of their text, and the painting of
 // check boxes, radio buttons and group boxes on the grey dialog face.
+#include "linked_records.h"
 #include "qziso32.h"
 
 namespace {
@@ -40,28 +41,6 @@ BitmapButton *Find(HWND window)
         if (b->window == window)
             return b;
     return nullptr;
-}
-
-void Link(BitmapButton *button)
-{
-    BitmapButton **end = &g_buttons;
-    BitmapButton *last = nullptr;
-    while (*end) {
-        last = *end;
-        end = &(*end)->next;
-    }
-    button->prev = last;
-    *end = button;
-}
-
-void Unlink(BitmapButton *button)
-{
-    if (button->prev)
-        button->prev->next = button->next;
-    else
-        g_buttons = button->next;
-    if (button->next)
-        button->next->prev = button->prev;
 }
 
 WNDPROC FormerProcedure(HWND window)
@@ -170,7 +149,7 @@ extern "C" LRESULT CALLBACK UIButtonSubclassProc(HWND window, UINT message, WPAR
     switch (message) {
     case WM_DESTROY: {
         if (BitmapButton *button = Find(window)) {
-            Unlink(button);
+            Unlink(g_buttons, button);
             LocalFree(button);
         }
         WNDPROC former = FormerProcedure(window);
@@ -202,7 +181,7 @@ extern "C" BOOL WINAPI UIBitmapCheckBox(HWND window, HBITMAP bitmap)
     }
     button->window = window;
     button->bitmap = bitmap;
-    Link(button);
+    LinkAtTail(g_buttons, button);
 
     WNDPROC current = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC));
     if (current != UIButtonSubclassProc) {

@@ -2,6 +2,7 @@
 // and subclasses it when its first control is created; the subclass
 // centres the dialog and colours its gauges at WM_INITDIALOG.
 #include "dialog_placement.h"
+#include "linked_records.h"
 #include "qziso32.h"
 
 namespace {
@@ -30,28 +31,6 @@ const ATOM kDialogClassAtom = 0x8002;
 const UINT kGaugeSetStyle = 1030;
 const UINT kGaugeSetBackColour = 1026;
 const UINT kGaugeSetFaceColour = 1027;
-
-void Link(GrayClient *client)
-{
-    GrayClient **end = &g_clients;
-    GrayClient *last = nullptr;
-    while (*end) {
-        last = *end;
-        end = &(*end)->next;
-    }
-    client->prev = last;
-    *end = client;
-}
-
-void Unlink(GrayClient *client)
-{
-    if (client->prev)
-        client->prev->next = client->next;
-    else
-        g_clients = client->next;
-    if (client->next)
-        client->next->prev = client->prev;
-}
 
 GrayClient *ClientFor(HWND topLevel)
 {
@@ -132,7 +111,7 @@ extern "C" BOOL WINAPI UIGrayDialogInit(HWND mainWindow)
         OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(sizeof(GrayClient)));
         return FALSE;
     }
-    Link(client);
+    LinkAtTail(g_clients, client);
     client->brush = CreateSolidBrush(GetSysColor(COLOR_BTNFACE));
     client->window = mainWindow;
     client->instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(mainWindow, GWLP_HINSTANCE));
@@ -140,7 +119,7 @@ extern "C" BOOL WINAPI UIGrayDialogInit(HWND mainWindow)
     client->hook = SetWindowsHookExA(WH_CBT, GrayHook, client->instance, GetCurrentThreadId());
     if (!client->hook) {
         OSErrorSetErrorInfo(RV_UserError, "SetWindowsHookEx");
-        Unlink(client);
+        Unlink(g_clients, client);
         if (client->brush)
             DeleteObject(client->brush);
         LocalFree(client);
@@ -162,7 +141,7 @@ extern "C" BOOL WINAPI UIGrayDialogUnInit(HWND mainWindow)
     UnhookWindowsHookEx(client->hook);
     if (client->brush)
         DeleteObject(client->brush);
-    Unlink(client);
+    Unlink(g_clients, client);
     LocalFree(client);
     return TRUE;
 }

@@ -50,18 +50,17 @@ void GadDrawButtonUp(HDC dc, const RECT *rect)
 
 void GadDrawButtonDown(HDC dc, const RECT *rect)
 {
-    HBRUSH face = CreateSolidBrush(GetSysColor(COLOR_BTNFACE));
-    if (!face) {
-        OSErrorSetErrorInfo(RV_GDIError, "CreateSolidBrush");
-        return;
+    // Fill with the face colour, then frame with the shadow colour.
+    for (int step = 0; step < 2; ++step) {
+        HBRUSH brush = CreateSolidBrush(GetSysColor(step ? COLOR_BTNSHADOW : COLOR_BTNFACE));
+        if (!brush) {
+            OSErrorSetErrorInfo(RV_GDIError, "CreateSolidBrush");
+            return;
+        }
+        if (step)
+            FrameRect(dc, rect, brush);
+        else
+            FillRect(dc, rect, brush);
+        DeleteObject(brush);
     }
-    FillRect(dc, rect, face);
-    DeleteObject(face);
-    HBRUSH shadow = CreateSolidBrush(GetSysColor(COLOR_BTNSHADOW));
-    if (!shadow) {
-        OSErrorSetErrorInfo(RV_GDIError, "CreateSolidBrush");
-        return;
-    }
-    FrameRect(dc, rect, shadow);
-    DeleteObject(shadow);
 }

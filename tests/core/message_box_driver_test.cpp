@@ -74,6 +74,11 @@ TEST(MessageBoxDriver, ReportsWrongAndMissingBoxes)
         "unexpected message box");
 }
 
+INT_PTR CALLBACK PlainDialog(HWND, UINT message, WPARAM, LPARAM)
+{
+    return message == WM_INITDIALOG;
+}
+
 TEST(MessageBoxDriver, HandsOtherDialogsToTheHandler)
 {
     MessageBoxDriver boxes;
@@ -90,10 +95,7 @@ TEST(MessageBoxDriver, HandsOtherDialogsToTheHandler)
     tmpl.header.style = WS_POPUP | WS_VISIBLE | DS_MODALFRAME;
     tmpl.header.cx = 50;
     tmpl.header.cy = 20;
-    INT_PTR result = DialogBoxIndirectParamA(
-        nullptr, &tmpl.header, nullptr,
-        [](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR { return message == WM_INITDIALOG; },
-        0);
+    INT_PTR result = DialogBoxIndirectParamA(nullptr, &tmpl.header, nullptr, PlainDialog, 0);
     EXPECT_EQ(42, result);
     EXPECT_NE(nullptr, seen);
     EXPECT_TRUE(boxes.Seen().empty());

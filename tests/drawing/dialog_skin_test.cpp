@@ -30,11 +30,13 @@ std::vector<WORD> DialogTemplate(short x, short y, short cx, short cy, int child
     return t;
 }
 
+INT_PTR CALLBACK PlainDialog(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
 HWND MakeDialog(HWND owner, const std::vector<WORD> &t)
 {
     return CreateDialogIndirectParamA(GetModuleHandleA(nullptr),
                                       reinterpret_cast<const DLGTEMPLATE *>(t.data()), owner,
-                                      [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
+                                      PlainDialog, 0);
 }
 
 bool Subclassed(HWND dialog)
