@@ -27,12 +27,11 @@ void ShowPage(HWND host, int index)
         std::printf("page %s: a gadget could not be made\n", kGalleryPages[index].name);
         return;
     }
+    // Beside the host, so both stay in view.
     RECT hostFrame;
     GetWindowRect(host, &hostFrame);
-    if (GetWindowLongPtrA(g_currentPage, GWL_STYLE) & WS_CHILD) return;
-    if (!GetWindow(g_currentPage, GW_CHILD) || GetParent(g_currentPage) == host)
-        SetWindowPos(g_currentPage, nullptr, hostFrame.right + 8, hostFrame.top, 0, 0,
-                     SWP_NOSIZE | SWP_NOZORDER);
+    SetWindowPos(g_currentPage, nullptr, hostFrame.right + 8, hostFrame.top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER);
     ShowWindow(g_currentPage, SW_SHOWNOACTIVATE);
 }
 
@@ -148,6 +147,7 @@ int main(int argc, char **argv)
     } else if (headless) {
         failed = RenderPages(host, folder);
     } else {
+        ShowPage(host, 0);
         MSG msg;
         while (GetMessageA(&msg, nullptr, 0, 0) > 0) {
             TranslateMessage(&msg);
