@@ -1,5 +1,6 @@
 // Metafiles: placeable files, streams of both forms, the mapping modes,
 // playing into a rectangle, and records that would never end.
+#include "picture_files.h"
 #include "surface.h"
 
 namespace {
@@ -15,10 +16,7 @@ std::vector<BYTE> FillBits(COLORREF colour, int w, int h)
     PatBlt(m, 0, 0, w, h, PATCOPY);
     HMETAFILE made = CloseMetaFile(m);
     DeleteObject(brush);
-    std::vector<BYTE> bits(GetMetaFileBitsEx(made, 0, nullptr));
-    GetMetaFileBitsEx(made, static_cast<UINT>(bits.size()), bits.data());
-    DeleteMetaFile(made);
-    return bits;
+    return BitsOfMetafile(made);
 }
 
 std::vector<BYTE> Placeable(const std::vector<BYTE> &bits, WORD right, WORD bottom, WORD inch)
