@@ -131,6 +131,15 @@ TEST_F(Metafiles, MappingModesGiveDeviceSizes)
     EXPECT_TRUE(MF_Play(s.dc, &rect, p.block));
     EXPECT_EQ(RGB(0, 0, 255), s.At(10, 14));
     EXPECT_EQ(RGB(255, 255, 255), s.At(10, 10));
+    // MM_ANISOTROPIC plays one to one from the rectangle's corner.
+    std::vector<BYTE> aniso = NewForm(MM_ANISOTROPIC, 2540, 2540, bits);
+    Picture a(MF_StreamToMF(aniso.data(), 0));
+    s.Fill(RGB(255, 255, 255));
+    RECT corner = {20, 30, 40, 40};
+    EXPECT_TRUE(MF_Play(s.dc, &corner, a.block));
+    EXPECT_EQ(RGB(0, 0, 255), s.At(23, 31));
+    EXPECT_EQ(RGB(255, 255, 255), s.At(24, 31));
+    EXPECT_EQ(RGB(255, 255, 255), s.At(20, 32));
     // The old form: three 16-bit values, sign-extended.
     std::vector<BYTE> old(8);
     SHORT head[4] = {MM_TEXT, -3, 5, 0};
