@@ -6,30 +6,10 @@
 #include <cstring>
 #include <string>
 #include <vector>
+#include "bench_timing.h"
 #include "qziso32.h"
 
 namespace {
-
-double Seconds()
-{
-    LARGE_INTEGER now, frequency;
-    QueryPerformanceCounter(&now);
-    QueryPerformanceFrequency(&frequency);
-    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-template <typename F> double Time(F work)
-{
-    double best = 1e9;
-    for (int round = 0; round < 3; ++round) {
-        double start = Seconds();
-        work();
-        double spent = Seconds() - start;
-        if (spent < best)
-            best = spent;
-    }
-    return best;
-}
 
 void Report(const char *what, double ours, double theirs, unsigned count, const char *goal)
 {
@@ -37,15 +17,21 @@ void Report(const char *what, double ours, double theirs, unsigned count, const 
                 ours * 1e6 / count, theirs * 1e6 / count, theirs / ours, goal);
 }
 
+BITMAPINFO Format32(int w, int h)
+{
+    BITMAPINFO f = {};
+    f.bmiHeader.biSize = sizeof f.bmiHeader;
+    f.bmiHeader.biWidth = w;
+    f.bmiHeader.biHeight = -h;
+    f.bmiHeader.biPlanes = 1;
+    f.bmiHeader.biBitCount = 32;
+    return f;
+}
+
 struct Dib {
     Dib(int w, int h) : w(w), h(h)
     {
-        BITMAPINFO f = {};
-        f.bmiHeader.biSize = sizeof f.bmiHeader;
-        f.bmiHeader.biWidth = w;
-        f.bmiHeader.biHeight = -h;
-        f.bmiHeader.biPlanes = 1;
-        f.bmiHeader.biBitCount = 32;
+        BITMAPINFO f = Format32(w, h);
         void *p;
         bitmap = CreateDIBSection(nullptr, &f, DIB_RGB_COLORS, &p, nullptr, 0);
         bits = static_cast<DWORD *>(p);
@@ -79,12 +65,7 @@ void Picture(Dib &d, DWORD ink, DWORD background)
 HRGN PlatformRegion(HBITMAP bitmap, int w, int h, DWORD ink)
 {
     std::vector<DWORD> pixels(static_cast<size_t>(w) * h);
-    BITMAPINFO f = {};
-    f.bmiHeader.biSize = sizeof f.bmiHeader;
-    f.bmiHeader.biWidth = w;
-    f.bmiHeader.biHeight = -h;
-    f.bmiHeader.biPlanes = 1;
-    f.bmiHeader.biBitCount = 32;
+    BITMAPINFO f = Format32(w, h);
     HDC screen = GetDC(nullptr);
     GetDIBits(screen, bitmap, 0, h, pixels.data(), &f, DIB_RGB_COLORS);
     ReleaseDC(nullptr, screen);

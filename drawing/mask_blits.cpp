@@ -7,6 +7,16 @@ const MaskCleanUp kGadgetCleanUp = {false, false};
 
 namespace {
 
+// A context, a rectangle and a measurable image, or false (recorded).
+bool CentredArguments(HDC hdc, const RECT *rect, HBITMAP image, SIZE *size, const char *caller)
+{
+    if (!hdc || !rect) {
+        OSErrorSetErrorInfo(RV_BadParms, caller);
+        return false;
+    }
+    return MeasureBitmap(image, size);
+}
+
 // Colour of the image's top-left pixel, or CLR_INVALID.
 COLORREF TopLeftPixel(HDC reference, HBITMAP image)
 {
@@ -27,11 +37,7 @@ BOOL CentredMaskBlt(HDC hdc, const RECT *rect, HBITMAP image, HBITMAP mask, COLO
                     Placement placement, const MaskCleanUp &cleanUp)
 {
     SIZE size;
-    if (!hdc || !rect) {
-        OSErrorSetErrorInfo(RV_BadParms, __func__);
-        return FALSE;
-    }
-    if (!MeasureBitmap(image, &size))
+    if (!CentredArguments(hdc, rect, image, &size, __func__))
         return FALSE;
     POINT at = CentreIn(rect, size);
     BOOL result = FALSE;
@@ -106,11 +112,7 @@ namespace {
 BOOL CentredBlt(HDC hdc, const RECT *rect, HBITMAP image, DWORD rop)
 {
     SIZE size;
-    if (!hdc || !rect) {
-        OSErrorSetErrorInfo(RV_BadParms, __func__);
-        return FALSE;
-    }
-    if (!MeasureBitmap(image, &size))
+    if (!CentredArguments(hdc, rect, image, &size, __func__))
         return FALSE;
     SelectedDC imageDC;
     if (!SelectIntoNewDC(hdc, image, &imageDC))

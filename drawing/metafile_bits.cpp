@@ -66,6 +66,15 @@ bool MetafileBitsAreSound(const BYTE *bits, DWORD size)
     return true;
 }
 
+HGLOBAL PictureBlockIf(HGLOBAL block, bool made)
+{
+    GlobalUnlock(block);
+    if (made)
+        return block;
+    GlobalFree(block);
+    return nullptr;
+}
+
 HMETAFILE MetafileFromBits(const BYTE *bits, DWORD size)
 {
     if (!MetafileBitsAreSound(bits, size)) {

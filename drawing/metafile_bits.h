@@ -29,3 +29,7 @@ bool MetafileBitsAreSound(const BYTE *bits, DWORD size);
 // block cannot be had; RV_BadMetafile for unsound bits; RV_GDIError when
 // the system refuses them.
 HMETAFILE MetafileFromBits(const BYTE *bits, DWORD size);
+
+// Unlocks the picture block and hands it out if `made`, else frees it and
+// gives null.
+HGLOBAL PictureBlockIf(HGLOBAL block, bool made);

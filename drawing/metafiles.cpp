@@ -91,12 +91,7 @@ extern "C" HGLOBAL WINAPI MF_OpenMetaFile(const char *name)
         picture->hMF = ReadPlaceable(file, fileSize, name, picture);
         _lclose(file);
     }
-    bool made = picture->hMF != nullptr;
-    GlobalUnlock(block);
-    if (made)
-        return block;
-    GlobalFree(block);
-    return nullptr;
+    return PictureBlockIf(block, picture->hMF != nullptr);
 }
 
 extern "C" HGLOBAL WINAPI MF_StreamToMF(const BYTE *stream, DWORD oldForm)
@@ -130,17 +125,10 @@ extern "C" HGLOBAL WINAPI MF_StreamToMF(const BYTE *stream, DWORD oldForm)
             MetafileByteCount(stream + offset, &size) && ReadableRoom(stream + offset, size) == size;
     if (!sound) {
         OSErrorSetErrorInfo(RV_BadMetafile);
-        GlobalUnlock(block);
-        GlobalFree(block);
-        return nullptr;
+        return PictureBlockIf(block, false);
     }
     picture->hMF = MetafileFromBits(stream + offset, size);
-    bool made = picture->hMF != nullptr;
-    GlobalUnlock(block);
-    if (made)
-        return block;
-    GlobalFree(block);
-    return nullptr;
+    return PictureBlockIf(block, picture->hMF != nullptr);
 }
 
 extern "C" DWORD WINAPI MF_Size(HGLOBAL metafile)

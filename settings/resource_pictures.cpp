@@ -45,24 +45,15 @@ extern "C" HGLOBAL WINAPI ResourceLoadMetafile(HMODULE module, const char *name)
     // in one module cannot be loaded through another.
     if (module != ResourceGetHandle()) {
         OSErrorSetErrorInfo(RV_BadParms, __func__);
-        GlobalUnlock(block);
-        GlobalFree(block);
-        return nullptr;
+        return PictureBlockIf(block, false);
     }
     HRSRC found = FindResourceA(ResourceGetHandle(), name, "META16");
-    if (!found) {
-        GlobalUnlock(block);
-        GlobalFree(block);
-        return nullptr;
-    }
+    if (!found)
+        return PictureBlockIf(block, false);
     HGLOBAL resource = LoadResource(module, found);
     const BYTE *bytes = resource ? static_cast<const BYTE *>(LockResource(resource)) : nullptr;
     bool made = bytes && BuildPicture(bytes, SizeofResource(module, found), picture);
     if (resource)
         FreeResource(resource);
-    GlobalUnlock(block);
-    if (made)
-        return block;
-    GlobalFree(block);
-    return nullptr;
+    return PictureBlockIf(block, made);
 }

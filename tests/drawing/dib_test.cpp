@@ -1,6 +1,6 @@
 // Device-independent bitmaps: files of every depth and both headers, the
 // headers refused, streams out and back, palettes, and drawing.
-#include "bmp_files.h"
+#include "picture_files.h"
 #include "surface.h"
 
 namespace {

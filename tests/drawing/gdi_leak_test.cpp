@@ -1,7 +1,7 @@
 // No drawing function keeps a GDI object: the number of 1 x 1 bitmaps that
 // can still be made is the same before and after each runs 1,000 times,
 // failures included.
-#include "bmp_files.h"
+#include "picture_files.h"
 #include "surface.h"
 #include "readback.h"
 

@@ -1,5 +1,6 @@
 // Metafiles: placeable files, streams of both forms, the mapping modes,
 // playing into a rectangle, and records that would never end.
+#include "picture_files.h"
 #include "surface.h"
 
 namespace {
@@ -15,10 +16,7 @@ std::vector<BYTE> FillBits(COLORREF colour, int w, int h)
     PatBlt(m, 0, 0, w, h, PATCOPY);
     HMETAFILE made = CloseMetaFile(m);
     DeleteObject(brush);
-    std::vector<BYTE> bits(GetMetaFileBitsEx(made, 0, nullptr));
-    GetMetaFileBitsEx(made, static_cast<UINT>(bits.size()), bits.data());
-    DeleteMetaFile(made);
-    return bits;
+    return BitsOfMetafile(made);
 }
 
 std::vector<BYTE> Placeable(const std::vector<BYTE> &bits, WORD right, WORD bottom, WORD inch)
@@ -133,6 +131,15 @@ TEST_F(Metafiles, MappingModesGiveDeviceSizes)
     EXPECT_TRUE(MF_Play(s.dc, &rect, p.block));
     EXPECT_EQ(RGB(0, 0, 255), s.At(10, 14));
     EXPECT_EQ(RGB(255, 255, 255), s.At(10, 10));
+    // MM_ANISOTROPIC plays one to one from the rectangle's corner.
+    std::vector<BYTE> aniso = NewForm(MM_ANISOTROPIC, 2540, 2540, bits);
+    Picture a(MF_StreamToMF(aniso.data(), 0));
+    s.Fill(RGB(255, 255, 255));
+    RECT corner = {20, 30, 40, 40};
+    EXPECT_TRUE(MF_Play(s.dc, &corner, a.block));
+    EXPECT_EQ(RGB(0, 0, 255), s.At(23, 31));
+    EXPECT_EQ(RGB(255, 255, 255), s.At(24, 31));
+    EXPECT_EQ(RGB(255, 255, 255), s.At(20, 32));
     // The old form: three 16-bit values, sign-extended.
     std::vector<BYTE> old(8);
     SHORT head[4] = {MM_TEXT, -3, 5, 0};

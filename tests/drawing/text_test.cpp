@@ -4,6 +4,20 @@
 
 namespace {
 
+// Without a cache the text is not drawn, and the call still succeeds.
+TEST(VerticalTextCache, NothingDrawnBeforeTheFirstInit)
+{
+    Surface s(40, 40);
+    HFONT font = CreateFontA(-14, 0, 0, 0, FW_BOLD, 0, 0, 0, ANSI_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0, "Arial");
+    SelectObject(s.dc, font);
+    RECT strip = {0, 0, 40, 40};
+    EXPECT_TRUE(UIVertDrawText(s.dc, "MM", -1, &strip, 0, 1));
+    for (int p = 0; p < 40 * 40; ++p)
+        ASSERT_EQ(0xFFFFFFu, s.bits[p] & 0xFFFFFF);
+    SelectObject(s.dc, GetStockObject(SYSTEM_FONT));
+    DeleteObject(font);
+}
+
 class VerticalText : public ErrorStateTest {
 protected:
     void SetUp() override

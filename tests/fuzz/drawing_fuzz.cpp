@@ -2,8 +2,9 @@
 // broken bitmap files, placeable metafiles and metafile streams, each
 // mutated and fed through every loader. The in-memory loaders get the bytes
 // right before an inaccessible page, so a read past the input faults; one
-// input in eight also goes through the file loaders. Every input must end
-// in a handle or in a recorded error and no handle, never a crash or hang.
+// bitmap in ten and one placeable metafile in three also go through the
+// file loaders. Every input must end in a handle or in a recorded error and
+// no handle, never a crash or hang.
 //   drawing_fuzz [inputs] [seed]     (or QZ_FUZZ_INPUTS, QZ_FUZZ_SEED)
 // The default is 100,000 mutated inputs on x86_64 and 20,000 on i686.
 #include <cstdio>
@@ -12,7 +13,8 @@
 #include <random>
 #include <string>
 #include <vector>
-#include "../drawing/bmp_files.h"
+#include "../drawing/picture_files.h"
+#include "fuzz_setting.h"
 #include "qziso32.h"
 
 namespace {
@@ -54,10 +56,7 @@ std::vector<BYTE> MetafileBits(int shapes)
     }
     HMETAFILE made = CloseMetaFile(m);
     DeleteObject(brush);
-    std::vector<BYTE> bits(GetMetaFileBitsEx(made, 0, nullptr));
-    GetMetaFileBitsEx(made, static_cast<UINT>(bits.size()), bits.data());
-    DeleteMetaFile(made);
-    return bits;
+    return BitsOfMetafile(made);
 }
 
 std::vector<BYTE> PlaceableOf(const std::vector<BYTE> &bits)
@@ -236,15 +235,6 @@ void ReleaseMetafile(HGLOBAL metafile)
     MF_Destroy(metafile);
 }
 
-unsigned long Setting(int argc, char **argv, int index, const char *name, unsigned long fallback)
-{
-    if (argc > index)
-        return std::strtoul(argv[index], nullptr, 10);
-    if (const char *value = std::getenv(name))
-        return std::strtoul(value, nullptr, 10);
-    return fallback;
-}
-
 }  // namespace
 
 int main(int argc, char **argv)
@@ -268,7 +258,7 @@ int main(int argc, char **argv)
         std::vector<BYTE> bytes = i < corpus.size() ? from.bytes : Mutated(from.bytes);
         const BYTE *held = guarded.Hold(bytes);
         OSErrorClearError();
-        bool viaFile = i < corpus.size() || !Pick(8) || from.kind == PlaceableMetafile;
+        bool viaFile = i < corpus.size() || !Pick(from.kind == PlaceableMetafile ? 3 : 10);
         if (viaFile) {
             FILE *f = std::fopen(path.c_str(), "wb");
             if (f) {
@@ -291,7 +281,8 @@ int main(int argc, char **argv)
             }
             break;
         case PlaceableMetafile:
-            Check(MF_OpenMetaFile(path.c_str()), "MF_OpenMetaFile", i, ReleaseMetafile);
+            if (viaFile)
+                Check(MF_OpenMetaFile(path.c_str()), "MF_OpenMetaFile", i, ReleaseMetafile);
             // From offset 14 the file reads as an old-form stream: the last
             // eight bytes of the placeable header, then the bits.
             if (bytes.size() >= 14)

@@ -1,4 +1,5 @@
-// Bitmap files built byte by byte for the DIB tests and the fuzzer.
+// Bitmap files built byte by byte, and the bits of metafiles, for the
+// drawing tests and the fuzzer.
 #pragma once
 #include <windows.h>
 #include <cstring>
@@ -13,6 +14,15 @@ struct BmpShape {
     DWORD sizeImage = 0;     // 0: left for the reader to compute
     DWORD offBits = 1;       // 0 sends the reader back to the file's start
 };
+
+// The bits of `made`, which is deleted.
+inline std::vector<BYTE> BitsOfMetafile(HMETAFILE made)
+{
+    std::vector<BYTE> bits(GetMetaFileBitsEx(made, 0, nullptr));
+    GetMetaFileBitsEx(made, static_cast<UINT>(bits.size()), bits.data());
+    DeleteMetaFile(made);
+    return bits;
+}
 
 inline DWORD BmpRowBytes(const BmpShape &s) { return ((s.bits * s.width + 31) / 32) * 4; }
 
