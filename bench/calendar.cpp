@@ -7,30 +7,10 @@
 #include <cstring>
 #include <string>
 #include <vector>
+#include "bench_timing.h"
 #include "qziso32.h"
 
 namespace {
-
-double Seconds()
-{
-    LARGE_INTEGER now, frequency;
-    QueryPerformanceCounter(&now);
-    QueryPerformanceFrequency(&frequency);
-    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-template <typename F> double Time(F work)
-{
-    double best = 1e9;
-    for (int round = 0; round < 3; ++round) {
-        double start = Seconds();
-        work();
-        double spent = Seconds() - start;
-        if (spent < best)
-            best = spent;
-    }
-    return best;
-}
 
 volatile unsigned g_sink;
 

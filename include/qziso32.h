@@ -548,6 +548,162 @@ QZAPI BOOL WINAPI OSHelp(HWND window);
 /* ------------------------------------------------------------------ */
 QZAPI BOOL WINAPI Feedback_CleanupAll(void);
 QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
+/* Drawing: mask blits and bitmap helpers. A mask is 1 bit per pixel,  */
+/* set (white) where the image is transparent. Pictures given with a   */
+/* rectangle are centred in it (offsets truncated toward zero).        */
+/* ------------------------------------------------------------------ */
+QZAPI HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent);
+QZAPI DWORD WINAPI UIMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
+                             COLORREF transparent);
+QZAPI DWORD WINAPI UIMaskBltWithFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                        COLORREF transparent);
+QZAPI BOOL WINAPI UIMaskBltNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                     COLORREF transparent);
+/* Leaves the caller's image inverted: a second call draws it as it was. */
+QZAPI BOOL WINAPI UIMaskBltInvertNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                           COLORREF transparent);
+/* Transparent is the colour of the image's top-left pixel. */
+QZAPI BOOL WINAPI UIMaskBltNoFlickerTLC(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI DWORD WINAPI UIBitBlt(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI DWORD WINAPI UIMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI LONG WINAPI OSMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
+                            DWORD rop, HBITMAP mask, int mirror);
+QZAPI LONG WINAPI MaskBltWithBitmap(HDC dst, int x, int y, int w, int h, HDC src, int srcX,
+                                    int srcY, DWORD rop, HBITMAP mask, int mirror,
+                                    HBITMAP background);
+QZAPI HBITMAP WINAPI UICreateDitheredBitmap(HDC hdc, HBITMAP image, COLORREF colour);
+QZAPI HBITMAP WINAPI UIChangeBitmapColor(HBITMAP image, COLORREF from, COLORREF to);
+QZAPI DWORD WINAPI UITileBitmap(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI COLORREF WINAPI UICalcHalfIntensity(COLORREF colour);
+QZAPI BOOL WINAPI UIFrameAndFillRect(HDC hdc, RECT *rect, HBRUSH fill, HBRUSH topLeft,
+                                     HBRUSH bottomRight);
+QZAPI DWORD WINAPI UITroughRect(HDC hdc, RECT *rect);
+/* Flags: 4 top, 1 left, 2 right, 8 bottom, 0x1000 bottom shortened by 2. */
+QZAPI COLORREF WINAPI Draw3DFrame(HDC hdc, RECT *rect, COLORREF topLeft, COLORREF bottomRight,
+                                  LONG flags);
+
+/* ------------------------------------------------------------------ */
+/* Drawing: regions, owned by the caller                               */
+/* ------------------------------------------------------------------ */
+/* The pixels of `colour`, the rows flipped left to right with mirror. */
+QZAPI HRGN WINAPI UICreateBitmapRegion(HBITMAP bitmap, COLORREF colour, DWORD mirror);
+/* All but the background `colour` (-1: the top-left pixel) of a picture
+ * symmetrical in both axes, read from its top-left quarter. */
+QZAPI HRGN WINAPI UICreateMirroredBitmapRegion(HBITMAP bitmap, COLORREF colour);
+QZAPI HRGN WINAPI UICreateRoundRectRegion(LONG left, LONG top, LONG right, LONG bottom,
+                                          LONG cornerWidth, LONG cornerHeight);
+
+/* ------------------------------------------------------------------ */
+/* Drawing: device-independent bitmaps. A DIB handle is a movable      */
+/* global block holding a packed bitmap (40-byte header, colour table, */
+/* rows); the caller frees it with DIB_Destroy.                        */
+/* ------------------------------------------------------------------ */
+QZAPI HGLOBAL WINAPI DIB_OpenDIB(const char *name);
+QZAPI HGLOBAL WINAPI DIB_FileStreamToDIB(const BYTE *image);
+QZAPI HGLOBAL WINAPI DIB_StreamToDIB(const BYTE *stream);
+/* Writes DIB_DIBSize bytes. */
+QZAPI BOOL WINAPI DIB_DIBToStream(BYTE *out, HGLOBAL dib);
+QZAPI DWORD WINAPI DIB_DIBSize(HGLOBAL dib);
+QZAPI BOOL WINAPI DIB_GetDimensions(HGLOBAL dib, SIZE *size);
+QZAPI HPALETTE WINAPI DIB_CreateDibPalette(HGLOBAL dib);
+QZAPI HBITMAP WINAPI DIB_BitmapFromDib(HGLOBAL dib, HPALETTE palette);
+QZAPI HGLOBAL WINAPI DIB_DibFromBitmap(HBITMAP bitmap, DWORD style, DWORD bits, HPALETTE palette);
+QZAPI HGLOBAL WINAPI DIB_CompressDIB(HGLOBAL dib, LONG freeSource);
+QZAPI HGLOBAL WINAPI DIB_ExpandDIB(HGLOBAL dib, LONG freeSource);
+QZAPI BOOL WINAPI DIB_DibBlt(HDC hdc, int x, int y, int w, int h, HGLOBAL dib, int srcX, int srcY,
+                             DWORD rop);
+QZAPI int WINAPI DIB_StretchBlt(HDC hdc, int x, int y, int w, int h, HGLOBAL dib, int srcX,
+                                int srcY, int srcW, int srcH, DWORD rop);
+QZAPI HBITMAP WINAPI DIB_FiletoBM(const char *name);
+QZAPI HBITMAP WINAPI DIB_CopyBitmap(HBITMAP bitmap);
+QZAPI HGLOBAL WINAPI DIB_CopyDIB(HGLOBAL dib);
+QZAPI HGLOBAL WINAPI DIB_Destroy(HGLOBAL dib);
+
+/* ------------------------------------------------------------------ */
+/* Drawing: metafiles. A metafile handle is a movable global block     */
+/* holding a METAFILEPICT; the caller frees it with MF_Destroy.        */
+/* ------------------------------------------------------------------ */
+QZAPI HGLOBAL WINAPI MF_OpenMetaFile(const char *name);
+/* New form: four u32 (mode, xExt, yExt, handle) then the bits; old form
+ * (or oldForm non-zero): four 16-bit words then the bits. */
+QZAPI HGLOBAL WINAPI MF_StreamToMF(const BYTE *stream, DWORD oldForm);
+QZAPI BOOL WINAPI MF_MFToStream(BYTE *out, HGLOBAL metafile);
+QZAPI DWORD WINAPI MF_Size(HGLOBAL metafile);
+/* `size` comes in with a fall-back and leaves with the size in device units. */
+QZAPI LONG WINAPI MF_GetDimensions(HDC hdc, HGLOBAL metafile, SIZE *size);
+QZAPI BOOL WINAPI MF_Play(HDC hdc, RECT *rect, HGLOBAL metafile);
+QZAPI HGLOBAL WINAPI MF_Destroy(HGLOBAL metafile);
+
+/* ------------------------------------------------------------------ */
+/* Drawing: vertical and indented text                                 */
+/* ------------------------------------------------------------------ */
+QZAPI LONG WINAPI UIVertDrawTextInit(void);
+QZAPI void WINAPI UICleanUpVertDrawText(void);
+QZAPI BOOL WINAPI UITrashVertFont(HFONT font);
+/* Flags: 1 centre across, 2 right, 4 centre along, 8 bottom, 256 no clip.
+ * Direction 0 upwards, 1 downwards. */
+QZAPI BOOL WINAPI UIVertDrawText(HDC hdc, const char *text, int length, RECT *rect, DWORD flags,
+                                 int direction);
+QZAPI int WINAPI DrawTextWithIndent(HDC hdc, const char *text, DWORD ignored, RECT *rect,
+                                    UINT format, int indent, int leastNextTop, int measureEmpty);
+/* Dialog creation from a template of a module, and the one-time       */
+/* notice. The wrappers take the names that windows.h gives to macros  */
+/* of its own; those macros are removed here, so a host that includes  */
+/* this header calls the wrappers by these names.                      */
+/* ------------------------------------------------------------------ */
+#undef DialogBox
+#undef DialogBoxParam
+#undef CreateDialog
+#undef CreateDialogParam
+QZAPI INT_PTR WINAPI DialogBoxParam(HMODULE module, const char *templateName, HWND owner,
+                                    DLGPROC procedure, LPARAM param);
+QZAPI HWND WINAPI CreateDialogParam(HMODULE module, const char *templateName, HWND owner,
+                                    DLGPROC procedure, LPARAM param);
+QZAPI INT_PTR WINAPI DialogBox(HMODULE module, const char *templateName, HWND owner,
+                               DLGPROC procedure);
+QZAPI HWND WINAPI CreateDialog(HMODULE module, const char *templateName, HWND owner,
+                               DLGPROC procedure);
+/* Shows the "EIGHTEEN" notice for ten seconds, once per `key` (every
+ * time for a null key). 1 if it was shown before, otherwise 0. */
+QZAPI BOOL WINAPI Eighteen(HWND owner, const char *key);
+
+/* ------------------------------------------------------------------ */
+/* Dialog skin: the grey face, centring and bitmap check boxes         */
+/* ------------------------------------------------------------------ */
+QZAPI LRESULT CALLBACK UIDialogSubclassProc(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam);
+QZAPI LRESULT CALLBACK UIButtonSubclassProc(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam);
+QZAPI BOOL WINAPI UIGrayDialogInit(HWND mainWindow);
+QZAPI BOOL WINAPI UIGrayDialogUnInit(HWND mainWindow);
+QZAPI BOOL WINAPI UIBitmapCheckBox(HWND button, HBITMAP bitmap);
+QZAPI COLORREF WINAPI UIGetDlgColor(void);
+/* The id of the first checked button from `first` to `last`, or `first`. */
+QZAPI UINT WINAPI UIGetCurrentRadioButton(HWND dialog, UINT first, UINT last);
+
+/* ------------------------------------------------------------------ */
+/* Gadget registration                                                 */
+/* ------------------------------------------------------------------ */
+/* 1 on success, 0 on failure. Nested: only the first call registers. */
+QZAPI BOOL WINAPI RegisterGadgets(DWORD ignored);
+/* The count left, or -1 when nothing was registered. */
+QZAPI LONG WINAPI UnRegisterGadgets(void);
+/* Non-zero selects the LCD rule for text on coloured backgrounds. */
+QZAPI LONG WINAPI Gadgets_LCDOption(LONG flag);
+/* The mask blits under the gadgets' names: as the UI functions, except that
+ * GadUtilCreateMaskBitmap leaves a new mask it cannot select, and
+ * GadUtilMaskBltWithFlicker does not free a mask it made itself. */
+QZAPI HBITMAP WINAPI GadUtilCreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent);
+QZAPI BOOL WINAPI GadUtilMaskBltNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                          COLORREF transparent);
+QZAPI BOOL WINAPI GadUtilMaskBltInvertNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                                COLORREF transparent);
+QZAPI BOOL WINAPI GadUtilMaskBltWithFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
+                                            COLORREF transparent);
+QZAPI DWORD WINAPI GadUtilBitBlt(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI DWORD WINAPI GadUtilMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
+QZAPI DWORD WINAPI GadUtilMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
+                                  COLORREF transparent);
 
 /* Files and locking, over the system's own handles                    */
 /* ------------------------------------------------------------------ */

@@ -2,83 +2,28 @@
 // of the type "META16": a placeable metafile, whose header gives the picture's
 // bounds in units of its own per inch.
 #include <cstring>
-#include "qziso32.h"
+#include "../drawing/metafile_bits.h"
 
 namespace {
 
-const DWORD kPlaceableKey = 0x9AC6CDD7;
-const UINT kPictureFlags = GMEM_MOVEABLE | GMEM_ZEROINIT;  // 0x42
-const DWORD kHundredthsOfMmPerInch = 2540;
-
-// Offsets in the resource: the placeable header, then the metafile proper.
-const DWORD kLeftOffset = 6, kTopOffset = 8, kRightOffset = 10, kBottomOffset = 12;
-const DWORD kInchOffset = 14;
-const DWORD kMetafileOffset = 22;
-const DWORD kMetafileSizeOffset = 28;  // size in 16-bit words, header included
-const DWORD kSmallestResource = 40;    // both headers, no records
-
-DWORD ReadWord(const BYTE *bytes, DWORD offset)
-{
-    return static_cast<DWORD>(bytes[offset]) | static_cast<DWORD>(bytes[offset + 1]) << 8;
-}
-
-DWORD ReadDoubleWord(const BYTE *bytes, DWORD offset)
-{
-    return ReadWord(bytes, offset) | ReadWord(bytes, offset + 2) << 16;
-}
-
-// A block of `size` bytes, allocated and locked; null, with nothing left
-// allocated, when either step fails.
-void *AllocateLocked(SIZE_T size, HGLOBAL *block)
-{
-    *block = GlobalAlloc(kPictureFlags, size);
-    if (!*block)
-        return nullptr;
-    void *bytes = GlobalLock(*block);
-    if (!bytes) {
-        GlobalFree(*block);
-        *block = nullptr;
-    }
-    return bytes;
-}
+const DWORD kSmallestResource = kPlaceableHeaderSize + kMetaHeaderSize;  // no records
 
 // Makes the metafile described by the resource `bytes` of `resourceSize`
 // bytes and fills `picture`; returns false (recording why) when it cannot.
 bool BuildPicture(const BYTE *bytes, DWORD resourceSize, METAFILEPICT *picture)
 {
-    if (resourceSize < 4 || ReadDoubleWord(bytes, 0) != kPlaceableKey)
+    if (resourceSize < 4 || ReadU32(bytes, 0) != kPlaceableKey)
         return false;
-    if (resourceSize < kSmallestResource) {
-        OSErrorSetErrorInfo(RV_BadMetafile);
-        return false;
-    }
-    DWORD inch = ReadWord(bytes, kInchOffset);
-    if (!inch) {
-        OSErrorSetErrorInfo(RV_BadMetafile);
-        return false;
-    }
-    DWORD size = ReadDoubleWord(bytes, kMetafileSizeOffset) * 2;
-    if (size > resourceSize - kMetafileOffset) {
+    DWORD size;
+    if (resourceSize < kSmallestResource || !PlaceableExtents(bytes, picture) ||
+        !MetafileByteCount(bytes + kPlaceableHeaderSize, &size) ||
+        size > resourceSize - kPlaceableHeaderSize) {
         OSErrorSetErrorInfo(RV_BadMetafile);
         return false;
     }
     // The staging block stays allocated for the life of the process: the
     // metafile is made from its bytes and nothing keeps its handle.
-    HGLOBAL staging;
-    BYTE *metafileBytes = static_cast<BYTE *>(AllocateLocked(size, &staging));
-    if (!metafileBytes)
-        return false;
-    CopyMemory(metafileBytes, bytes + kMetafileOffset, size);
-    picture->mm = MM_ISOTROPIC;
-    // Unsigned arithmetic: a left edge beyond the right one wraps around.
-    picture->xExt = static_cast<LONG>(
-        (ReadWord(bytes, kRightOffset) * kHundredthsOfMmPerInch -
-         ReadWord(bytes, kLeftOffset) * kHundredthsOfMmPerInch) / inch);
-    picture->yExt = static_cast<LONG>(
-        (ReadWord(bytes, kBottomOffset) * kHundredthsOfMmPerInch -
-         ReadWord(bytes, kTopOffset) * kHundredthsOfMmPerInch) / inch);
-    picture->hMF = SetMetaFileBitsEx(size, metafileBytes);
-    GlobalUnlock(staging);
+    picture->hMF = MetafileFromBits(bytes + kPlaceableHeaderSize, size);
     return picture->hMF != nullptr;
 }
 
@@ -100,24 +45,15 @@ extern "C" HGLOBAL WINAPI ResourceLoadMetafile(HMODULE module, const char *name)
     // in one module cannot be loaded through another.
     if (module != ResourceGetHandle()) {
         OSErrorSetErrorInfo(RV_BadParms, __func__);
-        GlobalUnlock(block);
-        GlobalFree(block);
-        return nullptr;
+        return PictureBlockIf(block, false);
     }
     HRSRC found = FindResourceA(ResourceGetHandle(), name, "META16");
-    if (!found) {
-        GlobalUnlock(block);
-        GlobalFree(block);
-        return nullptr;
-    }
+    if (!found)
+        return PictureBlockIf(block, false);
     HGLOBAL resource = LoadResource(module, found);
     const BYTE *bytes = resource ? static_cast<const BYTE *>(LockResource(resource)) : nullptr;
     bool made = bytes && BuildPicture(bytes, SizeofResource(module, found), picture);
     if (resource)
         FreeResource(resource);
-    GlobalUnlock(block);
-    if (made)
-        return block;
-    GlobalFree(block);
-    return nullptr;
+    return PictureBlockIf(block, made);
 }

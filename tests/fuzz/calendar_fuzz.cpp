@@ -9,6 +9,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include "fuzz_setting.h"
 #include "qziso32.h"
 
 namespace {
@@ -151,15 +152,6 @@ void ParseOne(const std::string &input)
     if (!GuardsIntact(converted + 16, 16))
         Fail("tumbler write past its text", input);
     OSErrorClearError();
-}
-
-unsigned long Setting(int argc, char **argv, int index, const char *name, unsigned long fallback)
-{
-    if (argc > index)
-        return std::strtoul(argv[index], nullptr, 10);
-    if (const char *value = std::getenv(name))
-        return std::strtoul(value, nullptr, 10);
-    return fallback;
 }
 
 } // namespace

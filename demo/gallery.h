@@ -1,0 +1,25 @@
+// The gallery: one page per gadget family, each showing its gadgets with
+// sample data. A page is one row of kGalleryPages and one function that
+// builds it.
+#pragma once
+#include <windows.h>
+
+struct GalleryPage {
+    const char *name;     // also the PNG's file name
+    const char *title;    // shown on the page's button and caption
+    // Builds the page as a window owned by `host` and returns the window to
+    // show and picture (a page window or a dialog), or null when a gadget
+    // could not be made.
+    HWND (*build)(HWND host);
+};
+
+extern const GalleryPage kGalleryPages[];
+extern const int kGalleryPageCount;
+
+// Makes an empty page window of `width` x `height` client pixels owned by
+// `host`, with a grey face; the page's gadgets are its children.
+HWND MakePageWindow(HWND host, const char *title, int width, int height);
+
+// Writes `pixels` (0x00RRGGBB, top-down, `width` x `height`) as a PNG
+// through the system's image encoder. False on any failure.
+bool WritePng(const wchar_t *path, int width, int height, const DWORD *pixels);

@@ -1,0 +1,217 @@
+// The gallery's pages. Adding a page: one row in kGalleryPages and one
+// function that builds it.
+#include "gallery.h"
+#include "gadget_frame.h"
+#include "qziso32.h"
+#include <vector>
+
+namespace {
+
+const char kPageClass[] = "QzGalleryPage";
+// Pictures the pages hand to their gadgets; they live as long as the program.
+std::vector<HBITMAP> g_pictures;
+
+typedef void (*PagePainter)(HWND page, HDC dc);
+
+LRESULT CALLBACK PageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_PAINT) {
+        PAINTSTRUCT paint;
+        HDC dc = BeginPaint(window, &paint);
+        auto painter = reinterpret_cast<PagePainter>(GetWindowLongPtrA(window, GWLP_USERDATA));
+        if (painter) painter(window, dc);
+        EndPaint(window, &paint);
+        return 0;
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+// A sample picture: `colour` with a white border and a darker band, on a
+// magenta top-left pixel colour that the check box treats as transparent.
+HBITMAP SamplePicture(COLORREF colour, int width, int height)
+{
+    HDC screen = GetDC(nullptr);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    HDC dc = CreateCompatibleDC(screen);
+    ReleaseDC(nullptr, screen);
+    if (!bitmap || !dc) {
+        if (dc) DeleteDC(dc);
+        if (bitmap) DeleteObject(bitmap);
+        return nullptr;
+    }
+    HGDIOBJ old = SelectObject(dc, bitmap);
+    RECT all = {0, 0, width, height};
+    HBRUSH clear = CreateSolidBrush(RGB(255, 0, 255));
+    FillRect(dc, &all, clear);
+    DeleteObject(clear);
+    RECT body = {2, 2, width - 2, height - 2};
+    HBRUSH fill = CreateSolidBrush(colour);
+    FillRect(dc, &body, fill);
+    DeleteObject(fill);
+    FrameRect(dc, &body, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    RECT band = {2, 2, width - 2, 6};
+    FillRect(dc, &band, static_cast<HBRUSH>(GetStockObject(DKGRAY_BRUSH)));
+    SelectObject(dc, old);
+    DeleteDC(dc);
+    g_pictures.push_back(bitmap);
+    return bitmap;
+}
+
+HWND Child(HWND page, const char *className, const char *text, DWORD style, int id, int x, int y,
+           int width, int height)
+{
+    HWND child = CreateWindowExA(0, className, text, WS_CHILD | WS_VISIBLE | style, x, y, width,
+                                 height, page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                                 GetModuleHandleA(nullptr), nullptr);
+    if (child)
+        SendMessageA(child, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
+    return child;
+}
+
+// ---------------------------------------------------------------- pages
+
+INT_PTR CALLBACK NoticeProc(HWND, UINT message, WPARAM, LPARAM)
+{
+    return message == WM_INITDIALOG;
+}
+
+// The one-time notice from the resource library, grey and centred by the skin.
+HWND BuildDialogPage(HWND host)
+{
+    return CreateDialog(ResourceGetHandle(), "EIGHTEEN", host, NoticeProc);
+}
+
+// Check boxes and radio buttons with pictures, in a group box painted on
+// the grey face.
+HWND BuildCheckBoxPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Check boxes", 340, 170);
+    if (!page) return nullptr;
+    struct Row {
+        const char *label;
+        DWORD style;
+        COLORREF colour;
+        bool checked, enabled;
+    } rows[] = {
+        {"Appointments", BS_AUTOCHECKBOX, RGB(0, 128, 192), false, true},
+        {"Birthdays", BS_AUTOCHECKBOX, RGB(192, 64, 0), true, true},
+        {"Holidays", BS_AUTOCHECKBOX, RGB(0, 160, 64), true, false},
+        {"Day view", BS_AUTORADIOBUTTON, RGB(128, 0, 160), true, true},
+        {"Week view", BS_AUTORADIOBUTTON, RGB(160, 160, 0), false, true},
+    };
+    HWND group = Child(page, "BUTTON", "Show in the diary", BS_GROUPBOX, 99, 10, 8, 320, 152);
+    // The skin paints a group box once it is subclassed; the text is put
+    // back after the subclassing replaced it.
+    if (!group || !UIBitmapCheckBox(group, SamplePicture(RGB(0, 0, 0), 4, 4)))
+        return DestroyWindow(page), nullptr;
+    SetWindowTextA(group, "Show in the diary");
+    int id = 100;
+    for (const Row &row : rows) {
+        int y = 30 + (id - 100) * 24;
+        HWND button = Child(page, "BUTTON", row.label, row.style, id, 24, y, 150, 20);
+        HBITMAP picture = SamplePicture(row.colour, 48, 16);
+        if (!button || !picture || !UIBitmapCheckBox(button, picture))
+            return DestroyWindow(page), nullptr;
+        // The plain system control beside it, for comparison.
+        HWND plain = Child(page, "BUTTON", row.label, row.style, id + 50, 180, y, 140, 20);
+        if (!plain)
+            return DestroyWindow(page), nullptr;
+        for (HWND each : {button, plain}) {
+            SendMessageA(each, BM_SETCHECK, row.checked ? BST_CHECKED : BST_UNCHECKED, 0);
+            EnableWindow(each, row.enabled);
+        }
+        ++id;
+    }
+    return page;
+}
+
+// The drawing every gadget shares: arrow-button faces, the text colour
+// rule on user colours with and without the LCD option, and the trough.
+void PaintSharedDrawing(HWND, HDC dc)
+{
+    SetBkMode(dc, TRANSPARENT);
+    SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    TextOutA(dc, 10, 8, "Button faces: up, down", 22);
+    for (int i = 0; i < 4; ++i) {
+        RECT face = {10 + i * 40, 28, 44 + i * 40, 50};
+        if (i % 2) GadDrawButtonDown(dc, &face);
+        else GadDrawButtonUp(dc, &face);
+    }
+    const COLORREF swatches[] = {RGB(0, 128, 0), RGB(0, 129, 0), RGB(0, 0, 128), RGB(0, 0, 129),
+                                 RGB(0x81, 0x81, 0), RGB(255, 255, 255), RGB(192, 192, 192)};
+    for (LONG lcd = 0; lcd < 2; ++lcd) {
+        int y = 64 + lcd * 44;
+        SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+        TextOutA(dc, 10, y, lcd ? "Text colour, LCD rule" : "Text colour, plain rule",
+                 lcd ? 21 : 23);
+        g_gadgetLcdOption = lcd;
+        for (int i = 0; i < static_cast<int>(sizeof swatches / sizeof *swatches); ++i) {
+            RECT swatch = {10 + i * 46, y + 18, 52 + i * 46, y + 40};
+            HBRUSH brush = CreateSolidBrush(swatches[i]);
+            FillRect(dc, &swatch, brush);
+            DeleteObject(brush);
+            SetTextColor(dc, GadgetContrastTextColor(swatches[i]));
+            DrawTextA(dc, "Aa", 2, &swatch, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+        }
+        g_gadgetLcdOption = 0;
+    }
+    RECT trough = {10, 158, 330, 176};
+    UITroughRect(dc, &trough);
+
+    // A picture with a transparent border put on three backgrounds by the
+    // gadgets' mask blits, then the other polarity.
+    static HBITMAP picture = SamplePicture(RGB(0, 96, 160), 40, 20);
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    TextOutA(dc, 10, 186, "Mask blits", 10);
+    const COLORREF grounds[] = {RGB(255, 255, 255), RGB(0x81, 0x81, 0), GetSysColor(COLOR_BTNFACE)};
+    for (int i = 0; i < 3; ++i) {
+        RECT cell = {10 + i * 56, 204, 60 + i * 56, 232};
+        HBRUSH brush = CreateSolidBrush(grounds[i]);
+        FillRect(dc, &cell, brush);
+        DeleteObject(brush);
+        GadUtilMaskBltNoFlicker(dc, &cell, picture, nullptr, RGB(255, 0, 255));
+    }
+    // Each inverting call flips the picture itself after its mask is made:
+    // the first shows it inverted, the second (whose border is green by
+    // then) as it was.
+    RECT inverted = {178, 204, 228, 232}, again = {234, 204, 284, 232};
+    GadUtilMaskBltInvertNoFlicker(dc, &inverted, picture, nullptr, RGB(255, 0, 255));
+    GadUtilMaskBltInvertNoFlicker(dc, &again, picture, nullptr, RGB(0, 255, 0));
+}
+
+HWND BuildSharedDrawingPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Shared gadget drawing", 340, 242);
+    if (page) SetWindowLongPtrA(page, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(PaintSharedDrawing));
+    return page;
+}
+
+}  // namespace
+
+const GalleryPage kGalleryPages[] = {
+    {"dialog_skin", "Dialog skin", BuildDialogPage},
+    {"check_boxes", "Bitmap check boxes", BuildCheckBoxPage},
+    {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
+};
+const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
+
+HWND MakePageWindow(HWND host, const char *title, int width, int height)
+{
+    static ATOM atom = [] {
+        WNDCLASSA wc = {};
+        wc.lpfnWndProc = PageProc;
+        wc.hInstance = GetModuleHandleA(nullptr);
+        wc.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
+        wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+        wc.lpszClassName = kPageClass;
+        return RegisterClassA(&wc);
+    }();
+    if (!atom) return nullptr;
+    const DWORD style = WS_OVERLAPPED | WS_CAPTION;
+    RECT frame = {0, 0, width, height};
+    AdjustWindowRect(&frame, style, FALSE);
+    return CreateWindowExA(0, kPageClass, title, style, 40, 40, frame.right - frame.left,
+                           frame.bottom - frame.top, host, nullptr, GetModuleHandleA(nullptr),
+                           nullptr);
+}

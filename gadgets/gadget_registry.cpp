@@ -1,0 +1,97 @@
+// Registration of the gadget classes, nested: the classes exist from the
+// first successful RegisterGadgets to the balancing last UnRegisterGadgets.
+#include "gadget_frame.h"
+#include "../core/module_globals.h"
+
+namespace {
+
+// The gadget classes in registration order, one row each; every class has
+// one pointer-sized word of window extra and no class extra. A gadget joins
+// by adding its row here.
+const GadgetClassRow kGadgetClasses[] = {
+    {nullptr, 0, nullptr, GB_None, 0, nullptr},
+};
+
+// The order in which the last UnRegisterGadgets takes the classes down.
+// Names not registered are passed over.
+const char *const kUnregisterOrder[] = {
+    "QzCombo",  "TimeTracker", "TimeSetter", "QzListBox", "QzVListBox", "QzDVListBox",
+    "DateTracker", "Waffle",   "StopWatch",  "Tumbler",   "GasGauge",   "FieldMapper",
+    "SuperText", "FreeTime",   "QzBitmap",   "DialogTab", "Zimbo",      "Page",
+};
+
+// The text the colour controls label their cells with.
+const UINT kColourLabelString = 30160;
+
+LONG g_registrationCount = 0;
+
+const GadgetClassRow *FindRow(const char *name)
+{
+    for (const GadgetClassRow *row = kGadgetClasses; row->name; ++row)
+        if (lstrcmpA(row->name, name) == 0)
+            return row;
+    return nullptr;
+}
+
+// Registers one class; a brush it owns is made just before.
+bool RegisterRow(const GadgetClassRow &row)
+{
+    WNDCLASSA wc = {};
+    wc.style = row.style;
+    wc.lpfnWndProc = row.procedure;
+    wc.cbWndExtra = sizeof(LONG_PTR);
+    wc.hInstance = g_module.hModule;
+    wc.hCursor = row.cursor ? LoadCursorA(nullptr, row.cursor) : nullptr;
+    if (row.background == GB_SystemColour)
+        wc.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(row.colour));
+    else if (row.background == GB_SolidBrush)
+        wc.hbrBackground = CreateSolidBrush(row.colour);
+    wc.lpszClassName = row.name;
+    if (RegisterClassA(&wc))
+        return true;
+    OSErrorSetErrorInfo(RV_UserError, "RegisterClass");
+    return false;
+}
+
+}  // namespace
+
+extern "C" BOOL WINAPI RegisterGadgets(DWORD /*ignored*/)
+{
+    if (g_registrationCount == 0) {
+        for (const GadgetClassRow *row = kGadgetClasses; row->name; ++row)
+            if (!RegisterRow(*row))
+                return FALSE;
+        // The colour controls keep their own copy of the label text; what
+        // counts here is that the string is there.
+        char *label = LoadStringCopy(g_module.hResourceLibrary, kColourLabelString);
+        if (!label)
+            return FALSE;
+        LocalFree(label);
+    }
+    ++g_registrationCount;
+    return TRUE;
+}
+
+extern "C" LONG WINAPI UnRegisterGadgets(void)
+{
+    if (g_registrationCount > 1)
+        return --g_registrationCount;
+    if (g_registrationCount == 0)
+        return -1;
+    g_registrationCount = 0;
+    for (const char *name : kUnregisterOrder) {
+        WNDCLASSA wc;
+        BOOL known = GetClassInfoA(g_module.hModule, name, &wc);
+        const GadgetClassRow *row = FindRow(name);
+        if (known && row && row->background == GB_SolidBrush)
+            DeleteObject(wc.hbrBackground);
+        UnregisterClassA(name, g_module.hModule);
+    }
+    return 0;
+}
+
+extern "C" LONG WINAPI Gadgets_LCDOption(LONG flag)
+{
+    g_gadgetLcdOption = flag;
+    return flag;
+}
