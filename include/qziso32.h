@@ -739,9 +739,6 @@ QZAPI BOOL WINAPI RANGEIsREALValid(HWND window, char *text, DWORD low, DWORD hig
 QZAPI BOOL WINAPI RANGEIsDATEValid(HWND window, char *text);
 QZAPI BOOL WINAPI RANGEIsTIMEValid(HWND window, char *text);
 
-/* PENDING-MERGE */
-QZAPI int WINAPI UIHandleError(HWND window);
-/* END-PENDING-MERGE */
 #ifdef __cplusplus
 }
 #endif
