@@ -1,0 +1,66 @@
+// A running feedback worker on a recorded main window, with delays of a few
+// milliseconds so that a whole display cycle takes a moment.
+#pragma once
+#include "qz_test.h"
+#include "title_recorder.h"
+
+const DWORD kDelayX = 5, kDelayY = 5, kDelayZ = 40;
+// GetTickCount moves in steps of up to about 16 ms.
+const DWORD kTickSlack = 17;
+
+inline FeedbackMessage Message(DWORD kind, DWORD index, const char *text)
+{
+    return FeedbackMessage{kind, index, const_cast<char *>(text)};
+}
+
+class FeedbackDisplay : public ErrorStateTest {
+protected:
+    void SetUp() override
+    {
+        ErrorStateTest::SetUp();
+        Feedback_SetX(kDelayX);
+        Feedback_SetY(kDelayY);
+        Feedback_SetZ(kDelayZ);
+        Start("Diary");
+    }
+    void TearDown() override
+    {
+        Stop();
+        ErrorStateTest::TearDown();
+    }
+    // Starts the worker; with a caption, waits for its first plain title.
+    void Start(const char *caption)
+    {
+        if (caption)
+            ASSERT_TRUE(Feedback_SetCaption(caption));
+        recorder_.Clear();
+        thread_ = CreateThread(nullptr, 0, Feedback_Thread, recorder_.Window(), 0, nullptr);
+        ASSERT_NE(thread_, nullptr);
+        if (caption)
+            ASSERT_TRUE(recorder_.PumpUntil([&] { return recorder_.Saw(caption); }, 10000));
+        else
+            recorder_.Pump(100);
+        recorder_.Clear();
+    }
+    void Stop()
+    {
+        if (!thread_)
+            return;
+        Feedback_TerminateThread();
+        EXPECT_EQ(WaitForSingleObject(thread_, 10000), WAIT_OBJECT_0);
+        CloseHandle(thread_);
+        thread_ = nullptr;
+    }
+    // Pumps until the display is back at `title` and nothing more comes.
+    bool SettlesAt(const std::string &title)
+    {
+        return recorder_.PumpUntil(
+            [&] {
+                const auto &t = recorder_.Titles();
+                return !t.empty() && t.back().title == title && GetTickCount() - t.back().tick > 4 * kDelayZ;
+            },
+            10000);
+    }
+    TitleRecorder recorder_{"Diary"};
+    HANDLE thread_ = nullptr;
+};
