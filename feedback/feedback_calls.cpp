@@ -85,6 +85,13 @@ extern "C" BOOL WINAPI Feedback_CleanupAll(void)
 {
     if (!Ready())
         return 0;
+    // Both threads clean up; the worker may be on its way out. Under the
+    // life lock it cannot tear the queue and the locks down meanwhile.
+    FeedbackLifeLock();
+    if (!Ready()) {
+        FeedbackLifeUnlock();
+        return 0;
+    }
     FeedbackState &f = g_feedback;
     FeedbackLockState();
     FeedbackQueueEmpty();
@@ -97,17 +104,24 @@ extern "C" BOOL WINAPI Feedback_CleanupAll(void)
     if (f.terminate.load() == 1)
         f.ready.store(0);
     FeedbackUnlockState();
+    FeedbackLifeUnlock();
     return 0;
 }
 
 extern "C" BOOL WINAPI Feedback_TerminateThread(void)
 {
     FeedbackState &f = g_feedback;
-    if (!Ready())
+    // The worker may see the terminate flag at once; the life lock keeps its
+    // queue, locks and event alive until they are no longer used here.
+    FeedbackLifeLock();
+    if (!Ready()) {
+        FeedbackLifeUnlock();
         return 0;
+    }
     f.terminate.store(1);
     Feedback_CleanupAll();
     SetEvent(f.event);
+    FeedbackLifeUnlock();
     // The worker may be inside SetWindowTextA, waiting for this thread to
     // take the title: keep taking titles until it says it has stopped.
     HWND window = f.window.load();

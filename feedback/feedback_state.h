@@ -50,9 +50,11 @@ struct FeedbackState {
 
 extern FeedbackState g_feedback;
 
-// Guards the life of the state mutex and of the caption and file name, which
-// the caption and file-name setters use before the worker exists and while it
-// shuts down. Recursive for its owner; taken before the state mutex.
+// Guards the life of the queue, the locks, the event, the caption and the
+// file name while the worker shuts down: the setters of caption and file
+// name, Feedback_CleanupAll and the start of Feedback_TerminateThread hold it,
+// and the worker frees and closes under it. Recursive for its owner; taken
+// before the state mutex, and nothing is waited for while the worker holds it.
 void FeedbackLifeLock();
 void FeedbackLifeUnlock();
 

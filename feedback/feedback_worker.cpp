@@ -53,10 +53,10 @@ static void StopWorker()
     f.queue.mutex = nullptr;
     if (HANDLE mutex = f.stateMutex.exchange(nullptr))
         CloseHandle(mutex);
-    FeedbackLifeUnlock();
     if (f.event)
         CloseHandle(f.event);
     f.event = nullptr;
+    FeedbackLifeUnlock();
     f.idle.store(1);
     f.threadHandle = nullptr;
     f.blink.store(0);
