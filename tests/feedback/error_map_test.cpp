@@ -228,10 +228,11 @@ TEST_F(ErrorMap, CodesWithRulesOfTheirOwn)
         ASSERT_EQ(PresentedBoxes().size(), 1u) << c.name;
         EXPECT_EQ(PresentedBoxes()[0].messageId, c.messageId) << c.name;
         EXPECT_EQ(PresentedBoxes()[0].flags, c.flags) << c.name;
-        if (c.code == RV_QuireAPI)
+        if (c.code == RV_QuireAPI) {
             EXPECT_EQ(PresentedBoxes()[0].args, (std::vector<std::string>{"backend", "77"}));
-        else
+        } else {
             EXPECT_EQ(PresentedBoxes()[0].args.back(), "C:\\run.exe") << c.name;
+        }
     }
     // RV_Failure is shown only when the defensive setting asks for it.
     ResetErrorRecorders();

@@ -31,15 +31,17 @@ protected:
     // Starts the worker; with a caption, waits for its first plain title.
     void Start(const char *caption)
     {
-        if (caption)
+        if (caption) {
             ASSERT_TRUE(Feedback_SetCaption(caption));
+        }
         recorder_.Clear();
         thread_ = CreateThread(nullptr, 0, Feedback_Thread, recorder_.Window(), 0, nullptr);
         ASSERT_NE(thread_, nullptr);
-        if (caption)
+        if (caption) {
             ASSERT_TRUE(recorder_.PumpUntil([&] { return recorder_.Saw(caption); }, 10000));
-        else
+        } else {
             recorder_.Pump(100);
+        }
         recorder_.Clear();
     }
     void Stop()

@@ -1,5 +1,6 @@
 // The title display, seen through the titles the main window is given.
 #include "feedback_fixture.h"
+#include "message_box_driver.h"
 
 namespace {
 
@@ -24,8 +25,9 @@ TEST_F(FeedbackDisplay, BlinksBetweenTheBusyTextAndThePlainTitleOnePerZ)
     const auto &titles = recorder_.Titles();
     for (size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(titles[i].title, i % 2 ? "Diary - [notes.kel]" : kBusy) << i;
-        if (i)
+        if (i) {
             EXPECT_GE(titles[i].tick - titles[i - 1].tick + kTickSlack, kDelayZ) << i;
+        }
     }
     EXPECT_TRUE(SettlesAt("Diary - [notes.kel]"));
     ASSERT_TRUE(Feedback_SetFilename(nullptr));
@@ -170,4 +172,24 @@ TEST_F(FeedbackDisplay, AnOversizeCaptionAndTextAreCutToTheTitle)
     EXPECT_EQ(recorder_.Titles().back().title, "Diary - " + text.substr(0, 291 - 8));
     OSErrorClearError();
     EXPECT_TRUE(SettlesAt("Diary"));
+}
+
+TEST_F(FeedbackDisplay, AnErrorBoxEndsTheRunAndALaterEndReturnsZero)
+{
+    FeedbackMessage message = Message(2, 0, "queued");
+    ASSERT_TRUE(Feedback_SetZ(2000));
+    ASSERT_TRUE(Feedback_Begin(nullptr));
+    ASSERT_TRUE(Feedback_PostMsg(&message));
+    {
+        MessageBoxDriver boxes;
+        char text[256] = {};
+        LoadStringA(ResourceGetHandle(), 11005, text, sizeof text);
+        boxes.Expect(text, MB_OK | MB_ICONASTERISK, IDOK);
+        OSErrorSetErrorInfo(RV_UserError);
+        EXPECT_EQ(UIHandleError(recorder_.Window()), IDOK);
+    }
+    EXPECT_FALSE(Feedback_End());
+    EXPECT_FALSE(Feedback_PostMsg(&message));
+    EXPECT_TRUE(SettlesAt("Diary"));
+    EXPECT_FALSE(recorder_.Saw("Diary - queued"));
 }
