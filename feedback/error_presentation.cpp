@@ -3,7 +3,6 @@
 // to a message of the resource library with its icon and arguments.
 #include <cstring>
 #include "error_map_table.h"
-#include "../core/error_state.h"
 #include "../core/module_globals.h"
 
 typedef LONG (WINAPI *VirtualFileToPathCallback)(LONG_PTR, VIRTUALFILE *, char *);

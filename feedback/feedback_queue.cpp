@@ -1,5 +1,6 @@
 // The feedback display's state, its locks, its message queue and its titles.
 #include "feedback_state.h"
+#include "../core/text_formatter.h"
 
 FeedbackState g_feedback;
 
@@ -126,6 +127,18 @@ bool FeedbackMessageIsValid(const FeedbackMessage *message)
     return true;
 }
 
+// Formats `format` with one argument into `out`, cut to a title. Both threads
+// format, so this works in a buffer of its own, not the formatters' shared one.
+static void FormatPiece(char *out, const char *format, ...)
+{
+    char work[kFormatBufferSize];
+    va_list args;
+    va_start(args, format);
+    FormatText(work, format, args);
+    va_end(args);
+    lstrcpynA(out, work, FEEDBACK_TITLE_SIZE);
+}
+
 bool FeedbackBuildText(const FeedbackMessage *message, char *out)
 {
     out[0] = 0;
@@ -142,7 +155,7 @@ bool FeedbackBuildText(const FeedbackMessage *message, char *out)
     if (message->Kind == 1)
         lstrcpynA(out, format, FEEDBACK_TITLE_SIZE);
     else
-        OScsprintf(out, FEEDBACK_TITLE_SIZE - 1, format, message->Text);
+        FormatPiece(out, format, message->Text);
     return true;
 }
 
