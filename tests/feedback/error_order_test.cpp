@@ -7,6 +7,13 @@
 namespace {
 
 std::function<void()> g_underBox;
+int g_secondCalls;
+
+LONG WINAPI SecondCallback(HWND, ErrorContext *)
+{
+    ++g_secondCalls;
+    return 0;
+}
 
 // A presenter that runs the test's action as if a box were up.
 int __cdecl ActingPresenter(HWND, HMODULE, const char *, UINT, UINT, ...)
@@ -90,14 +97,13 @@ TEST_F(ErrorOrder, ANestedCallFromTheCallbackReturnsCancelAndLeavesTheErrorAlone
 
 TEST_F(ErrorOrder, TheFirstCallbackAloneRunsAndCanSuppressTheBox)
 {
-    static int secondCalls = 0;
-    EXPECT_TRUE(UIErrorRegisterCallback(0, [](HWND, ErrorContext *) -> LONG { return ++secondCalls, 0; }));
+    EXPECT_TRUE(UIErrorRegisterCallback(0, SecondCallback));
     EXPECT_TRUE(UIErrorUnRegisterCallback(0));
     SetCallbackAction([](HWND, ErrorContext *) -> LONG { return 1; });
     MakePendingError(RV_UserError);
     EXPECT_EQ(UIHandleErrorFunc(nullptr, 0, RecordingPresenter), IDCANCEL);
     EXPECT_EQ(CallbackCalls().size(), 1u);
-    EXPECT_EQ(secondCalls, 0);
+    EXPECT_EQ(g_secondCalls, 0);
     EXPECT_TRUE(PresentedBoxes().empty());
     EXPECT_FALSE(OSErrorIsErrorPending());
     // The callback sees the presenter it could exchange.
@@ -165,4 +171,29 @@ TEST(ErrorCallbacks, ANullCallbackIsRefused)
     EXPECT_FALSE(UIErrorRegisterCallback(0, nullptr));
     EXPECT_EQ(OSErrorGetErrorValue(), RV_BadParms);
     OSErrorClearError();
+}
+
+TEST_F(ErrorOrder, Code94LetsTheMouseGoAndHandsTheFocusOn)
+{
+    HWND top = CreateWindowA("STATIC", "Top", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr,
+                             nullptr, nullptr, nullptr);
+    HWND from = CreateWindowA("EDIT", "", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, top, nullptr, nullptr, nullptr);
+    HWND to = CreateWindowA("EDIT", "", WS_CHILD | WS_VISIBLE, 0, 30, 50, 20, top, nullptr, nullptr, nullptr);
+    SetFocus(from);
+    BYTE keys[256];
+    GetKeyboardState(keys);
+    keys[VK_LBUTTON] = 0x80;
+    SetKeyboardState(keys);
+    ErrorContext *ctx = MakePendingError(94);
+    ctx->itemValue = 11005;
+    ctx->detail2 = static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(to));
+    EXPECT_EQ(UIHandleErrorFunc(top, 0, RecordingPresenter), IDCANCEL);
+    EXPECT_TRUE(PresentedBoxes().empty());
+    EXPECT_EQ(GetFocus(), to);
+    GetKeyboardState(keys);
+    EXPECT_EQ(keys[VK_LBUTTON] & 0x80, 0);
+    MSG msg;
+    ASSERT_TRUE(PeekMessageA(&msg, from, WM_LBUTTONUP, WM_LBUTTONUP, PM_REMOVE));
+    EXPECT_EQ(msg.lParam, -1);
+    DestroyWindow(top);
 }
