@@ -193,3 +193,27 @@ TEST_F(FeedbackDisplay, AnErrorBoxEndsTheRunAndALaterEndReturnsZero)
     EXPECT_TRUE(SettlesAt("Diary"));
     EXPECT_FALSE(recorder_.Saw("Diary - queued"));
 }
+
+// A sent message holds the display for as long as it has already been shown
+// when the worker next looks: sent just as a step of Z began, the next step
+// comes after about two Z, not one (no hold) and not three (the rest of a
+// 3000 ms hold).
+TEST_F(FeedbackDisplay, TheHoldLastsAsLongAsTheSentMessageHasBeenShown)
+{
+    const DWORD z = 1000;
+    FeedbackMessage sent = Message(2, 0, "Sent");
+    ASSERT_TRUE(Feedback_SetZ(z));
+    ASSERT_TRUE(Feedback_Begin(nullptr));
+    ASSERT_TRUE(recorder_.PumpUntil([&] { return recorder_.Saw(kBusy); }, 10000));
+    DWORD sentAt = GetTickCount();
+    Feedback_SendMsg(&sent);
+    ASSERT_TRUE(recorder_.PumpUntil([&] { return recorder_.Titles().back().title != "Diary - Sent"; }, 10000));
+    DWORD next = recorder_.Titles().back().tick - sentAt;
+    EXPECT_TRUE(Feedback_End());
+    EXPECT_GE(next + 2 * kTickSlack, 2 * z - 100);
+    // The emulated 32-bit lane runs slow; the upper bound holds natively.
+    if (sizeof(void *) == 8) {
+        EXPECT_LT(next, 3 * z - 300);
+    }
+    EXPECT_TRUE(SettlesAt("Diary"));
+}
