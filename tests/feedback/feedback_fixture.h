@@ -54,14 +54,21 @@ protected:
         thread_ = nullptr;
     }
     // Pumps until the display is back at `title` and nothing more comes.
-    bool SettlesAt(const std::string &title)
+    ::testing::AssertionResult SettlesAt(const std::string &title)
     {
-        return recorder_.PumpUntil(
+        bool settled = recorder_.PumpUntil(
             [&] {
                 const auto &t = recorder_.Titles();
                 return !t.empty() && t.back().title == title && GetTickCount() - t.back().tick > 4 * kDelayZ;
             },
             10000);
+        if (settled)
+            return ::testing::AssertionSuccess();
+        ::testing::AssertionResult failure = ::testing::AssertionFailure();
+        failure << "titles:";
+        for (const TitleEvent &event : recorder_.Titles())
+            failure << " [" << event.tick << " " << event.title << "]";
+        return failure;
     }
     TitleRecorder recorder_{"Diary"};
     HANDLE thread_ = nullptr;

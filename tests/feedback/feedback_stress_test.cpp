@@ -113,7 +113,7 @@ void StopWorker(HANDLE thread, TitleRecorder &recorder)
 TEST_F(FeedbackStress, RandomCallsKeepLegalTitlesAndGiveBackEveryHandleAndBlock)
 {
     // The 32-bit lane runs emulated, many times slower.
-    const int calls = sizeof(void *) == 4 ? 10000 : 50000;
+    const int calls = sizeof(void *) == 4 ? 5000 : 50000;
     const std::set<std::string> legal = LegalTitles();
     TitleRecorder recorder("Diary");
     HWND window = recorder.Window();
