@@ -130,6 +130,17 @@ int main()
         }
     });
     Report("OSAdjustDateTimeByDays vs FileTime round trip", ours, theirs, count);
+    // The farthest moves, some 5.8 million years either way, against the same
+    // platform round trip by 1000 days (the platform has no such range).
+    const double nearPeer = theirs;
+    ours = Time([&] {
+        for (unsigned i = 0; i < count; ++i) {
+            DateTimeValue v = values[i];
+            OSAdjustDateTime(&v, 0, 0, i % 2 ? 2147483647 : -2147483647 - 1, 0, 0, 0, 0);
+            g_sink += v.day;
+        }
+    });
+    Report("OSAdjustDateTime by +-2^31 days vs FileTime 1000", ours, nearPeer, count);
     ours = Time([&] {
         for (unsigned i = 0; i < count; ++i)
             g_sink += OSDaysSince01011800(values[i].year, values[i].month, values[i].day);

@@ -30,35 +30,98 @@ static long long WrapField(long long value, long long unit, void (*carry)(DateTi
     return value % unit;
 }
 
-static void AdjustYears(DateTimeValue *v, long long delta)
+static void StepYears(DateTimeValue *v, long long delta)
 {
     v->year = static_cast<WORD>(v->year + delta);
+}
+
+// The year carried from the month field: a recursive adjustment, with its
+// own clamp of the day.
+static void AdjustYears(DateTimeValue *v, long long delta)
+{
+    StepYears(v, delta);
     ClampDay(v);
 }
 
-static void AdjustMonths(DateTimeValue *v, long long delta)
+// The month field without the clamp; a caller that moves the years as well
+// clamps once, after both.
+static void StepMonths(DateTimeValue *v, long long delta)
 {
     if (delta) {
         long long m = v->month + delta - 1;
         v->month = static_cast<BYTE>(WrapField(m, 12, AdjustYears, v) + 1);
     }
+}
+
+static void AdjustMonths(DateTimeValue *v, long long delta)
+{
+    StepMonths(v, delta);
     ClampDay(v);
+}
+
+// The walk by months below comes back to the same month after 400 years
+// (146097 days) while the 16-bit year does not wrap on the way, and after
+// 65536 years from anywhere, the wrap included (each year value passed once;
+// year 0 is in all three leap terms and cancels).
+const long long kDaysIn400Years = 146097;
+const long long kDaysIn65536Years = 65536LL * 365 + 65536 / 4 - 65536 / 100 + 65536 / 400;
+const long long kLongestMonth = 31;
+
+// Forwards: whole 400-year cycles that the walk would pass month by month,
+// as long as more than a month's days remain after them.
+static void StepCyclesForward(DateTimeValue *v, long long *d)
+{
+    long long cycles = (*d - kLongestMonth - 1) / kDaysIn400Years;
+    const long long room = (0xFFFF - v->year) / 400;
+    if (cycles > room)
+        cycles = room;
+    if (cycles > 0) {
+        *d -= cycles * kDaysIn400Years;
+        StepYears(v, 400 * cycles);
+    }
+}
+
+// Backwards: whole cycles after which the count is still below 1.
+static void StepCyclesBack(DateTimeValue *v, long long *d)
+{
+    long long cycles = -*d / kDaysIn400Years;
+    const long long room = v->year / 400;
+    if (cycles > room)
+        cycles = room;
+    if (cycles > 0) {
+        *d += cycles * kDaysIn400Years;
+        StepYears(v, -400 * cycles);
+    }
 }
 
 void AdjustDaysUnchecked(DateTimeValue *v, long long delta)
 {
     if (delta) {
         long long d = v->day + delta;
+        // Whole wraps of the year field bring the walk back where it started.
+        if (d > kDaysIn65536Years + kLongestMonth)
+            d -= (d - kLongestMonth - 1) / kDaysIn65536Years * kDaysIn65536Years;
+        else if (d < -kDaysIn65536Years)
+            d += -d / kDaysIn65536Years * kDaysIn65536Years;
         while (d < 1) {
+            StepCyclesBack(v, &d);
+            if (d >= 1)
+                break;
             AdjustMonths(v, -1);
             d += DaysInMonth(v->year, v->month);
         }
-        // Whole years from January on step over twelve months at once.
-        while (v->month == 1 && d > (IsLeapYear(v->year) ? 366 : 365) + 31) {
-            d -= IsLeapYear(v->year) ? 366 : 365;
-            v->year = static_cast<WORD>(v->year + 1);
-        }
-        for (unsigned last; d > (last = DaysInMonth(v->year, v->month));) {
+        for (;;) {
+            StepCyclesForward(v, &d);
+            // Whole years from January on step over twelve months at once.
+            const long long year = IsLeapYear(v->year) ? 366 : 365;
+            if (v->month == 1 && d > year + kLongestMonth) {
+                d -= year;
+                StepYears(v, 1);
+                continue;
+            }
+            const unsigned last = DaysInMonth(v->year, v->month);
+            if (d <= last)
+                break;
             d -= last;
             AdjustMonths(v, 1);
         }
@@ -97,8 +160,11 @@ extern "C" BOOL WINAPI OSAdjustDateTime(DateTimeValue *value, LONG years, LONG m
     AdjustMinutes(value, minutes);
     AdjustHours(value, static_cast<long long>(hours) + extraHours);
     AdjustDaysUnchecked(value, days);
-    AdjustMonths(value, months);
-    AdjustYears(value, years);
+    // Months and years move together: 31 January plus a month and three
+    // years is 29 February three years on. The day is clamped once, at the end.
+    StepMonths(value, months);
+    StepYears(value, years);
+    ClampDay(value);
     return 1;
 }
 

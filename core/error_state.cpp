@@ -195,6 +195,8 @@ extern "C" void __cdecl OSErrorSetErrorInfo(ResultCode code, ...)
             ResultCode before = ctx.errorCode;
             if (formatter && format)
                 formatter(ctx.detailText, 1024, format, args);
+            else
+                ZeroMemory(ctx.detailText, sizeof ctx.detailText);  // no older text shows through
             if (ctx.errorCode != before)
                 terminate = ModeTerminates(ctx.errorCode);
             break;

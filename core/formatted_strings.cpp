@@ -26,6 +26,26 @@ bool IsFlagOrDigit(char c)
     return c == '%' || c == '-' || c == '#' || c == '.' || (c >= '0' && c <= '9');
 }
 
+// Directives in a text, "%%" not counted: how many argument words it reads
+// at the least.
+int CountDirectives(const char *text)
+{
+    int count = 0;
+    for (const char *p = text; *p; ++p) {
+        if (*p != '%')
+            continue;
+        if (p[1] == '%') {
+            ++p;
+            continue;
+        }
+        while (IsFlagOrDigit(p[1]))
+            ++p;
+        if (p[1])
+            ++count;
+    }
+    return count;
+}
+
 int Reorder(const char *caller, char *dest, LONG limit, const char *format, va_list args, const ReorderRoom &room)
 {
     if (!dest || !format || limit < 0) {
@@ -45,6 +65,8 @@ int Reorder(const char *caller, char *dest, LONG limit, const char *format, va_l
     int slot = 0;
     int directives = 0;
     int highest = 0;
+    int namedHighest = 0;   // the highest position a directive took
+    int strayPosition = -1; // noted in the next free slot by a prefix no directive took
     for (char *p = copy; *p;) {
         if (p[0] != '@' || p[1] < '1' || p[1] > '9') {
             ++p;
@@ -60,6 +82,7 @@ int Reorder(const char *caller, char *dest, LONG limit, const char *format, va_l
         order[slot] = position;
         if (position + 1 > highest)
             highest = position + 1;
+        strayPosition = position;
         if (p[2] != '%') {
             p += 2;  // "@5x" stays in the text as it is
             continue;
@@ -69,6 +92,9 @@ int Reorder(const char *caller, char *dest, LONG limit, const char *format, va_l
             ++p;
         if (*p) {
             named[position] = true;
+            if (position + 1 > namedHighest)
+                namedHighest = position + 1;
+            strayPosition = -1;
             ++directives;
             ++slot;
         }
@@ -80,8 +106,7 @@ int Reorder(const char *caller, char *dest, LONG limit, const char *format, va_l
     LONG_PTR block[2 * kMaxOrderSlots] = {};
     va_list reordered = args;
     if (count) {
-        // Only the slots that a directive took are filled: a prefix that no
-        // directive followed names an argument nothing reads.
+        // The slots that a directive took, in the text's order.
         const LONG_PTR *source = reinterpret_cast<const LONG_PTR *>(args);
         for (int s = 0; s < directives; ++s) {
             if (!room.sizesPreset) {
@@ -97,6 +122,14 @@ int Reorder(const char *caller, char *dest, LONG limit, const char *format, va_l
             }
             block[s] = source[order[s]];
         }
+        // The slot a stray prefix noted goes to the plain directives after the
+        // named ones. It passes on the argument the prefix names where a
+        // directive named that position or a later one, so the caller passed
+        // it; else the next argument after the named ones, as a plain
+        // directive reads it ("x@1y %d", "mail a@3com.com re %s").
+        if (room.countsHighest && strayPosition >= 0 && count > directives &&
+            CountDirectives(copy) > directives)
+            block[directives] = source[strayPosition < namedHighest ? strayPosition : directives];
         reordered = reinterpret_cast<va_list>(block);
     }
     int written = OScvsprintf(dest, limit, copy, reordered);

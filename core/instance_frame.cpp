@@ -23,6 +23,8 @@ static BOOL AttachStartUp(HMODULE module)
     g_module.helpMessageId = RegisterWindowMessageA("WM_KEL_HELP");
     if (!(g_module.settingsName = LoadStringCopy(g_module.hResourceLibrary, 9)))
         return FALSE;
+    if (!OSWaitInit())
+        return FALSE;
     if (!DateTimeStartUp(module))
         return FALSE;
     SeedRnd();

@@ -45,20 +45,20 @@ void PutDigit(RomanWriter &w, DWORD digit, int row)
 }  // namespace
 
 // The limit counts steps, not letters: a step starts while fewer than
-// `size` letters are out, and one step writes up to four. A caller's buffer
-// is never written past `size` bytes: a numeral that does not fit is cut,
-// terminated, and RV_BufferTooSmall is recorded.
+// `size` letters are out, and one step writes up to four, so the numeral
+// runs up to three bytes past `size`, which a caller allows for. Within those
+// `size` + 3 bytes the numeral and its terminator always end; where the last
+// step would need a fourth byte past `size`, the numeral is cut there and
+// RV_BufferTooSmall is recorded.
 extern "C" char *WINAPI DToRoman(DWORD number, LONG upper, char *buffer, DWORD size)
 {
+    const DWORD kPastSize = 3;
     DWORD limit = size;
-    DWORD room = size ? size - 1 : 0;
+    DWORD room = size + kPastSize - 1;
     if (!buffer) {
         buffer = g_romanBuffer;
         limit = kOwnLimit;
         room = sizeof g_romanBuffer - 1;
-    } else if (size == 0) {
-        OSErrorSetErrorInfo(RV_BufferTooSmall);
-        return buffer;
     }
     RomanWriter w = {buffer, room, 0};
     int row = 0;

@@ -162,12 +162,26 @@ typedef int (WINAPI *ErrorTextFormatter)(char *out, int limit, const char *forma
 #define VIRTUALFILE_MARKER 255
 
 #ifdef __cplusplus
+/* The library exports Clear under the name the platform's own C++ compiler
+ * gives the member: "?Clear@VIRTUALFILE@@QAEXXZ" (i686, thiscall) and
+ * "?Clear@VIRTUALFILE@@QEAAXXZ" (x86_64), ordinal 1005. A g++ host refers to
+ * that name through an assembler label, and calls it as any member. */
+#if defined(__GNUC__) && !defined(QZISO32_BUILDING)
+#if defined(_WIN64)
+#define QZ_VIRTUALFILE_CLEAR_NAME __asm__("\"?Clear@VIRTUALFILE@@QEAAXXZ\"")
+#else
+#define QZ_VIRTUALFILE_CLEAR_NAME __asm__("\"?Clear@VIRTUALFILE@@QAEXXZ\"")
+#endif
+#define QZ_VIRTUALFILE_CLEAR void Clear() QZ_VIRTUALFILE_CLEAR_NAME
+#else
+#define QZ_VIRTUALFILE_CLEAR QZAPI void Clear()
+#endif
 struct VIRTUALFILE {
     unsigned char marker;   /* 255 */
     void *data;             /* locked global block, or null */
     DWORD size;             /* bytes in data */
     /* Unlocks and frees the data block, if any, and zeroes pointer and size. */
-    QZAPI void Clear();
+    QZ_VIRTUALFILE_CLEAR;
 };
 #else
 typedef struct VIRTUALFILE {
@@ -245,6 +259,12 @@ typedef struct DateTimeIntlSettings {
 /* ------------------------------------------------------------------ */
 QZAPI BOOL WINAPI IsolateInstanceStart(DWORD reserved1, DWORD reserved2);
 QZAPI BOOL WINAPI IsolateInstanceStop(DWORD reserved);
+
+/* Registration record: "kel.ri" beside the library, stored enciphered and not
+ * deciphered here. True when the record is there and opens; false with
+ * RV_NoFile (absent) or RV_ReadFailure (unreadable) recorded. The buffer, when
+ * given with a positive size, always receives an empty text. */
+QZAPI BOOL WINAPI OSGetRegInfo(char *buffer, int bufferSize);
 QZAPI BOOL WINAPI NetDLLGetVersion(char *out);
 QZAPI OSVERSIONINFOA *WINAPI OSGetVersionInfo(void);
 
@@ -469,6 +489,61 @@ QZAPI LONG WINAPI OSGetNegNumber(void);
 QZAPI BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG size);
 
 /* ------------------------------------------------------------------ */
+/* Busy cursor, timers, key buffer and message boxes                   */
+/* ------------------------------------------------------------------ */
+/* Loads the eight frames of the turning cursor; 0 if one is missing. */
+QZAPI BOOL WINAPI OSWaitInit(void);
+/* Starts (or nests) a wait: the turning cursor shows. Returns the nesting. */
+QZAPI DWORD WINAPI OSWait(void);
+/* Keeps the cursor turning; with checkEscape, asks the user after an Escape
+ * press. 1 when the user chose to stop the work, else 0. */
+QZAPI BOOL WINAPI OSReWait(BOOL checkEscape);
+QZAPI DWORD WINAPI OSUnWait(void);
+/* One-way switches: after them waits and boxes do nothing. */
+QZAPI void WINAPI OSWaitDisable(void);
+QZAPI void WINAPI OSMessageDisable(void);
+/* Removes every keyboard message waiting in the thread's queue; returns 0. */
+QZAPI BOOL WINAPI OSKeyFlushBuffer(void);
+QZAPI UINT_PTR WINAPI OSSetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
+QZAPI BOOL WINAPI OSKillTimer(HWND window, UINT_PTR id);
+QZAPI BOOL WINAPI OSTimerTestReincarnate(DWORD reserved1, DWORD reserved2);
+/* Shows string `stringId` of `module`, filled in by OSrvsprintf with the
+ * arguments, in a box of `style`. Returns the button pressed, 0 if the
+ * string is missing or boxes are disabled, 2 when no box could be shown. */
+QZAPI int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
+                            UINT style, ...);
+/* What the Help button of OSMessageWithHelp opens: string `stringId` of
+ * `module` names the help window; `admin` chooses the administrator's file. */
+typedef struct MessageHelpRecord {
+    HMODULE module;
+    DWORD stringId;
+    DWORD admin;
+    DWORD topic;
+} MessageHelpRecord;
+/* As OSMessage; with a help record the box has a Help button. */
+QZAPI int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, HMODULE module,
+                                    const char *caption, UINT stringId, UINT style, ...);
+
+/* ------------------------------------------------------------------ */
+/* Help                                                                */
+/* ------------------------------------------------------------------ */
+/* Sent as WM_KEL_HELP (the registered message) with lParam pointing here;
+ * the answer is the help context, 0 for none. */
+typedef struct HelpRequest {
+    HMODULE Instance;   /* module holding the help window's name */
+    DWORD StringId;     /* that name's string, or 0 */
+    DWORD Admin;        /* non-zero: the administrator's help file */
+    DWORD Reserved;
+} HelpRequest;
+/* Opens the language's help file (or the administrator's) through WinHelpA,
+ * after telling "tvhlpn31.dll" which file belongs to the application. Data
+ * -1 and -2 only register and return 1. */
+QZAPI BOOL WINAPI ResourceHelp(HWND window, UINT command, DWORD data, const char *windowName);
+QZAPI BOOL WINAPI ResourceAdminHelp(HWND window, UINT command, DWORD data, const char *windowName);
+/* Asks the window and its parents for a help context and opens it. */
+QZAPI BOOL WINAPI OSHelp(HWND window);
+
+/* ------------------------------------------------------------------ */
 /* Error presentation: a pending error shown as a message box.         */
 /* Each returns the box's answer: IDOK, IDCANCEL, IDRETRY, IDYES or     */
 /* IDNO; 2 (IDCANCEL) when nothing is shown.                            */
@@ -487,10 +562,6 @@ QZAPI int WINAPI UIHandleErrorRetry(HWND window);
 QZAPI BOOL WINAPI UIErrorRegisterCallback(DWORD ignored, UIErrorCallback callback);
 /* Does nothing and returns 1. */
 QZAPI BOOL WINAPI UIErrorUnRegisterCallback(DWORD ignored);
-
-/* Message boxes with a text from `module` (string `stringId`), filled in. */
-QZAPI int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
-                            UINT style, ...);
 
 /* ------------------------------------------------------------------ */
 /* Feedback: a worker thread that shows progress in the main window's  */

@@ -1,11 +1,12 @@
 #!/bin/bash
 # Checks a built DLL's export table against the .def: the same names at the
-# same ordinals, and nothing else.
+# same ordinals, and nothing else. DEF is the table as the build's linker saw
+# it (preprocessed for the architecture); "Name=internal" exports Name.
 #   check-exports.sh DEF DLL [OBJDUMP]
 set -euo pipefail
 def=$1 dll=$2 objdump=${3:-objdump}
 
-expected=$(sed -n 's/^[[:space:]]*\([^;[:space:]][^[:space:]]*\)[[:space:]]*@\([0-9][0-9]*\).*/\2 \1/p' "$def" | sort -n)
+expected=$(sed -n 's/^[[:space:]]*\([^;[:space:]=][^[:space:]=]*\)\(=[^[:space:]]*\)\{0,1\}[[:space:]]*@\([0-9][0-9]*\).*/\3 \1/p' "$def" | sort -n)
 # objdump lists the name table as "[index] name", the index counted from the
 # table's ordinal base.
 actual=$("$objdump" -p "$dll" | awk '

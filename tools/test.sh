@@ -1,11 +1,15 @@
 #!/bin/bash
-# The test command: builds both architectures, runs the x86_64 suite under
+# The test command: installs what both lanes need (tools/setup.sh and
+# tools/setup-i686-lane.sh, which touch nothing when all is there), builds
+# both architectures, runs the x86_64 suite under
 # 64-bit Wine on this machine, then the i686 suite under 32-bit Wine in one
 # boot of an emulated machine. Both lanes always run; the status is the first
 # failing lane's (the x86_64 lane's ctest status, else the i686 lane's: its
 # ctest status, 124 on timeout, 125 when the emulated machine fails).
 set -uo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
+"$root/tools/setup.sh" || exit
+"$root/tools/setup-i686-lane.sh" || exit
 "$root/tools/build.sh" || exit
 echo "== x86_64 lane (64-bit Wine)"
 ctest --test-dir "$root/build/x86_64" --output-on-failure -j"$(nproc)"

@@ -1,4 +1,6 @@
 // The date and time conventions: reading, formats by flags, and writing back.
+#include <cstring>
+#include <string>
 #include "intl_conventions.h"
 
 namespace {
@@ -27,6 +29,29 @@ TEST_F(DateTimeSettings, EmptyMarkersFallBackAndYearDigitsAreCounted)
     }
 }
 
+TEST_F(DateTimeSettings, DefaultFormatsWhenTheSystemHasNone)
+{
+    // Short and long date formats by field order come from the resource
+    // library; the time format by the clock.
+    const struct { const char *iDate; UINT shortId; } orders[] = {
+        {"0", 50452}, {"1", 50450}, {"2", 50454}, {"3", 50454}};
+    for (const auto &order : orders) {
+        for (const char *iTime : {"0", "1"}) {
+            IntlConventions conventions({{"iDate", order.iDate}, {"iTime", iTime}, {"sShortDate", nullptr},
+                                         {"sLongDate", nullptr}, {"sTimeFormat", nullptr}});
+            char expected[64] = {}, format[64] = {};
+            LoadStringA(ResourceGetHandle(), order.shortId, expected, sizeof expected);
+            OSDateTimeGetDateFormat(format, 2, sizeof format);
+            EXPECT_STREQ(expected, format) << "iDate " << order.iDate;
+            LoadStringA(ResourceGetHandle(), order.shortId + 1, expected, sizeof expected);
+            OSDateTimeGetDateFormat(format, 0, sizeof format);
+            EXPECT_STREQ(expected, format) << "iDate " << order.iDate;
+            OSDateTimeGetTimeFormat(format, 16, sizeof format);
+            EXPECT_STREQ(*iTime == '1' ? "HH:mm:ss" : "h:mm:ss tt", format) << "iTime " << iTime;
+        }
+    }
+}
+
 TEST_F(DateTimeSettings, TimeFormatByFlags)
 {
     IntlConventions conventions({{"sTimeFormat", "h:mm:ss tt"}, {"sTime", ":"}});
@@ -46,27 +71,77 @@ TEST_F(DateTimeSettings, TimeFormatByFlags)
     EXPECT_STREQ("h:", small);
 }
 
-TEST_F(DateTimeSettings, SetWritesOnlyWhatChanged)
+const char kSystemKey[] = "Control Panel\\International";
+const char kProductKey[] = "Software\\Tarvo\\Kelendrix\\98.0\\International";
+
+// A value of the current user's store as text ("" when absent); numbers in
+// decimal.
+std::string StoredValue(const char *keyPath, const char *name, bool *exists)
 {
-    const char *key = "Software\\Tarvo\\Kelendrix\\98.0\\International";
+    *exists = false;
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, keyPath, 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return "";
+    char data[300] = {};
+    DWORD size = sizeof data - 1, type = 0;
+    if (RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE *>(data), &size) == ERROR_SUCCESS)
+        *exists = true;
+    RegCloseKey(key);
+    if (type == REG_DWORD)
+        return std::to_string(*reinterpret_cast<DWORD *>(data));
+    return data;
+}
+
+// What OSDateTimeSetIntlSettings writes back, field by field.
+const struct WrittenValue {
+    const char *keyPath, *name, *text;
+    void (*change)(DateTimeIntlSettings &);
+} kWrittenValues[] = {
+    {kSystemKey, "KeliTime", "7", [](DateTimeIntlSettings &s) { s.iTime = 7; }},
+    {kSystemKey, "KelsTime", "#", [](DateTimeIntlSettings &s) { strcpy(s.sTime, "#"); }},
+    {kSystemKey, "Kels1159", "morn", [](DateTimeIntlSettings &s) { strcpy(s.s1159, "morn"); }},
+    {kSystemKey, "Kels2359", "eve", [](DateTimeIntlSettings &s) { strcpy(s.s2359, "eve"); }},
+    {kSystemKey, "KeliDate", "5", [](DateTimeIntlSettings &s) { s.iDate = 5; }},
+    {kSystemKey, "KelsDate", "~", [](DateTimeIntlSettings &s) { strcpy(s.sDate, "~"); }},
+    {kProductKey, "KeliWeekStartsOn", "4", [](DateTimeIntlSettings &s) { s.weekStart = 4; }},
+    {kProductKey, "KelsCodePageTranslation", "1252",
+     [](DateTimeIntlSettings &s) { strcpy(s.codePageTranslation, "1252"); }},
+};
+
+void DeleteWrittenValues()
+{
+    for (const WrittenValue &value : kWrittenValues)
+        DeleteValue(value.keyPath, value.name);
+}
+
+TEST_F(DateTimeSettings, SetWritesEachChangedFieldUnderItsNameAndNothingElse)
+{
     DateTimeIntlSettings saved;
     OSDateTimeGetIntlSettings(&saved);
-    DeleteValue("Control Panel\\International", "KeliDate");
-    DateTimeIntlSettings changed = saved;
-    changed.iDate = saved.iDate == 1 ? 2 : 1;
-    changed.weekStart = 3;
-    EXPECT_TRUE(OSDateTimeSetIntlSettings(&changed));
-    EXPECT_EQ(3, OSDateTimeGetWeekStart());
-    EXPECT_EQ(3, OSGetProfileInt(key, "KeliWeekStartsOn", -1, "test", 0));
-    EXPECT_EQ(changed.iDate, OSGetProfileInt("Control Panel\\International", "KeliDate", -1, "test", 0));
-    // The week start alone changes nothing in the store.
-    EXPECT_EQ(5, OSDateTimeSetWeekStart(5));
-    EXPECT_EQ(3, OSGetProfileInt(key, "KeliWeekStartsOn", -1, "test", 0));
+    for (const WrittenValue &row : kWrittenValues) {
+        DeleteWrittenValues();
+        DateTimeIntlSettings changed = saved;
+        row.change(changed);
+        EXPECT_TRUE(OSDateTimeSetIntlSettings(&changed));
+        for (const WrittenValue &value : kWrittenValues) {
+            bool exists = false;
+            const std::string text = StoredValue(value.keyPath, value.name, &exists);
+            EXPECT_EQ(&value == &row, exists) << row.name << " changed, " << value.name << " stored";
+            if (&value == &row) {
+                EXPECT_EQ(row.text, text) << row.name;
+            }
+        }
+        EXPECT_TRUE(OSDateTimeSetIntlSettings(&saved));
+    }
+    // An unchanged record writes nothing.
+    DeleteWrittenValues();
     EXPECT_TRUE(OSDateTimeSetIntlSettings(&saved));
-    DeleteValue("Control Panel\\International", "KeliDate");
-    DeleteValue(key, "KeliWeekStartsOn");
+    for (const WrittenValue &value : kWrittenValues) {
+        bool exists = true;
+        StoredValue(value.keyPath, value.name, &exists);
+        EXPECT_FALSE(exists) << value.name;
+    }
     OSDateTimeGetWinIniSettings();
-    EXPECT_EQ(saved.weekStart, OSDateTimeGetWeekStart());
 }
 
 } // namespace

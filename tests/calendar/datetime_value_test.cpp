@@ -1,6 +1,8 @@
 // DateTimeValue arithmetic held against an independent proleptic Gregorian
 // computation, plus the rules for validity, compares and bad input.
+#include <algorithm>
 #include <cstdint>
+#include <vector>
 #include <random>
 #include "qz_test.h"
 
@@ -128,12 +130,96 @@ TEST_F(Calendar, AdjustingAtTheEdgesOfMonthsAndDays)
         {MakeDate(2000, 2, 29), 1, 0, 0, 0, 0, 0, 0, MakeDate(2001, 2, 28)},
         {MakeDate(2000, 5, 15, 10), 0, 0, 0, 2, 0, 0, 13, MakeDate(2000, 5, 16, 1)},
         {MakeDate(2000, 5, 15, 1), 0, 0, 0, -25, 0, 0, 0, MakeDate(2000, 5, 14, 0)},
+        // Months and years together clamp once, at the end; the carry from
+        // the months into the years clamps on its own.
+        {MakeDate(2001, 1, 31), 3, 1, 0, 0, 0, 0, 0, MakeDate(2004, 2, 29)},
+        {MakeDate(1896, 7, 30), -7, 31, 0, 0, 0, 0, 0, MakeDate(1892, 2, 29)},
+        {MakeDate(2003, 12, 31), 1, 14, 0, 0, 0, 0, 0, MakeDate(2006, 2, 28)},
     };
     for (const Row &row : rows) {
         DateTimeValue value = row.from;
         ASSERT_TRUE(OSAdjustDateTime(&value, row.years, row.months, row.days, row.hours,
                                      row.minutes, row.seconds, row.extra));
         EXPECT_EQ(row.expected, value) << "from " << ToText(row.from);
+    }
+}
+
+// The plain walk of the day arithmetic, month by month with a 16-bit year,
+// answering sorted offsets from one start in a single pass.
+class MonthWalk {
+public:
+    explicit MonthWalk(const DateTimeValue &start) : date_(start) {}
+    DateTimeValue At(long long delta)
+    {
+        long long d = date_.day + delta + passed_;
+        while (d > Last()) {  // forwards
+            d -= Last();
+            passed_ -= Last();
+            if (++month_ > 12)
+                month_ = 1, ++year_;
+        }
+        while (d < 1) {  // backwards
+            if (--month_ < 1)
+                month_ = 12, --year_;
+            d += Last();
+            passed_ += Last();
+        }
+        DateTimeValue result = date_;
+        result.year = year_, result.month = static_cast<BYTE>(month_), result.day = static_cast<BYTE>(d);
+        return result;
+    }
+
+private:
+    long long Last() const
+    {
+        static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+        const bool leap = (year_ % 4 == 0 && year_ % 100 != 0) || year_ % 400 == 0;
+        return kDays[month_ - 1] + (month_ == 2 && leap);
+    }
+    DateTimeValue date_;
+    WORD year_ = date_.year;
+    int month_ = date_.month;
+    long long passed_ = 0;  // days of the months walked over, signed
+};
+
+TEST_F(Calendar, MovingByAnyNumberOfDaysEqualsTheWalkByMonths)
+{
+    // The 32-bit lane runs emulated: a shorter reach, still over several
+    // wraps of the 16-bit year (65536 years are 23,936,532 days).
+    const long long reach = sizeof(void *) == 4 ? (1LL << 27) : 2147483647LL;
+    std::mt19937 random(1601);
+    std::uniform_int_distribution<long long> anyDelta(1, reach);
+    std::vector<long long> deltas = {1, 31, 146097 + 31, 146097 + 32, 23936532, reach};
+    if (reach == 2147483647LL)
+        deltas.push_back(2147483648LL);  // only backwards
+    for (int i = 0; i < 3000; ++i)
+        deltas.push_back(anyDelta(random));
+    std::sort(deltas.begin(), deltas.end());
+
+    for (const DateTimeValue &start :
+         {MakeDate(2001, 1, 31, 9, 30), MakeDate(1800, 3, 1), MakeDate(1850, 7, 15), MakeDate(2101, 12, 31)}) {
+        MonthWalk forward(start), back(start);
+        for (long long delta : deltas) {
+            DateTimeValue value = start;
+            if (delta <= 2147483647LL) {
+                ASSERT_TRUE(OSAdjustDateTime(&value, 0, 0, static_cast<LONG>(delta), 0, 0, 0, 0));
+                ASSERT_EQ(forward.At(delta), value) << "+" << delta << " from " << ToText(start);
+            }
+            value = start;
+            ASSERT_TRUE(OSAdjustDateTime(&value, 0, 0, static_cast<LONG>(-delta), 0, 0, 0, 0));
+            ASSERT_EQ(back.At(-delta), value) << "-" << delta << " from " << ToText(start);
+        }
+    }
+    // Moving by days far back walks from 1 January 1601 as well.
+    MonthWalk from1601(MakeDate(1601, 1, 1));
+    const DateTimeValue start = MakeDate(1900, 6, 15);
+    const long long toStart = 72683 + OSDaysSince01011800(1900, 6, 15);
+    for (auto it = deltas.begin(); it != deltas.end(); ++it) {
+        if (*it <= toStart)
+            continue;
+        DateTimeValue value = start;
+        ASSERT_TRUE(OSAdjustDateTimeByDays(&value, static_cast<LONG>(-*it)));
+        ASSERT_EQ(from1601.At(toStart - *it), value) << "-" << *it;
     }
 }
 

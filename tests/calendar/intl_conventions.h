@@ -1,5 +1,6 @@
-// Sets the system's international values for one test and puts the old
-// ones back afterwards, re-reading the conventions both times.
+// Sets the system's international values for one test (a null text removes
+// the value) and puts the old ones back afterwards, re-reading the
+// conventions both times.
 #pragma once
 #include <string>
 #include <utility>
@@ -21,8 +22,11 @@ public:
                 saved.text = text;
             }
             saved_.push_back(saved);
-            RegSetValueExA(key, value.first, 0, REG_SZ, reinterpret_cast<const BYTE *>(value.second),
-                           static_cast<DWORD>(strlen(value.second) + 1));
+            if (!value.second)  // null: the system has no such value
+                RegDeleteValueA(key, value.first);
+            else
+                RegSetValueExA(key, value.first, 0, REG_SZ, reinterpret_cast<const BYTE *>(value.second),
+                               static_cast<DWORD>(strlen(value.second) + 1));
         }
         RegCloseKey(key);
         OSDateTimeGetWinIniSettings();

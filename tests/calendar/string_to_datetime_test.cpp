@@ -4,35 +4,67 @@
 
 namespace {
 
-class StringToDateTime : public ErrorStateTest {
-protected:
-    void SetUp() override
-    {
-        ErrorStateTest::SetUp();
-        OSGetDateTime(&today);
-    }
-    DateTimeValue Date(const char *text, BOOL *ok = nullptr)
-    {
-        DateTimeValue v;
-        BOOL result = OSStringToDateTime(&v, text);
-        if (ok)
-            *ok = result;
-        return v;
-    }
-    DateTimeValue Time(const char *text)
-    {
-        DateTimeValue v;
-        OSStringToDateTimeTimeBias(&v, text);
-        return v;
-    }
-    DateTimeValue today;
-};
+// The present date at the time of a call; a parse that fills fields from the
+// present and straddles midnight may have taken either day, so a check asks
+// for the expected value on the day before the parse and on the day after.
+DateTimeValue Now()
+{
+    DateTimeValue now;
+    OSGetDateTime(&now);
+    return now;
+}
+
+DateTimeValue OnDay(const DateTimeValue &day, unsigned hour = 0, unsigned minute = 0, unsigned second = 0)
+{
+    return MakeDate(day.year, day.month, day.day, hour, minute, second);
+}
+
+template <class Parse, class Expected>
+void ExpectFromThePresent(const char *text, Parse parse, Expected expected)
+{
+    const DateTimeValue before = Now();
+    const DateTimeValue got = parse(text);
+    const DateTimeValue after = Now();
+    EXPECT_TRUE(got == expected(before) || got == expected(after))
+        << text << ": " << ToText(got) << ", expected " << ToText(expected(before));
+}
+
+DateTimeValue Date(const char *text, BOOL *ok = nullptr)
+{
+    DateTimeValue v;
+    BOOL result = OSStringToDateTime(&v, text);
+    if (ok)
+        *ok = result;
+    return v;
+}
+
+DateTimeValue Time(const char *text)
+{
+    DateTimeValue v;
+    OSStringToDateTimeTimeBias(&v, text);
+    return v;
+}
+
+// The text reads as the present moment, to the second.
+void ExpectPresentMoment(const char *text, DateTimeValue (*parse)(const char *))
+{
+    const DateTimeValue before = Now();
+    const DateTimeValue got = parse(text);
+    const DateTimeValue after = Now();
+    EXPECT_LE(0, OSDateTimeCompare(&got, &before)) << text << ": " << ToText(got);
+    EXPECT_GE(0, OSDateTimeCompare(&got, &after)) << text << ": " << ToText(got);
+}
+
+void ExpectDate(const char *text, DateTimeValue (*expected)(const DateTimeValue &))
+{
+    ExpectFromThePresent(text, [](const char *t) { return Date(t); }, expected);
+}
+
+class StringToDateTime : public ErrorStateTest {};
 
 TEST_F(StringToDateTime, ReadsNumbersByTheirLooksAndTheFieldOrder)
 {
     IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
-    EXPECT_EQ(MakeDate(1999, 3, 4), Date("3 4 99"));
-    EXPECT_EQ(MakeDate(today.year, 4, 13), Date("13/4"));
     EXPECT_EQ(MakeDate(2001, 3, 4), Date("march 4 2001"));
     EXPECT_EQ(MakeDate(2001, 3, 4), Date("4 MAR 2001"));
     EXPECT_EQ(MakeDate(2001, 9, 21), Date("Friday 21st Sept. 2001"));
@@ -40,9 +72,27 @@ TEST_F(StringToDateTime, ReadsNumbersByTheirLooksAndTheFieldOrder)
     Date("40/50/2003", &ok);
     EXPECT_FALSE(ok);
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
-    DateTimeValue now = Date("   ");
-    EXPECT_EQ(today.year, now.year);
-    EXPECT_EQ(today.day, now.day);
+    ExpectDate("13/4", [](const DateTimeValue &d) { return MakeDate(d.year, 4, 13); });
+    ExpectPresentMoment("   ", [](const char *t) { return Date(t); });
+}
+
+TEST_F(StringToDateTime, TwoDigitYearsFollowThePresentYear)
+{
+    IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
+    // A number above the present year minus 1950 is a year of the 1900s; one
+    // not above it and above 31 is a year of the 2000s; one of 31 or below,
+    // at the year's place in the short date format, is 2000 and that.
+    const unsigned year = Now().year;
+    const unsigned boundary = year - 1950;
+    char text[32];
+    if (boundary + 1 < 100) {
+        snprintf(text, sizeof text, "3 4 %u", boundary + 1);
+        EXPECT_EQ(MakeDate(1900 + boundary + 1, 3, 4), Date(text)) << text;
+    }
+    snprintf(text, sizeof text, "3 4 %u", boundary);
+    EXPECT_EQ(MakeDate(2000 + boundary, 3, 4), Date(text)) << text;
+    EXPECT_EQ(MakeDate(2005, 3, 4), Date("3/4/05"));
+    EXPECT_EQ(MakeDate(2031, 3, 4), Date("3/4/31"));
 }
 
 TEST_F(StringToDateTime, FollowsDayFirstAndYearFirst)
@@ -50,6 +100,10 @@ TEST_F(StringToDateTime, FollowsDayFirstAndYearFirst)
     {
         IntlConventions conventions(CONVENTIONS_DAY_FIRST_24H);
         EXPECT_EQ(MakeDate(2001, 4, 3), Date("3.4.2001"));
+        // A first number of exactly 12 beside one above 12 is the month.
+        EXPECT_EQ(MakeDate(2001, 12, 13), Date("12.13.2001"));
+        EXPECT_EQ(MakeDate(2001, 12, 13), Date("13.12.2001"));
+        EXPECT_EQ(MakeDate(2001, 12, 12), Date("12.12.2001"));
     }
     {
         IntlConventions conventions(CONVENTIONS_YEAR_FIRST);
@@ -60,15 +114,31 @@ TEST_F(StringToDateTime, FollowsDayFirstAndYearFirst)
 TEST_F(StringToDateTime, KnowsItsWords)
 {
     IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
-    EXPECT_EQ(MakeDate(today.year, today.month, today.day), Date("today"));
-    DateTimeValue expected = MakeDate(today.year, today.month, today.day);
-    OSAdjustDateTimeByDays(&expected, 1);
-    EXPECT_EQ(expected, Date("Tomorrow"));
-    OSAdjustDateTimeByDays(&expected, -2);
-    EXPECT_EQ(expected, Date("YESTERDAY"));
+    ExpectDate("today", [](const DateTimeValue &d) { return OnDay(d); });
+    ExpectDate("Tomorrow", [](const DateTimeValue &d) {
+        DateTimeValue v = OnDay(d);
+        OSAdjustDateTimeByDays(&v, 1);
+        return v;
+    });
+    ExpectDate("YESTERDAY", [](const DateTimeValue &d) {
+        DateTimeValue v = OnDay(d);
+        OSAdjustDateTimeByDays(&v, -1);
+        return v;
+    });
     DateTimeValue noon = Time("noon");
     EXPECT_EQ(12, noon.hour);
     EXPECT_EQ(0, noon.minute);
+    ExpectPresentMoment("now", Time);
+}
+
+// Reads each row's text as a time of the present day.
+void ExpectTimes(const std::vector<std::pair<std::string, unsigned>> &rows)
+{
+    for (const auto &row : rows) {
+        const unsigned hour = row.second;
+        ExpectFromThePresent(row.first.c_str(), Time,
+                             [hour](const DateTimeValue &d) { return OnDay(d, hour); });
+    }
 }
 
 TEST_F(StringToDateTime, ReadsClockTimesAndMarkers)
@@ -80,13 +150,29 @@ TEST_F(StringToDateTime, ReadsClockTimesAndMarkers)
     } rows[] = {{"5", 5, 0, 0},        {"5 PM", 17, 0, 0},    {"12 am", 0, 0, 0},
                 {"12:30 PM", 12, 30, 0}, {"3:04:05", 3, 4, 5}, {"pm 3:04", 15, 4, 0}};
     for (const auto &row : rows) {
-        DateTimeValue v = Time(row.text);
-        EXPECT_EQ(MakeDate(today.year, today.month, today.day, row.hour, row.minute, row.second), v)
-            << row.text;
+        const auto expected = [&row](const DateTimeValue &d) {
+            return OnDay(d, row.hour, row.minute, row.second);
+        };
+        ExpectFromThePresent(row.text, Time, expected);
     }
     // A token behind the afternoon text adds twelve hours once more.
     DateTimeValue v;
     EXPECT_FALSE(OSStringToDateTimeTimeBias(&v, "5 PM x"));
+    // A whole marker is needed with "tt"; one letter with a single "t".
+    ExpectTimes({{"5 P", 5}, {"12 A", 12}});
+    IntlConventions oneLetter({{"sTimeFormat", "h:mm:ss t"}});
+    ExpectTimes({{"5 P", 17}, {"5 PM", 17}, {"12 A", 0}, {"5 x", 5}});
+}
+
+TEST_F(StringToDateTime, TheTwentyFourHourClockTakesTheResourceMarkers)
+{
+    IntlConventions conventions({{"iTime", "1"}, {"sTimeFormat", "HH:mm:ss"}, {"s1159", "vorm"},
+                                 {"s2359", "nachm"}});
+    char morning[16] = {}, afternoon[16] = {};
+    ASSERT_GT(LoadStringA(ResourceGetHandle(), 40652, morning, sizeof morning), 0);
+    ASSERT_GT(LoadStringA(ResourceGetHandle(), 40653, afternoon, sizeof afternoon), 0);
+    ExpectTimes({{std::string("5 ") + afternoon, 17}, {std::string("12 ") + morning, 0},
+                 {"5 nachm", 5}, {"12 vorm", 12}});
 }
 
 TEST_F(StringToDateTime, CompleteAndImport)
@@ -122,16 +208,15 @@ void RoundTripEveryDay(DWORD flags)
 
 void RoundTripEveryMinute()
 {
-    DateTimeValue today;
-    OSGetDateTime(&today);
     for (int minute = 0; minute < 1440; ++minute) {
-        const DateTimeValue v = MakeDate(today.year, today.month, today.day, minute / 60, minute % 60, 0);
         for (DWORD flags : {32u, 16u}) {
+            const auto atMinute = [minute](const DateTimeValue &d) {
+                return OnDay(d, minute / 60, minute % 60);
+            };
+            const DateTimeValue v = atMinute(Now());
             char text[200];
             ASSERT_NE(nullptr, OSDateTimeToString(&v, text, nullptr, flags, sizeof text));
-            DateTimeValue back;
-            ASSERT_TRUE(OSStringToDateTimeTimeBias(&back, text)) << text;
-            ASSERT_EQ(v, back) << text;
+            ExpectFromThePresent(text, Time, atMinute);
         }
     }
 }

@@ -100,6 +100,80 @@ TEST_F(ErrorState, EachCodeReadsItsArgumentsIntoTheNamedFields)
     EXPECT_EQ(1400u, Ctx().osError);
 }
 
+// What each code reads after itself, one letter per argument: T itemText,
+// M memberName, X detailText, V itemValue, w itemValue as a 16-bit word,
+// 1 detail1, 2 detail2, A address, F functionAddress, L rangeLow,
+// H rangeHigh, S stage, - read and dropped.
+const struct { int code; const char *reads; } kArgumentRows[] = {
+    {1, "-"},    {2, "T"},     {3, "V"},     {4, "1"},     {7, "T"},     {9, "T"},
+    {15, "S"},   {16, "T"},    {18, "T"},    {19, "T"},    {20, "T"},    {23, "T"},
+    {24, "T"},   {25, "T"},    {26, "T"},    {28, "VLH"},  {29, "VLH"},  {30, "VLH"},
+    {31, "VLH"}, {32, "VLH"},  {33, "TV"},   {34, "TV"},   {35, "TMV"},  {36, "TV"},
+    {38, "TV"},  {39, "TA1"},  {40, "TA"},   {41, "V"},    {42, "T"},    {43, "T"},
+    {44, "LH"},  {45, "12-"},  {46, "T12"},  {47, "T"},    {48, "12"},   {49, "12"},
+    {50, "HLTX"}, {53, "F1"},  {54, "T"},    {57, "T"},    {58, "HL"},   {59, "H"},
+    {60, "S"},   {62, "w"},    {63, "T"},    {64, "w"},    {65, "w"},    {66, "12"},
+    {67, "VLH"}, {68, "T"},    {72, "T"},    {76, "V"},    {77, "1"},    {81, "T"},
+    {82, "T"},   {85, "A"},    {86, "-"},    {87, "T"},    {88, "T"},    {89, "T"},
+    {90, "T"},   {95, "VL1TX"}, {97, "1"},   {98, "T"},    {100, "-"},   {102, "Tw"},
+    {118, "T"},  {120, "T"},   {127, "A"},
+};
+
+TEST_F(ErrorState, EveryArgumentReadingRowFillsItsFields)
+{
+    static const char *const kTexts[] = {"text0", "text1", "text2", "text3", "text4", "text5"};
+    for (const auto &row : kArgumentRows) {
+        const size_t count = strlen(row.reads);
+        LONG_PTR args[6];
+        for (size_t i = 0; i < 6; ++i)
+            args[i] = i < count && strchr("TMX", row.reads[i]) ? reinterpret_cast<LONG_PTR>(kTexts[i])
+                                                               : static_cast<LONG_PTR>(0x15100 + i);
+        const DWORD oldMode = OSErrorSetErrorMode(row.code, 2);  // some codes end the process
+        OSErrorClearError();
+        OSErrorSetErrorInfo(static_cast<ResultCode>(row.code), args[0], args[1], args[2], args[3],
+                            args[4], args[5]);
+        OSErrorSetErrorMode(row.code, oldMode);
+        const ErrorContext &c = Ctx();
+        ASSERT_EQ(row.code, c.errorCode);
+        for (int i = 0; row.reads[i]; ++i) {
+            const DWORD number = static_cast<DWORD>(args[i]);
+            switch (row.reads[i]) {
+            case 'T': EXPECT_STREQ(kTexts[i], c.itemText) << row.code; break;
+            case 'M': EXPECT_STREQ(kTexts[i], c.memberName) << row.code; break;
+            case 'X': EXPECT_STREQ(kTexts[i], c.detailText) << row.code; break;
+            case 'V': EXPECT_EQ(number, c.itemValue) << row.code; break;
+            case 'w': EXPECT_EQ(number & 0xFFFF, c.itemValue) << row.code; break;
+            case '1': EXPECT_EQ(number, c.detail1) << row.code; break;
+            case '2': EXPECT_EQ(number, c.detail2) << row.code; break;
+            case 'A': EXPECT_EQ(static_cast<ULONG_PTR>(args[i]), c.address) << row.code; break;
+            case 'F': EXPECT_EQ(static_cast<ULONG_PTR>(args[i]), c.functionAddress) << row.code; break;
+            case 'L': EXPECT_EQ(number, c.rangeLow) << row.code; break;
+            case 'H': EXPECT_EQ(number, c.rangeHigh) << row.code; break;
+            case 'S': EXPECT_EQ(number, c.stage) << row.code; break;
+            default: break;
+            }
+        }
+    }
+}
+
+TEST_F(ErrorState, EveryCodeStartsWithItsDefaultMode)
+{
+    // 0 ends the process for the codes that mean the program's own
+    // structures are no longer to be trusted; 1 for RV_Failure; 2 for the rest.
+    const int terminating[] = {14, 33, 34, 35, 36, 39, 40, 62, 64, 65, 69, 70, 73, 100};
+    for (int code = 0; code <= RV_LastCode; ++code) {
+        DWORD expected = code == RV_Failure ? 1 : 2;
+        for (int t : terminating)
+            if (t == code)
+                expected = 0;
+        const DWORD mode = OSErrorSetErrorMode(code, 7);
+        EXPECT_EQ(expected, mode) << code;
+        EXPECT_EQ(7u, OSErrorSetErrorMode(code, mode)) << code;
+    }
+    EXPECT_EQ(2u, OSErrorSetErrorMode(RV_LastCode, 2)) << "the last code of the table is a mode";
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
 TEST_F(ErrorState, TextsAreCutAtTheirFieldLimits)
 {
     std::string longText(300, 'n');
@@ -171,6 +245,16 @@ TEST_F(ErrorState, CodeSeventyOneFormatsIntoTheDetailText)
     OSErrorSetErrorInfo(RV_Formatted, FormatInto, "%s-%d", "abc", 5);
     EXPECT_EQ(71, OSErrorGetErrorValue());
     EXPECT_STREQ("abc-5", Ctx().detailText);
+    // Without a formatter or a format the text is empty, not the older one.
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_Formatted, static_cast<ErrorTextFormatter>(nullptr), "%s", "x");
+    EXPECT_EQ(71, OSErrorGetErrorValue());
+    EXPECT_STREQ("", Ctx().detailText);
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_Formatted, FormatInto, "%s-%d", "abc", 5);
+    OSErrorClearError();
+    OSErrorSetErrorInfo(RV_Formatted, FormatInto, static_cast<const char *>(nullptr));
+    EXPECT_STREQ("", Ctx().detailText);
 }
 
 TEST_F(ErrorState, ContextIsClearedByRecordingAndSetByTheResourceCodes)

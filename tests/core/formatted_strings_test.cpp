@@ -212,6 +212,19 @@ TEST_F(FormattedStrings, ReorderPrefixRules)
     EXPECT_STREQ("3", out);
     EXPECT_EQ(3, OSrsprintf(out, 63, "@1%d @3%d", 1, 2, 3));
     EXPECT_STREQ("1 3", out);
+    // A stray prefix beside plain directives: they still get the arguments,
+    // and one the caller never passed is not read.
+    const struct { const char *format; const char *expected; } strays[] = {
+        {"x@1y %d", "x@1y 7"},
+        {"@2%d x@1y %d", "8 x@1y 7"},
+        {"@1%d x@9y %d", "7 x@9y 8"},
+    };
+    for (const auto &c : strays) {
+        OSrsprintf(out, 63, c.format, 7, 8);
+        EXPECT_STREQ(c.expected, out) << c.format;
+    }
+    OSrsprintf(out, 63, "mail a@3com.com re %s", "the plan");
+    EXPECT_STREQ("mail a@3com.com re the plan", out);
     // Without the sizes of positions 1 and 2 the vsprintf form cannot place 3.
     Guarded dest(16);
     EXPECT_EQ(0, CallRv(dest.data(), 15, "@3%d", 1, 2, 3));

@@ -132,20 +132,32 @@ TEST_F(TextHelpers, RomanNumeralsAgreeWithAnIndependentConversion)
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 
-TEST_F(TextHelpers, RomanNumeralsNeverPassTheRoom)
+TEST_F(TextHelpers, RomanNumeralsCountStepsAndStayWithinThreeBytesPastTheSize)
 {
-    for (DWORD size = 1; size < 12; ++size) {
-        std::vector<char> bytes(size + 16, '#');
-        DToRoman(3888, 0, bytes.data() + 8, size);  // mmmdccclxxxviii, 15 letters
-        EXPECT_EQ(Roman(3888).substr(0, size - 1), std::string(bytes.data() + 8)) << size;
-        for (size_t i = 0; i < 8; ++i) EXPECT_EQ('#', bytes[i]);
-        for (size_t i = 8 + size; i < bytes.size(); ++i) EXPECT_EQ('#', bytes[i]) << size;
-        EXPECT_EQ(RV_BufferTooSmall, OSErrorGetErrorValue());
+    // 3888 is mmm dccc lxxx viii: three one-letter steps, then three of four.
+    // A step starts while fewer than `size` letters are out.
+    const struct { DWORD size; const char *text; ResultCode code; } rows[] = {
+        {0, "", RV_Success},           {1, "m", RV_Success},
+        {3, "mmm", RV_Success},        {4, "mmmdcc", RV_BufferTooSmall},
+        {5, "mmmdccc", RV_Success},    {7, "mmmdccc", RV_Success},
+        {8, "mmmdccclxx", RV_BufferTooSmall}, {9, "mmmdccclxxx", RV_Success},
+        {11, "mmmdccclxxx", RV_Success}, {12, "mmmdccclxxxvii", RV_BufferTooSmall},
+        {13, "mmmdccclxxxviii", RV_Success},
+    };
+    for (const auto &row : rows) {
         OSErrorClearError();
+        std::vector<char> bytes(row.size + 16, '#');
+        DToRoman(3888, 0, bytes.data() + 8, row.size);
+        EXPECT_STREQ(row.text, bytes.data() + 8) << row.size;
+        EXPECT_EQ(row.code, OSErrorGetErrorValue()) << row.size;
+        for (size_t i = 0; i < 8; ++i) EXPECT_EQ('#', bytes[i]);
+        for (size_t i = 8 + row.size + 3; i < bytes.size(); ++i) EXPECT_EQ('#', bytes[i]) << row.size;
     }
-    char untouched = '#';
-    DToRoman(5, 0, &untouched, 0);
-    EXPECT_EQ('#', untouched);
+    OSErrorClearError();
+    char exact[7 + 3];
+    EXPECT_STREQ("mcmxciv", DToRoman(1994, 0, exact, 7));
+    EXPECT_STREQ("MCMXCIV", DToRoman(1994, 1, exact, 7));
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 
 TEST_F(TextHelpers, GeneratorFollowsItsRecurrence)
@@ -177,5 +189,28 @@ TEST_F(TextHelpers, ScrambledTextRoundTrips)
     OSErrorClearError();
     EXPECT_EQ(0, CommonSrcDlgProc("too long", scrambled, 10));
     EXPECT_EQ(RV_BufferTooSmall, OSErrorGetErrorValue());
+}
+
+TEST_F(TextHelpers, ScramblerRoomsAtTheirExactEdges)
+{
+    // "abc" scrambles into 8 digits and a terminator: 9 bytes, not 8; and
+    // back into 3 letters and a terminator: 4 bytes, not 3.
+    for (int size = 8; size <= 9; ++size) {
+        OSErrorClearError();
+        std::vector<char> bytes(size + 8, '#');
+        const int written = CommonSrcDlgProc("abc", bytes.data(), size);
+        EXPECT_EQ(size == 9 ? 8 : 0, written) << size;
+        EXPECT_EQ(size == 9 ? RV_Success : RV_BufferTooSmall, OSErrorGetErrorValue()) << size;
+        for (size_t i = size; i < bytes.size(); ++i) EXPECT_EQ('#', bytes[i]) << size;
+    }
+    char scrambled[16];
+    ASSERT_EQ(8, CommonSrcDlgProc("abc", scrambled, sizeof scrambled));
+    for (int size = 3; size <= 4; ++size) {
+        OSErrorClearError();
+        std::vector<char> bytes(size + 8, '#');
+        EXPECT_EQ(size == 4 ? 3 : 0, CommonDestDlgProc(scrambled, bytes.data(), size)) << size;
+        EXPECT_EQ(size == 4 ? RV_Success : RV_BufferTooSmall, OSErrorGetErrorValue()) << size;
+        for (size_t i = size; i < bytes.size(); ++i) EXPECT_EQ('#', bytes[i]) << size;
+    }
 }
 }  // namespace

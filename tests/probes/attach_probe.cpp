@@ -4,6 +4,11 @@
 
 int main()
 {
+    // With QZ_ATTACH_WITNESS set, a witness library records the cause of an
+    // attach that ends the process.
+    char witness[MAX_PATH];
+    if (GetEnvironmentVariableA("QZ_ATTACH_WITNESS", witness, sizeof witness))
+        LoadLibraryA("attach_witness.dll");
     HMODULE library = LoadLibraryA("qziso32.dll");
     if (!library)
         return 1;

@@ -1,6 +1,6 @@
 // Loads the library as a host would and writes what its resource library
 // answers to the file named first on the command line, one "key=value" line
-// each: the language, the library's file name, string 1, an ordinal, and
+// each: the code recorded once loaded, the language, the library's file name, string 1, an ordinal, and
 // for every further argument (a "META16" name) what ResourceLoadMetafile
 // made of it. Exit status: 0 written, 1 the load failed, 2 no file.
 #include <windows.h>
@@ -29,6 +29,8 @@ int main(int argc, char **argv)
     FILE *out = std::fopen(argv[1], "w");
     if (!out)
         return 2;
+    auto errorValue = Entry<ErrorGetter>(library, "OSErrorGetErrorValue");
+    std::fprintf(out, "error=%d\n", errorValue());
     char text[512] = {};
     Entry<TextWriter>(library, "OSGet2CharacterLanguageString")(text);
     std::fprintf(out, "language=%s\n", text);
@@ -43,7 +45,6 @@ int main(int argc, char **argv)
     std::fprintf(out, "word=%s\n", text);
 
     auto loadMetafile = Entry<MetafileLoader>(library, "ResourceLoadMetafile");
-    auto errorValue = Entry<ErrorGetter>(library, "OSErrorGetErrorValue");
     auto clearError = Entry<ErrorClearer>(library, "OSErrorClearError");
     for (int i = 2; i < argc; ++i) {
         if (argv[i][0] == '/')

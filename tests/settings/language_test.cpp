@@ -86,6 +86,27 @@ TEST_F(Language, TheSwitchChangesWhatIsLoaded)
     }
 }
 
+TEST_F(Language, AnEmptyOrOneLetterSwitchNamesItsLibraryAndRecordsNothing)
+{
+    // Libraries under the names such switches build, so that the load goes
+    // through and the host can ask.
+    const std::string english = ProgramFolder() + "KE1C30EN.DLL";
+    const struct { const char *arguments, *language, *library; } cases[] = {
+        {"/L", "", "KE1C30.DLL"}, {"/L1", "1", "KE1C301.DLL"}, {"/l", "", "KE1C30.DLL"}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.arguments);
+        const std::string copy = ProgramFolder() + c.library;
+        ASSERT_TRUE(CopyFileA(english.c_str(), copy.c_str(), FALSE));
+        ProbeAnswers answers = RunResourceProbe("short", c.arguments);
+        DeleteFileA(copy.c_str());
+        ASSERT_EQ(0u, answers.status);
+        EXPECT_EQ("0", answers.values["error"]);
+        EXPECT_EQ(c.language, answers.values["language"]);
+        EXPECT_EQ(c.library, answers.values["library"]);
+        EXPECT_EQ("Kelendrix", answers.values["title"]);
+    }
+}
+
 // A library that is missing fails the load plainly (status 1 from the
 // probe); one that lacks a string attach needs ends the process with 255
 // through the error state.
