@@ -544,9 +544,51 @@ QZAPI BOOL WINAPI ResourceAdminHelp(HWND window, UINT command, DWORD data, const
 QZAPI BOOL WINAPI OSHelp(HWND window);
 
 /* ------------------------------------------------------------------ */
-/* Feedback: the calls the busy cursor and the message boxes make      */
+/* Error presentation: a pending error shown as a message box.         */
+/* Each returns the box's answer: IDOK, IDCANCEL, IDRETRY, IDYES or     */
+/* IDNO; 2 (IDCANCEL) when nothing is shown.                            */
 /* ------------------------------------------------------------------ */
+/* Shows message `messageId` of `module`, filled in with the arguments. */
+typedef int (__cdecl *UIErrorPresenter)(HWND window, HMODULE module, const char *caption,
+                                        UINT messageId, UINT flags, ...);
+/* Offered the error before it is shown; non-zero means it was dealt with. */
+typedef LONG (WINAPI *UIErrorCallback)(HWND window, ErrorContext *context);
+QZAPI int WINAPI UIHandleError(HWND window);
+QZAPI int WINAPI UIHandleErrorEx(HWND window, DWORD useWindowCaption);
+QZAPI int WINAPI UIHandleErrorFunc(HWND window, DWORD useWindowCaption, UIErrorPresenter presenter);
+/* Presents with the window's caption and the Retry and Cancel buttons. */
+QZAPI int WINAPI UIHandleErrorRetry(HWND window);
+/* Only the first callback registered is ever called. */
+QZAPI BOOL WINAPI UIErrorRegisterCallback(DWORD ignored, UIErrorCallback callback);
+/* Does nothing and returns 1. */
+QZAPI BOOL WINAPI UIErrorUnRegisterCallback(DWORD ignored);
+
+/* ------------------------------------------------------------------ */
+/* Feedback: a worker thread that shows progress in the main window's  */
+/* title. The host starts Feedback_Thread with that window.            */
+/* ------------------------------------------------------------------ */
+#define FEEDBACK_FORMATS 8          /* strings 53000 to 53007 */
+typedef struct FeedbackMessage {
+    DWORD Kind;     /* 0: format Index with Text; 1: format Index alone; else Text alone */
+    DWORD Index;    /* 0 to 7 */
+    char *Text;     /* may be null */
+} FeedbackMessage;
+QZAPI BOOL WINAPI Feedback_SetX(DWORD milliseconds);
+QZAPI BOOL WINAPI Feedback_SetY(DWORD milliseconds);
+QZAPI BOOL WINAPI Feedback_SetZ(DWORD milliseconds);
+QZAPI BOOL WINAPI Feedback_Begin(const FeedbackMessage *message);
+QZAPI BOOL WINAPI Feedback_End(void);
+QZAPI BOOL WINAPI Feedback_PostMsg(const FeedbackMessage *message);
+/* Shows the message at once; always 0. */
+QZAPI BOOL WINAPI Feedback_SendMsg(const FeedbackMessage *message);
+/* Drops the queue and the count; always 0. */
 QZAPI BOOL WINAPI Feedback_CleanupAll(void);
+QZAPI BOOL WINAPI Feedback_TerminateThread(void);
+/* The worker: run it on a thread of its own with the main window. */
+QZAPI DWORD WINAPI Feedback_Thread(LPVOID window);
+QZAPI BOOL WINAPI Feedback_SetCaption(const char *caption);
+QZAPI BOOL WINAPI Feedback_SetFilename(const char *filename);
+/* Lets one pending title update through; call it often during long work. */
 QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
 /* Drawing: mask blits and bitmap helpers. A mask is 1 bit per pixel,  */
 /* set (white) where the image is transparent. Pictures given with a   */
