@@ -70,6 +70,8 @@ BOOL TelephonyCheckResult(HWND window, LONG result, BOOL interactive);
 void CALLBACK TelephonyLineCallback(DWORD device, DWORD message, DWORD_PTR instance,
                                     DWORD_PTR param1, DWORD_PTR param2, DWORD_PTR param3);
 
+// Handles one waiting message of the window thread, or sleeps briefly.
+void PumpOne();
 // The waits pump the window thread's messages.
 LONG WaitForReply(LONG request);
 DWORD WaitForCallState(DWORD target);

@@ -84,15 +84,8 @@ static int ShowReversedBox(UINT id, UINT flags)
 static void PumpFor(DWORD milliseconds)
 {
     DWORD start = GetTickCount();
-    while (GetTickCount() - start < milliseconds) {
-        MSG msg;
-        if (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageA(&msg);
-        } else {
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-        }
-    }
+    while (GetTickCount() - start < milliseconds)
+        PumpOne();
 }
 
 static void OfferModemInstall()

@@ -23,7 +23,7 @@ static DWORD CallStateLimit()
 
 // Handles one waiting message; without one, sleeps until input arrives or
 // a short while has passed, rather than spin.
-static void PumpOne()
+void PumpOne()
 {
     MSG msg;
     if (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {

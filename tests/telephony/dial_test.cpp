@@ -191,6 +191,24 @@ TEST_F(TelephonyTest, TheCallEndingReachesTheHostWithItsReason)
     }
 }
 
+// The line closes while the first piece waits for a reply that never
+// comes: the host hears of it, the wait ends with 1, which passes for a
+// request id, so the piece goes again on the closed line and that fails.
+TEST_F(TelephonyTest, ALineClosedDuringTheWaitForAReply)
+{
+    Register();
+    service.Plan("lineMakeCall", kStandInAsync, kStandInNever, {LineClose()});
+    {
+        MessageBoxDriver boxes;
+        boxes.Expect(Text(1162), MB_OK, IDOK, Text(1).c_str());
+        EXPECT_FALSE(Telephony_DialNumber(host, 0, 0, "5551234", nullptr));
+    }
+    std::string again = MakeCall("5551234");
+    again.replace(again.find(" 11 "), 4, " 0 ");
+    EXPECT_EQ((DialPreamble() + Lines{MakeCall("5551234"), again}), service.Transcript());
+    EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
+}
+
 TEST_F(TelephonyTest, ACallStateOfAnotherCallIsIgnored)
 {
     Register();

@@ -68,7 +68,20 @@ TEST_F(TelephonyTest, TheWrappersPutTheLibrarysRegistrationInPlaceOfTheCallers)
         "lineGetDevConfig 0 'comm'",
     };
     EXPECT_EQ(expected, service.Transcript());
+
+    // The legacy version: agreed, refused at once, and refused only on a
+    // repeat, which gives the window handle back.
     EXPECT_EQ(0x10004u, Telephony_lineNegotiateLegacyAPIVersion(host, 0));
+    service.Plan("lineNegotiateAPIVersion", static_cast<LONG>(0x8000000C));
+    EXPECT_EQ(0u, Telephony_lineNegotiateLegacyAPIVersion(host, 0));
+    service.Plan("lineNegotiateAPIVersion", static_cast<LONG>(0x8000004B));
+    service.Plan("lineNegotiateAPIVersion", static_cast<LONG>(0x8000000C));
+    {
+        MessageBoxDriver boxes;
+        boxes.Expect(Text(1163), MB_RETRYCANCEL, IDRETRY);
+        EXPECT_EQ(static_cast<DWORD>(reinterpret_cast<DWORD_PTR>(host)),
+                  Telephony_lineNegotiateLegacyAPIVersion(host, 0));
+    }
 }
 
 // Each service error as the user meets it when a line is checked: the

@@ -287,6 +287,8 @@ STANDIN_EXPORT LONG WINAPI lineMakeCall(DWORD line, DWORD *call, const char *num
     Note("lineMakeCall %x '%s' %u %u '%s' %x %x %x %x %u", line, number, country, params ? params[0] : 0,
          name, params ? params[1] : 0, params ? params[4] : 0, params ? params[5] : 0,
          params ? params[6] : 0, params ? params[7] : 0);
+    if (line != kLine)
+        return static_cast<LONG>(0x8000002B); // LINEERR_INVALLINEHANDLE
     *call = kCall;
     g.callState = kDialing;
     return Async("lineMakeCall");
