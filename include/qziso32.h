@@ -747,6 +747,65 @@ QZAPI DWORD WINAPI GadUtilMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
 QZAPI DWORD WINAPI GadUtilMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
                                   COLORREF transparent);
 
+/* ------------------------------------------------------------------ */
+/* Telephony: the service "TAPI32.DLL", loaded at run time             */
+/* ------------------------------------------------------------------ */
+/* Line application, line and call handles are 32-bit values; the service's
+ * records (LINEDEVCAPS and so on) are passed as the service defines them. */
+/* Loads the service at attach; 1 always, the service being optional. */
+QZAPI BOOL WINAPI TelephonyStart(DWORD reserved);
+/* Uses `library` as the service from now on (null switches telephony off). */
+QZAPI BOOL WINAPI Telephony_Initialize(HMODULE library);
+/* Registers the application with the service once its main window exists;
+ * a failure switches telephony off for good. */
+QZAPI void WINAPI TelephonyClientStart(HWND window);
+QZAPI DWORD WINAPI IsTelephonyEnabled(void);
+QZAPI DWORD WINAPI Telephony_GetNumDevices(void);
+/* Looks at line `device` without keeping it: 0 usable, 1 failed, 2 no
+ * voice, 4 cannot make calls, 5 in use elsewhere, 6 cannot call now. */
+QZAPI DWORD WINAPI Telephony_VerifyUsableLine(HWND window, DWORD device);
+/* The version agreed between 1.3 and 1.4, or 0. */
+QZAPI DWORD WINAPI Telephony_lineNegotiateLegacyAPIVersion(HWND window, DWORD device);
+/* Wrappers: 0 while telephony is off, else the service's result. The first
+ * argument stands where the service takes its line application; the
+ * library's own goes in its place. */
+QZAPI LONG WINAPI Telephony_lineGetDevCaps(DWORD lineApp, DWORD device, DWORD version,
+                                           DWORD extensionVersion, void *caps);
+QZAPI LONG WINAPI Telephony_lineGetAddressCaps(DWORD lineApp, DWORD device, DWORD address,
+                                               DWORD version, DWORD extensionVersion, void *caps);
+QZAPI LONG WINAPI Telephony_lineOpen(DWORD lineApp, DWORD device, DWORD *line, DWORD version,
+                                     DWORD extensionVersion, DWORD_PTR callbackInstance,
+                                     DWORD privileges, DWORD mediaModes, const void *callParams);
+QZAPI LONG WINAPI Telephony_lineNegotiateAPIVersion(DWORD lineApp, DWORD device, DWORD lowVersion,
+                                                    DWORD highVersion, DWORD *version,
+                                                    void *extensionId);
+QZAPI LONG WINAPI Telephony_lineTranslateAddress(DWORD lineApp, DWORD device, DWORD version,
+                                                 const char *address, DWORD card, DWORD flags,
+                                                 void *output);
+QZAPI LONG WINAPI Telephony_lineGetTranslateCaps(DWORD lineApp, DWORD version, void *caps);
+QZAPI LONG WINAPI Telephony_lineSetCurrentLocation(DWORD lineApp, DWORD location);
+QZAPI LONG WINAPI Telephony_lineTranslateDialog(DWORD device, DWORD version, HWND owner,
+                                                const char *address);
+QZAPI LONG WINAPI Telephony_lineConfigDialogEdit(DWORD device, HWND owner, const char *deviceClass,
+                                                 const void *config, DWORD size, void *configOut);
+/* The first argument of these four is not used. */
+QZAPI LONG WINAPI Telephony_lineClose(DWORD unused, DWORD line);
+QZAPI LONG WINAPI Telephony_lineSetDevConfig(DWORD unused, DWORD device, const void *config,
+                                             DWORD size, const char *deviceClass);
+QZAPI LONG WINAPI Telephony_lineGetDevConfig(DWORD unused, DWORD device, void *config,
+                                             const char *deviceClass);
+QZAPI LONG WINAPI Telephony_lineGetCountry(DWORD unused, DWORD country, DWORD version, void *list);
+/* Dials `number` on line `device` (-1: none chosen), piece by piece at its
+ * dial modifiers, asking the user at each stop; the call stays open. 1 when
+ * the call is under way or telephony is off. */
+QZAPI BOOL WINAPI Telephony_DialNumber(HWND window, LONG device, DWORD address, const char *number,
+                                       const char *displayName);
+/* Takes the call and its line down and sends the hang-up message with
+ * `reason`, the call state that ended the call. */
+QZAPI BOOL WINAPI Telephony_HangupCall(HWND window, DWORD reason);
+/* A hang-up sends `message` to `window` with the reason in lParam. */
+QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
+
 #ifdef __cplusplus
 }
 #endif
