@@ -7,15 +7,19 @@ namespace {
 // -1 from a stepper: the walk failed.
 TreeNode *const kStepFailed = reinterpret_cast<TreeNode *>(static_cast<INT_PTR>(-1));
 
-// The reference the caller gave, or the root. False when the new node went in
-// as the root of an empty tree, or when it is its own reference (recorded).
-bool ResolveReference(TreeNode **root, TreeNode *&reference, TreeNode *node, BOOL &result)
+// The reference the caller gave, or the root; without a reference and with a
+// `walk` link, the last node along that link from the root. False when the new
+// node went in as the root of an empty tree, or when it is its own reference
+// (recorded).
+bool ResolveReference(TreeNode **root, TreeNode *&reference, TreeNode *node, BOOL &result,
+                      TreeNode *TreeNode::*walk = nullptr)
 {
     if (!root || !node) {
         OSErrorSetErrorInfo(RV_BadParms);
         result = 0;
         return false;
     }
+    const bool walkFromRoot = !reference && walk;
     if (!reference)
         reference = *root;
     if (!reference) {
@@ -23,6 +27,9 @@ bool ResolveReference(TreeNode **root, TreeNode *&reference, TreeNode *node, BOO
         result = 1;
         return false;
     }
+    if (reference != node && walkFromRoot)
+        while (reference->*walk)
+            reference = reference->*walk;
     if (reference == node) {
         OSErrorSetErrorInfo(RV_TreeBroken);
         result = 0;
@@ -53,17 +60,9 @@ extern "C" BOOL WINAPI OSTreeInsertBeforeNode(TreeNode **root, TreeNode *referen
 
 extern "C" BOOL WINAPI OSTreeInsertAfterNode(TreeNode **root, TreeNode *reference, TreeNode *node)
 {
-    const bool lastSibling = reference == nullptr;
     BOOL result;
-    if (!ResolveReference(root, reference, node, result))
+    if (!ResolveReference(root, reference, node, result, &TreeNode::next))
         return result;
-    if (lastSibling)
-        while (reference->next)
-            reference = reference->next;
-    if (reference == node) {
-        OSErrorSetErrorInfo(RV_TreeBroken);
-        return 0;
-    }
     node->prev = reference;
     node->next = reference->next;
     node->parent = reference->parent;
@@ -94,17 +93,9 @@ extern "C" BOOL WINAPI OSTreeInsertAboveNode(TreeNode **root, TreeNode *referenc
 // An existing child of the reference is overwritten, not kept.
 extern "C" BOOL WINAPI OSTreeInsertBelowNode(TreeNode **root, TreeNode *reference, TreeNode *node)
 {
-    const bool deepest = reference == nullptr;
     BOOL result;
-    if (!ResolveReference(root, reference, node, result))
+    if (!ResolveReference(root, reference, node, result, &TreeNode::child))
         return result;
-    if (deepest)
-        while (reference->child)
-            reference = reference->child;
-    if (reference == node) {
-        OSErrorSetErrorInfo(RV_TreeBroken);
-        return 0;
-    }
     node->parent = reference;
     reference->child = node;
     return 1;

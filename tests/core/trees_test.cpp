@@ -84,6 +84,12 @@ TEST_F(Trees, SiblingInsertsRelinkNeighboursParentAndRoot)
     ASSERT_EQ(1, OSTreeInsertBelowNode(&root, nullptr, N(7)));     // deepest first child: 0
     EXPECT_EQ((std::vector<int>{-1, -1, 0, -1}), Links(7));
     EXPECT_EQ(N(7), r[0].links.child);
+    // A walk from the root that ends at the new node would link it to itself.
+    EXPECT_EQ(0, OSTreeInsertAfterNode(&root, nullptr, N(3)));
+    EXPECT_EQ(0, OSTreeInsertBelowNode(&root, nullptr, N(7)));
+    EXPECT_EQ(RV_TreeBroken, OSErrorGetErrorValue());
+    EXPECT_EQ((std::vector<int>{2, -1, -1, -1}), Links(3));
+    EXPECT_EQ((std::vector<int>{-1, -1, 0, -1}), Links(7));
 }
 
 TEST_F(Trees, AboveAndBelowOverwriteTheChildLinkTheyReplace)
