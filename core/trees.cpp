@@ -2,6 +2,10 @@
 // caller holds the root pointer, and nothing here allocates.
 #include "module_globals.h"
 
+#if !defined(_WIN64)
+static_assert(sizeof(TreeNode) == 16, "the host's records start with four 32-bit links");
+#endif
+
 namespace {
 
 // -1 from a stepper: the walk failed.
