@@ -187,12 +187,46 @@ HWND BuildSharedDrawingPage(HWND host)
     return page;
 }
 
+// QzBitmap on the dialog colour: centred with its magenta corner transparent,
+// the same picture drawn plain, a monochrome one, and none at all.
+HWND BuildBitmapPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "QzBitmap", 340, 120);
+    if (!page) return nullptr;
+    static const BYTE kChecker[8 * 2] = {0xF0, 0, 0xF0, 0, 0xF0, 0, 0xF0, 0,
+                                         0x0F, 0, 0x0F, 0, 0x0F, 0, 0x0F, 0};
+    HBITMAP mono = CreateBitmap(8, 8, 1, 1, kChecker);
+    if (mono) g_pictures.push_back(mono);
+    const struct {
+        const char *label;
+        DWORD style;
+        HBITMAP bitmap;
+    } cells[] = {
+        {"Transparent", 0x8000, SamplePicture(RGB(0, 96, 160), 48, 24)},
+        {"Plain", 0, SamplePicture(RGB(0, 96, 160), 48, 24)},
+        {"Monochrome", 0x8000, mono},
+        {"Empty", 0x8000, nullptr},
+    };
+    int x = 10;
+    for (const auto &cell : cells) {
+        if (!Child(page, "STATIC", cell.label, SS_LEFT, -1, x, 10, 76, 16))
+            return DestroyWindow(page), nullptr;
+        HWND g = Child(page, "QzBitmap", "", cell.style, 200 + x, x, 30, 72, 48);
+        if (!g)
+            return DestroyWindow(page), nullptr;
+        SendMessageA(g, 0x401, reinterpret_cast<WPARAM>(cell.bitmap), 0);
+        x += 82;
+    }
+    return page;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
     {"dialog_skin", "Dialog skin", BuildDialogPage},
     {"check_boxes", "Bitmap check boxes", BuildCheckBoxPage},
     {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
+    {"qz_bitmap", "QzBitmap", BuildBitmapPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

@@ -3,12 +3,17 @@
 #include "gadget_frame.h"
 #include "../core/module_globals.h"
 
+LRESULT CALLBACK ZimboWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+
 namespace {
 
 // The gadget classes in registration order, one row each; every class has
 // one pointer-sized word of window extra and no class extra. A gadget joins
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
+    {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
+    {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},
 };
 

@@ -525,6 +525,41 @@ QZAPI int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, 
                                     const char *caption, UINT stringId, UINT style, ...);
 
 /* ------------------------------------------------------------------ */
+/* Trees and sorting                                                   */
+/* ------------------------------------------------------------------ */
+/* The head of a record linked into a tree the caller owns. Only a parent's
+ * first child is linked from it; the others follow along `next`. */
+typedef struct TreeNode {
+    struct TreeNode *prev;      /* previous sibling */
+    struct TreeNode *next;      /* next sibling */
+    struct TreeNode *parent;
+    struct TreeNode *child;     /* first child */
+} TreeNode;
+/* Answers zero to stop the walk. */
+typedef LONG_PTR(WINAPI *TreeVisitor)(TreeNode *node, LONG_PTR data);
+/* The node after `node`, null to end, or (TreeNode *)-1 to fail the walk. */
+typedef TreeNode *(WINAPI *TreeStepper)(TreeNode *node, TreeVisitor visitor, LONG_PTR data);
+typedef int(__cdecl *SortCompare)(const void *a, const void *b);
+/* A null reference means the root (the last root sibling for After, the
+ * deepest first child for Below); into an empty tree the node becomes the
+ * root. 0 with RV_TreeBroken when the node is its own reference. */
+QZAPI BOOL WINAPI OSTreeInsertBeforeNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+QZAPI BOOL WINAPI OSTreeInsertAfterNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+QZAPI BOOL WINAPI OSTreeInsertAboveNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+QZAPI BOOL WINAPI OSTreeInsertBelowNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+/* Unlinks the node, which keeps its subtree. 0 with RV_TreeBroken when the
+ * node is in no tree. */
+QZAPI BOOL WINAPI OSTreeRemoveNode(TreeNode **root, TreeNode *node);
+/* Post-order walk (children first) along the siblings of `node`, or along what
+ * the stepper returns. The visitor's last answer, or 0. */
+QZAPI LONG_PTR WINAPI OSTreeNodeEnum(TreeNode *node, TreeStepper stepper, TreeVisitor visitor,
+                                     LONG_PTR data);
+/* Sorts in place, not stable, with the busy cursor turning; the result is
+ * that of OSUnWait. A compare must not sort. */
+QZAPI DWORD WINAPI QSort(void *base, DWORD count, DWORD size, SortCompare compare);
+QZAPI DWORD WINAPI QSortLong(void *base, DWORD count, DWORD size, SortCompare compare);
+
+/* ------------------------------------------------------------------ */
 /* Help                                                                */
 /* ------------------------------------------------------------------ */
 /* Sent as WM_KEL_HELP (the registered message) with lParam pointing here;
