@@ -2,6 +2,7 @@
 // first successful RegisterGadgets to the balancing last UnRegisterGadgets.
 #include "gadget_frame.h"
 #include "../core/module_globals.h"
+#include "../timegadgets/time_gadgets.h"
 
 namespace {
 
@@ -9,6 +10,8 @@ namespace {
 // one pointer-sized word of window extra and no class extra. A gadget joins
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
+    {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
+     TumblerWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},
 };
 
