@@ -63,25 +63,23 @@ void Convert(Conversion conversion, const char *text, char *out)
         lstrcpynA(out, converted, kTextBuffer);
 }
 
-Conversion ToTumblerString(HWND window)
+// The conversion of the gadget's form, to the tumbler string or to the
+// display text; null for the integer form. Hours and minutes win.
+Conversion FormConversion(HWND window, bool toDisplay)
 {
+    static const Conversion hourMinute[2] = {OSConvertHourMinuteStringToTumblerTimeString,
+                                             OSConvertTumblerTimeStringToHourMinuteString};
+    static const Conversion real[2] = {OSConvertRealStringToTumblerTimeString,
+                                       OSConvertTumblerTimeStringToRealString};
     LONG style = static_cast<LONG>(GetWindowLongPtrA(window, GWL_STYLE));
     if (style & TUS_HOURMINUTE)
-        return OSConvertHourMinuteStringToTumblerTimeString;
+        return hourMinute[toDisplay];
     if (style & TUS_REAL)
-        return OSConvertRealStringToTumblerTimeString;
+        return real[toDisplay];
     return nullptr;
 }
-
-Conversion ToDisplayString(HWND window)
-{
-    LONG style = static_cast<LONG>(GetWindowLongPtrA(window, GWL_STYLE));
-    if (style & TUS_HOURMINUTE)
-        return OSConvertTumblerTimeStringToHourMinuteString;
-    if (style & TUS_REAL)
-        return OSConvertTumblerTimeStringToRealString;
-    return nullptr;
-}
+Conversion ToTumblerString(HWND window) { return FormConversion(window, false); }
+Conversion ToDisplayString(HWND window) { return FormConversion(window, true); }
 
 // The caller keeps the raw edit text when the conversion gives nothing;
 // the tumbler string is cut to the caller's buffer.
