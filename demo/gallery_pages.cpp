@@ -220,6 +220,40 @@ HWND BuildBitmapPage(HWND host)
     return page;
 }
 
+// Three tumblers: an integer with a negative minimum, a time of hours and
+// minutes, and one disabled; each with its label.
+HWND BuildTumblerPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Tumbler", 260, 120);
+    if (!page) return nullptr;
+    const struct {
+        const char *label;
+        DWORD style;
+        LONG range[4];
+        bool enabled;
+    } rows[] = {
+        {"Integer, -50 to 50 by 5", 0, {-50, 50, -15, 5}, true},
+        {"Hours and minutes", TUS_HOURMINUTE, {0, 1439, 570, 15}, true},
+        {"Disabled", 0, {0, 99, 42, 1}, false},
+    };
+    HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    for (int i = 0; i < 3; ++i) {
+        const int y = 10 + i * 36;
+        HWND label = CreateWindowExA(0, "static", rows[i].label, WS_CHILD | WS_VISIBLE, 10, y + 4, 140, 18,
+                                     page, nullptr, GetModuleHandleA(nullptr), nullptr);
+        HWND tumbler = CreateWindowExA(0, "Tumbler", "", WS_CHILD | WS_VISIBLE | WS_BORDER | rows[i].style,
+                                       150, y, 100, 24, page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
+                                       GetModuleHandleA(nullptr), nullptr);
+        if (!label || !tumbler) return nullptr;
+        SendMessageA(label, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
+        SendMessageA(tumbler, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
+        SetWindowPos(tumbler, nullptr, 0, 0, 100, 24, SWP_NOMOVE | SWP_NOZORDER);  // height from the font
+        SendMessageA(tumbler, TUM_SETRANGE, 0, reinterpret_cast<LPARAM>(rows[i].range));
+        EnableWindow(tumbler, rows[i].enabled);
+    }
+    return page;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
@@ -227,6 +261,7 @@ const GalleryPage kGalleryPages[] = {
     {"check_boxes", "Bitmap check boxes", BuildCheckBoxPage},
     {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
+    {"tumbler", "Tumbler", BuildTumblerPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

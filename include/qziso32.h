@@ -840,6 +840,18 @@ QZAPI BOOL WINAPI Telephony_DialNumber(HWND window, LONG device, DWORD address, 
 QZAPI BOOL WINAPI Telephony_HangupCall(HWND window, DWORD reason);
 /* A hang-up sends `message` to `window` with the reason in lParam. */
 QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
+/* Time gadgets: Tumbler, a spin field for integers, times and reals   */
+/* ------------------------------------------------------------------ */
+/* Styles. 0x10 wins over 0x20 when both are set. */
+#define TUS_SELF31 0x01      /* sends itself WM_USER at create; no effect */
+#define TUS_SELF32 0x02      /* the same with another lParam */
+#define TUS_HOURMINUTE 0x10  /* the edit shows hours and minutes */
+#define TUS_REAL 0x20        /* the edit shows a real number */
+/* lParam: four 32-bit values: minimum, maximum, value, step (not 0).
+ * Sets the gadget's text to the value. Result 0. */
+#define TUM_SETRANGE 0x401
+/* Notifications: every edit notification under its own code; EN_CHANGE
+ * also on the release of a step key and ahead of EN_KILLFOCUS. */
 
 #ifdef __cplusplus
 }
