@@ -34,7 +34,7 @@ static BOOL AttachStartUp(HMODULE module)
         return FALSE;
     g_module.startedFlag = 1;
     g_module.telephonyLoaded = 0;
-    return TRUE;
+    return TelephonyStart(0);
 }
 
 // Detach releases the resource library and the telephony library. The

@@ -187,12 +187,81 @@ HWND BuildSharedDrawingPage(HWND host)
     return page;
 }
 
+// QzBitmap on the dialog colour: centred with its magenta corner transparent,
+// the same picture drawn plain, a monochrome one, and none at all.
+HWND BuildBitmapPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "QzBitmap", 340, 120);
+    if (!page) return nullptr;
+    static const BYTE kChecker[8 * 2] = {0xF0, 0, 0xF0, 0, 0xF0, 0, 0xF0, 0,
+                                         0x0F, 0, 0x0F, 0, 0x0F, 0, 0x0F, 0};
+    HBITMAP mono = CreateBitmap(8, 8, 1, 1, kChecker);
+    if (mono) g_pictures.push_back(mono);
+    const struct {
+        const char *label;
+        DWORD style;
+        HBITMAP bitmap;
+    } cells[] = {
+        {"Transparent", 0x8000, SamplePicture(RGB(0, 96, 160), 48, 24)},
+        {"Plain", 0, SamplePicture(RGB(0, 96, 160), 48, 24)},
+        {"Monochrome", 0x8000, mono},
+        {"Empty", 0x8000, nullptr},
+    };
+    int x = 10;
+    for (const auto &cell : cells) {
+        if (!Child(page, "STATIC", cell.label, SS_LEFT, -1, x, 10, 76, 16))
+            return DestroyWindow(page), nullptr;
+        HWND g = Child(page, "QzBitmap", "", cell.style, 200 + x, x, 30, 72, 48);
+        if (!g)
+            return DestroyWindow(page), nullptr;
+        SendMessageA(g, 0x401, reinterpret_cast<WPARAM>(cell.bitmap), 0);
+        x += 82;
+    }
+    return page;
+}
+
+// Three tumblers: an integer with a negative minimum, a time of hours and
+// minutes, and one disabled; each with its label.
+HWND BuildTumblerPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Tumbler", 260, 120);
+    if (!page) return nullptr;
+    const struct {
+        const char *label;
+        DWORD style;
+        LONG range[4];
+        bool enabled;
+    } rows[] = {
+        {"Integer, -50 to 50 by 5", 0, {-50, 50, -15, 5}, true},
+        {"Hours and minutes", TUS_HOURMINUTE, {0, 1439, 570, 15}, true},
+        {"Disabled", 0, {0, 99, 42, 1}, false},
+    };
+    HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    for (int i = 0; i < 3; ++i) {
+        const int y = 10 + i * 36;
+        HWND label = CreateWindowExA(0, "static", rows[i].label, WS_CHILD | WS_VISIBLE, 10, y + 4, 140, 18,
+                                     page, nullptr, GetModuleHandleA(nullptr), nullptr);
+        HWND tumbler = CreateWindowExA(0, "Tumbler", "", WS_CHILD | WS_VISIBLE | WS_BORDER | rows[i].style,
+                                       150, y, 100, 24, page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
+                                       GetModuleHandleA(nullptr), nullptr);
+        if (!label || !tumbler) return nullptr;
+        SendMessageA(label, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
+        SendMessageA(tumbler, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
+        SetWindowPos(tumbler, nullptr, 0, 0, 100, 24, SWP_NOMOVE | SWP_NOZORDER);  // height from the font
+        SendMessageA(tumbler, TUM_SETRANGE, 0, reinterpret_cast<LPARAM>(rows[i].range));
+        EnableWindow(tumbler, rows[i].enabled);
+    }
+    return page;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
     {"dialog_skin", "Dialog skin", BuildDialogPage},
     {"check_boxes", "Bitmap check boxes", BuildCheckBoxPage},
     {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
+    {"qz_bitmap", "QzBitmap", BuildBitmapPage},
+    {"tumbler", "Tumbler", BuildTumblerPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

@@ -41,20 +41,22 @@ WORD DibBitsFor(DWORD deviceBits)
 
 HGLOBAL RecodeDib(HGLOBAL dib, LONG freeSource, DWORD style)
 {
-    HGLOBAL made = nullptr;
+    OSWait();
+    // Each step goes on after a failed one: the first failure stays recorded.
     HPALETTE palette = DIB_CreateDibPalette(dib);
-    if (!palette) {
+    if (!palette)
         OSErrorSetErrorInfo(RV_GDIError);
-    } else {
-        HBITMAP bitmap = DIB_BitmapFromDib(dib, palette);
-        if (!bitmap)
-            OSErrorSetErrorInfo(RV_GDIError);
-        else
-            made = DIB_DibFromBitmap(bitmap, style, 0, palette);
-        if (bitmap)
-            DeleteObject(bitmap);
+    OSReWait(0);
+    HBITMAP bitmap = DIB_BitmapFromDib(dib, palette);
+    if (!bitmap)
+        OSErrorSetErrorInfo(RV_GDIError);
+    OSReWait(0);
+    HGLOBAL made = DIB_DibFromBitmap(bitmap, style, 0, palette);
+    if (bitmap)
+        DeleteObject(bitmap);
+    if (palette)
         DeleteObject(palette);
-    }
+    OSUnWait();
     if (freeSource)
         GlobalFree(dib);
     return made;

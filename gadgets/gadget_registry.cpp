@@ -2,6 +2,10 @@
 // first successful RegisterGadgets to the balancing last UnRegisterGadgets.
 #include "gadget_frame.h"
 #include "../core/module_globals.h"
+#include "../timegadgets/time_gadgets.h"
+
+LRESULT CALLBACK ZimboWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
 namespace {
 
@@ -9,6 +13,10 @@ namespace {
 // one pointer-sized word of window extra and no class extra. A gadget joins
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
+    {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
+    {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
+    {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
+     TumblerWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},
 };
 

@@ -525,6 +525,41 @@ QZAPI int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, 
                                     const char *caption, UINT stringId, UINT style, ...);
 
 /* ------------------------------------------------------------------ */
+/* Trees and sorting                                                   */
+/* ------------------------------------------------------------------ */
+/* The head of a record linked into a tree the caller owns. Only a parent's
+ * first child is linked from it; the others follow along `next`. */
+typedef struct TreeNode {
+    struct TreeNode *prev;      /* previous sibling */
+    struct TreeNode *next;      /* next sibling */
+    struct TreeNode *parent;
+    struct TreeNode *child;     /* first child */
+} TreeNode;
+/* Answers zero to stop the walk. */
+typedef LONG_PTR(WINAPI *TreeVisitor)(TreeNode *node, LONG_PTR data);
+/* The node after `node`, null to end, or (TreeNode *)-1 to fail the walk. */
+typedef TreeNode *(WINAPI *TreeStepper)(TreeNode *node, TreeVisitor visitor, LONG_PTR data);
+typedef int(__cdecl *SortCompare)(const void *a, const void *b);
+/* A null reference means the root (the last root sibling for After, the
+ * deepest first child for Below); into an empty tree the node becomes the
+ * root. 0 with RV_TreeBroken when the node is its own reference. */
+QZAPI BOOL WINAPI OSTreeInsertBeforeNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+QZAPI BOOL WINAPI OSTreeInsertAfterNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+QZAPI BOOL WINAPI OSTreeInsertAboveNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+QZAPI BOOL WINAPI OSTreeInsertBelowNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+/* Unlinks the node, which keeps its subtree. 0 with RV_TreeBroken when the
+ * node is in no tree. */
+QZAPI BOOL WINAPI OSTreeRemoveNode(TreeNode **root, TreeNode *node);
+/* Post-order walk (children first) along the siblings of `node`, or along what
+ * the stepper returns. The visitor's last answer, or 0. */
+QZAPI LONG_PTR WINAPI OSTreeNodeEnum(TreeNode *node, TreeStepper stepper, TreeVisitor visitor,
+                                     LONG_PTR data);
+/* Sorts in place, not stable, with the busy cursor turning; the result is
+ * that of OSUnWait. A compare must not sort. */
+QZAPI DWORD WINAPI QSort(void *base, DWORD count, DWORD size, SortCompare compare);
+QZAPI DWORD WINAPI QSortLong(void *base, DWORD count, DWORD size, SortCompare compare);
+
+/* ------------------------------------------------------------------ */
 /* Help                                                                */
 /* ------------------------------------------------------------------ */
 /* Sent as WM_KEL_HELP (the registered message) with lParam pointing here;
@@ -544,9 +579,51 @@ QZAPI BOOL WINAPI ResourceAdminHelp(HWND window, UINT command, DWORD data, const
 QZAPI BOOL WINAPI OSHelp(HWND window);
 
 /* ------------------------------------------------------------------ */
-/* Feedback: the calls the busy cursor and the message boxes make      */
+/* Error presentation: a pending error shown as a message box.         */
+/* Each returns the box's answer: IDOK, IDCANCEL, IDRETRY, IDYES or     */
+/* IDNO; 2 (IDCANCEL) when nothing is shown.                            */
 /* ------------------------------------------------------------------ */
+/* Shows message `messageId` of `module`, filled in with the arguments. */
+typedef int (__cdecl *UIErrorPresenter)(HWND window, HMODULE module, const char *caption,
+                                        UINT messageId, UINT flags, ...);
+/* Offered the error before it is shown; non-zero means it was dealt with. */
+typedef LONG (WINAPI *UIErrorCallback)(HWND window, ErrorContext *context);
+QZAPI int WINAPI UIHandleError(HWND window);
+QZAPI int WINAPI UIHandleErrorEx(HWND window, DWORD useWindowCaption);
+QZAPI int WINAPI UIHandleErrorFunc(HWND window, DWORD useWindowCaption, UIErrorPresenter presenter);
+/* Presents with the window's caption and the Retry and Cancel buttons. */
+QZAPI int WINAPI UIHandleErrorRetry(HWND window);
+/* Only the first callback registered is ever called. */
+QZAPI BOOL WINAPI UIErrorRegisterCallback(DWORD ignored, UIErrorCallback callback);
+/* Does nothing and returns 1. */
+QZAPI BOOL WINAPI UIErrorUnRegisterCallback(DWORD ignored);
+
+/* ------------------------------------------------------------------ */
+/* Feedback: a worker thread that shows progress in the main window's  */
+/* title. The host starts Feedback_Thread with that window.            */
+/* ------------------------------------------------------------------ */
+#define FEEDBACK_FORMATS 8          /* strings 53000 to 53007 */
+typedef struct FeedbackMessage {
+    DWORD Kind;     /* 0: format Index with Text; 1: format Index alone; else Text alone */
+    DWORD Index;    /* 0 to 7 */
+    char *Text;     /* may be null */
+} FeedbackMessage;
+QZAPI BOOL WINAPI Feedback_SetX(DWORD milliseconds);
+QZAPI BOOL WINAPI Feedback_SetY(DWORD milliseconds);
+QZAPI BOOL WINAPI Feedback_SetZ(DWORD milliseconds);
+QZAPI BOOL WINAPI Feedback_Begin(const FeedbackMessage *message);
+QZAPI BOOL WINAPI Feedback_End(void);
+QZAPI BOOL WINAPI Feedback_PostMsg(const FeedbackMessage *message);
+/* Shows the message at once; always 0. */
+QZAPI BOOL WINAPI Feedback_SendMsg(const FeedbackMessage *message);
+/* Drops the queue and the count; always 0. */
 QZAPI BOOL WINAPI Feedback_CleanupAll(void);
+QZAPI BOOL WINAPI Feedback_TerminateThread(void);
+/* The worker: run it on a thread of its own with the main window. */
+QZAPI DWORD WINAPI Feedback_Thread(LPVOID window);
+QZAPI BOOL WINAPI Feedback_SetCaption(const char *caption);
+QZAPI BOOL WINAPI Feedback_SetFilename(const char *filename);
+/* Lets one pending title update through; call it often during long work. */
 QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
 /* Drawing: mask blits and bitmap helpers. A mask is 1 bit per pixel,  */
 /* set (white) where the image is transparent. Pictures given with a   */
@@ -738,6 +815,76 @@ QZAPI BOOL WINAPI RANGEIsUINTValid(HWND window, char *text, DWORD low, DWORD hig
 QZAPI BOOL WINAPI RANGEIsREALValid(HWND window, char *text, DWORD low, DWORD high);
 QZAPI BOOL WINAPI RANGEIsDATEValid(HWND window, char *text);
 QZAPI BOOL WINAPI RANGEIsTIMEValid(HWND window, char *text);
+/* ------------------------------------------------------------------ */
+/* Telephony: the service "TAPI32.DLL", loaded at run time             */
+/* ------------------------------------------------------------------ */
+/* Line application, line and call handles are 32-bit values; the service's
+ * records (LINEDEVCAPS and so on) are passed as the service defines them. */
+/* Loads the service at attach; 1 always, the service being optional. */
+QZAPI BOOL WINAPI TelephonyStart(DWORD reserved);
+/* Uses `library` as the service from now on (null switches telephony off). */
+QZAPI BOOL WINAPI Telephony_Initialize(HMODULE library);
+/* Registers the application with the service once its main window exists;
+ * a failure switches telephony off for good. */
+QZAPI void WINAPI TelephonyClientStart(HWND window);
+QZAPI DWORD WINAPI IsTelephonyEnabled(void);
+QZAPI DWORD WINAPI Telephony_GetNumDevices(void);
+/* Looks at line `device` without keeping it: 0 usable, 1 failed, 2 no
+ * voice, 4 cannot make calls, 5 in use elsewhere, 6 cannot call now. */
+QZAPI DWORD WINAPI Telephony_VerifyUsableLine(HWND window, DWORD device);
+/* The version agreed between 1.3 and 1.4, or 0. */
+QZAPI DWORD WINAPI Telephony_lineNegotiateLegacyAPIVersion(HWND window, DWORD device);
+/* Wrappers: 0 while telephony is off, else the service's result. The first
+ * argument stands where the service takes its line application; the
+ * library's own goes in its place. */
+QZAPI LONG WINAPI Telephony_lineGetDevCaps(DWORD lineApp, DWORD device, DWORD version,
+                                           DWORD extensionVersion, void *caps);
+QZAPI LONG WINAPI Telephony_lineGetAddressCaps(DWORD lineApp, DWORD device, DWORD address,
+                                               DWORD version, DWORD extensionVersion, void *caps);
+QZAPI LONG WINAPI Telephony_lineOpen(DWORD lineApp, DWORD device, DWORD *line, DWORD version,
+                                     DWORD extensionVersion, DWORD_PTR callbackInstance,
+                                     DWORD privileges, DWORD mediaModes, const void *callParams);
+QZAPI LONG WINAPI Telephony_lineNegotiateAPIVersion(DWORD lineApp, DWORD device, DWORD lowVersion,
+                                                    DWORD highVersion, DWORD *version,
+                                                    void *extensionId);
+QZAPI LONG WINAPI Telephony_lineTranslateAddress(DWORD lineApp, DWORD device, DWORD version,
+                                                 const char *address, DWORD card, DWORD flags,
+                                                 void *output);
+QZAPI LONG WINAPI Telephony_lineGetTranslateCaps(DWORD lineApp, DWORD version, void *caps);
+QZAPI LONG WINAPI Telephony_lineSetCurrentLocation(DWORD lineApp, DWORD location);
+QZAPI LONG WINAPI Telephony_lineTranslateDialog(DWORD device, DWORD version, HWND owner,
+                                                const char *address);
+QZAPI LONG WINAPI Telephony_lineConfigDialogEdit(DWORD device, HWND owner, const char *deviceClass,
+                                                 const void *config, DWORD size, void *configOut);
+/* The first argument of these four is not used. */
+QZAPI LONG WINAPI Telephony_lineClose(DWORD unused, DWORD line);
+QZAPI LONG WINAPI Telephony_lineSetDevConfig(DWORD unused, DWORD device, const void *config,
+                                             DWORD size, const char *deviceClass);
+QZAPI LONG WINAPI Telephony_lineGetDevConfig(DWORD unused, DWORD device, void *config,
+                                             const char *deviceClass);
+QZAPI LONG WINAPI Telephony_lineGetCountry(DWORD unused, DWORD country, DWORD version, void *list);
+/* Dials `number` on line `device` (-1: none chosen), piece by piece at its
+ * dial modifiers, asking the user at each stop; the call stays open. 1 when
+ * the call is under way or telephony is off. */
+QZAPI BOOL WINAPI Telephony_DialNumber(HWND window, LONG device, DWORD address, const char *number,
+                                       const char *displayName);
+/* Takes the call and its line down and sends the hang-up message with
+ * `reason`, the call state that ended the call. */
+QZAPI BOOL WINAPI Telephony_HangupCall(HWND window, DWORD reason);
+/* A hang-up sends `message` to `window` with the reason in lParam. */
+QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
+/* Time gadgets: Tumbler, a spin field for integers, times and reals   */
+/* ------------------------------------------------------------------ */
+/* Styles. 0x10 wins over 0x20 when both are set. */
+#define TUS_SELF31 0x01      /* sends itself WM_USER at create; no effect */
+#define TUS_SELF32 0x02      /* the same with another lParam */
+#define TUS_HOURMINUTE 0x10  /* the edit shows hours and minutes */
+#define TUS_REAL 0x20        /* the edit shows a real number */
+/* lParam: four 32-bit values: minimum, maximum, value, step (not 0).
+ * Sets the gadget's text to the value. Result 0. */
+#define TUM_SETRANGE 0x401
+/* Notifications: every edit notification under its own code; EN_CHANGE
+ * also on the release of a step key and ahead of EN_KILLFOCUS. */
 
 #ifdef __cplusplus
 }
