@@ -3,12 +3,16 @@
 #include "gadget_frame.h"
 #include "../core/module_globals.h"
 
+// The window procedures of the gadgets in the table.
+LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
+
 namespace {
 
 // The gadget classes in registration order, one row each; every class has
 // one pointer-sized word of window extra and no class extra. A gadget joins
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
+    {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},
 };
 
