@@ -460,13 +460,12 @@ void FitRows(HWND w, VListRecord *r)
         r->cacheSize = r->visibleCount;  // the array grows at the next add
     if (r->loadBatch < r->visibleCount)
         r->loadBatch = r->visibleCount;
+    // The height fits whole rows; the width stays as the window has it.
     RECT fit = {0, 0, client.right, static_cast<int>(r->visibleCount) * height};
     AdjustWindowRectEx(&fit, GetWindowLongA(w, GWL_STYLE), FALSE, GetWindowLongA(w, GWL_EXSTYLE));
-    int low, high;
-    GetScrollRange(w, SB_VERT, &low, &high);
-    if (high > low)
-        fit.right += GetSystemMetrics(SM_CXVSCROLL) - GetSystemMetrics(SM_CXBORDER);
-    SetWindowPos(w, nullptr, 0, 0, fit.right - fit.left, fit.bottom - fit.top,
+    RECT window;
+    GetWindowRect(w, &window);
+    SetWindowPos(w, nullptr, 0, 0, window.right - window.left, fit.bottom - fit.top,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     if ((r = Rec(w)) != nullptr)
         r->inResize = false;
