@@ -752,7 +752,7 @@ typedef struct VLGETTEXTREQUEST { LPSTR buffer; DWORD index; DWORD size; } VLGET
 #if !defined(_WIN64)
 typedef char VLRELEASEREQUEST_is_12_bytes[sizeof(VLRELEASEREQUEST) == 12 ? 1 : -1];
 typedef char VLMEASUREREQUEST_is_20_bytes[sizeof(VLMEASUREREQUEST) == 20 ? 1 : -1];
-typedef char VLDRAWREQUEST_is_40_bytes[sizeof(VLDRAWREQUEST) == 40 ? 1 : -1];
+typedef char VLDRAWREQUEST_is_36_bytes[sizeof(VLDRAWREQUEST) == 36 ? 1 : -1];
 typedef char VLFINDREQUEST_is_8_bytes[sizeof(VLFINDREQUEST) == 8 ? 1 : -1];
 typedef char VLGETTEXTREQUEST_is_12_bytes[sizeof(VLGETTEXTREQUEST) == 12 ? 1 : -1];
 #endif
