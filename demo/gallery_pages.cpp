@@ -254,6 +254,46 @@ HWND BuildTumblerPage(HWND host)
     return page;
 }
 
+// A million entries that exist only as numbers: the list asks for the ones
+// it shows and forgets them when they leave its window.
+LRESULT CALLBACK MillionListProc(HWND list, UINT code, void *request, LPARAM)
+{
+    DWORD first = 0, last = 0;
+    if (code == VLN_INIT) {
+        auto *init = static_cast<VLINITREQUEST *>(request);
+        if (!init->firstRows) return 0;
+        last = init->firstRows - 1;
+    } else if (code == VLN_LOAD) {
+        first = static_cast<VLLOADREQUEST *>(request)->first;
+        last = static_cast<VLLOADREQUEST *>(request)->last;
+    } else {
+        return 0;
+    }
+    // A one-item lookup keeps the text pointer, so the text must outlive it.
+    static char text[48];
+    for (DWORD i = first;; ++i) {
+        wsprintfA(text, "Entry %lu of 1,000,000", static_cast<unsigned long>(i + 1));
+        VListBox_AddString(list, i, text, static_cast<LPARAM>(i));
+        if (i == last) break;
+    }
+    return 0;
+}
+
+HWND BuildVirtualListPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Virtual list", 340, 242);
+    if (!page) return nullptr;
+    HWND list = CreateWindowExA(0, "QzVListBox", "", WS_CHILD | WS_VISIBLE | WS_VSCROLL |
+                                VLS_EXTENDEDSEL | VLS_NOTIFY, 10, 10, 320, 222, page,
+                                reinterpret_cast<HMENU>(1), GetModuleHandleA(nullptr), nullptr);
+    if (!list || !VListBox_Initialize(list, 1000000, 200, 40, MillionListProc, 0)) return nullptr;
+    VListBox_SetTopIndex(list, 499995);
+    const DWORD chosen[] = {499997, 499998, 499999, 500002};
+    VListBox_SetSelItems(list, 4, chosen);
+    VListBox_SetCaretIndex(list, 500002);
+    return page;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
@@ -262,6 +302,7 @@ const GalleryPage kGalleryPages[] = {
     {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
+    {"virtual_list", "Virtual list", BuildVirtualListPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

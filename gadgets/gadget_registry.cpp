@@ -7,6 +7,9 @@
 LRESULT CALLBACK ZimboWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
+// The window procedures of the gadgets in the table.
+LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
+
 namespace {
 
 // The gadget classes in registration order, one row each; every class has
@@ -15,6 +18,7 @@ namespace {
 const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
+    {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
      TumblerWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},

@@ -885,6 +885,86 @@ QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 #define TUM_SETRANGE 0x401
 /* Notifications: every edit notification under its own code; EN_CHANGE
  * also on the release of a step key and ahead of EN_KILLFOCUS. */
+/* ------------------------------------------------------------------ */
+/* Virtual list box ("QzVListBox")                                     */
+/* ------------------------------------------------------------------ */
+/* Style bits (the low word of the window style). */
+#define VLS_OWNERDRAW     0x0001
+#define VLS_NOTIFY        0x0004
+#define VLS_EXTENDEDSEL   0x0010
+#define VLS_STRINGS       0x0020
+#define VLS_MULTIPLESEL   0x0040
+#define VLS_WANTCHARS     0x0100
+#define VLS_NOTHUMBTRACK  0x0200
+#define VLS_DOUBLEBUFFER  0x0400
+#define VLS_ALPHATHUMB    0x0800
+/* Callback codes; the third argument points at the request record named. */
+#define VLN_INIT       1   /* VLINITREQUEST */
+#define VLN_LOAD       2   /* VLLOADREQUEST */
+#define VLN_RELEASE    5   /* VLRELEASEREQUEST */
+#define VLN_MEASURE    6   /* VLMEASUREREQUEST */
+#define VLN_DRAW       7   /* VLDRAWREQUEST */
+#define VLN_SELCHANGE  8   /* one word, 0 */
+#define VLN_ERROR      9   /* null */
+#define VLN_DBLCLK     10  /* one word: the index under the pointer */
+#define VLN_SETFOCUS   11  /* VLFOCUSREQUEST: the window that lost the focus */
+#define VLN_KILLFOCUS  12  /* VLFOCUSREQUEST: the window that gains it */
+#define VLN_CHAR       14  /* VLCHARREQUEST */
+#define VLN_FIND       15  /* VLFINDREQUEST */
+#define VLN_GETTEXT    16  /* VLGETTEXTREQUEST */
+#define VLN_DESTROY    19  /* null */
+/* VLN_DRAW state bits. */
+#define VLDS_SELECTED  0x01
+#define VLDS_FOCUS     0x10
+typedef struct VLINITREQUEST { DWORD firstRows; DWORD loadBatch; } VLINITREQUEST;
+typedef struct VLLOADREQUEST { DWORD first; DWORD last; } VLLOADREQUEST;
+typedef struct VLRELEASEREQUEST { DWORD index; LPARAM itemData; LPSTR text; } VLRELEASEREQUEST;
+typedef struct VLMEASUREREQUEST {
+    HDC dc; DWORD reserved1; LONG width; LONG height; DWORD reserved2;
+} VLMEASUREREQUEST;
+typedef struct VLDRAWREQUEST {
+    DWORD index; DWORD state; HDC dc; RECT rect; LPARAM itemData; LPCSTR text;
+} VLDRAWREQUEST;
+typedef struct VLFOCUSREQUEST { HWND window; } VLFOCUSREQUEST;
+typedef struct VLCHARREQUEST { DWORD character; DWORD repeat; } VLCHARREQUEST;
+typedef struct VLFINDREQUEST { LPCSTR text; DWORD index; } VLFINDREQUEST;
+typedef struct VLGETTEXTREQUEST { LPSTR buffer; DWORD index; DWORD size; } VLGETTEXTREQUEST;
+#if !defined(_WIN64)
+typedef char VLRELEASEREQUEST_is_12_bytes[sizeof(VLRELEASEREQUEST) == 12 ? 1 : -1];
+typedef char VLMEASUREREQUEST_is_20_bytes[sizeof(VLMEASUREREQUEST) == 20 ? 1 : -1];
+typedef char VLDRAWREQUEST_is_36_bytes[sizeof(VLDRAWREQUEST) == 36 ? 1 : -1];
+typedef char VLFINDREQUEST_is_8_bytes[sizeof(VLFINDREQUEST) == 8 ? 1 : -1];
+typedef char VLGETTEXTREQUEST_is_12_bytes[sizeof(VLGETTEXTREQUEST) == 12 ? 1 : -1];
+#endif
+/* The host's callback: window, code, request record, callback data. */
+typedef LRESULT(CALLBACK *VLISTBOXPROC)(HWND window, UINT code, void *request, LPARAM data);
+/* A total or cache size of (DWORD)-1 means unknown or the default (4096). */
+QZAPI BOOL WINAPI VListBox_Initialize(HWND list, DWORD total, DWORD cacheSize, DWORD loadBatch,
+                                      VLISTBOXPROC callback, LPARAM data);
+QZAPI BOOL WINAPI VListBox_AddItemData(HWND list, DWORD index, LPARAM itemData);
+/* The text is copied into the list's cache. */
+QZAPI BOOL WINAPI VListBox_AddString(HWND list, DWORD index, LPCSTR text, LPARAM itemData);
+QZAPI BOOL WINAPI VListBox_SetNumItems(HWND list, DWORD total);
+QZAPI DWORD WINAPI VListBox_GetNumItems(HWND list);
+QZAPI DWORD WINAPI VListBox_GetCurSel(HWND list);
+QZAPI BOOL WINAPI VListBox_SetCurSel(HWND list, DWORD index);
+QZAPI DWORD WINAPI VListBox_GetCaretIndex(HWND list);
+QZAPI BOOL WINAPI VListBox_SetCaretIndex(HWND list, DWORD index);
+/* The flag is not used: the item is always selected. */
+QZAPI BOOL WINAPI VListBox_SetSel(HWND list, BOOL flag, DWORD index);
+QZAPI BOOL WINAPI VListBox_GetSel(HWND list, DWORD index);
+QZAPI DWORD WINAPI VListBox_GetSelCount(HWND list);
+/* The buffer must hold VListBox_GetSelCount indices. */
+QZAPI BOOL WINAPI VListBox_GetSelItems(HWND list, DWORD *buffer);
+/* The array must be sorted ascending. */
+QZAPI BOOL WINAPI VListBox_SetSelItems(HWND list, DWORD count, const DWORD *items);
+QZAPI DWORD WINAPI VListBox_GetTopIndex(HWND list);
+QZAPI BOOL WINAPI VListBox_SetTopIndex(HWND list, DWORD index);
+QZAPI LPARAM WINAPI VListBox_GetItemData(HWND list, DWORD index);
+QZAPI BOOL WINAPI VListBox_IsItemCached(HWND list, DWORD index);
+/* The buffer must hold VListBox_GetTextLen + 1 characters. */
+QZAPI BOOL WINAPI VListBox_GetText(HWND list, DWORD index, LPSTR buffer);
+QZAPI DWORD WINAPI VListBox_GetTextLen(HWND list, DWORD index);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,199 @@
+// Selection runs, thumb mapping and the glide of the virtual lists.
+#include "vlist_shared.h"
+#include "qziso32.h"
+#include <string.h>
+
+namespace {
+
+// The first run whose high end is not below `index` (runCount if none).
+DWORD FindRun(const VListSelection &sel, DWORD index)
+{
+    DWORD low = 0, high = sel.runCount;
+    while (low < high) {
+        DWORD mid = low + (high - low) / 2;
+        if (sel.runs[mid].high < index)
+            low = mid + 1;
+        else
+            high = mid;
+    }
+    return low;
+}
+
+bool ResizeRuns(VListSelection &sel, DWORD runCount)
+{
+    if (runCount == 0) {
+        if (sel.runs)
+            LocalFree(sel.runs);
+        sel.runs = nullptr;
+        sel.runCount = 0;
+        return true;
+    }
+    SIZE_T bytes = static_cast<SIZE_T>(runCount) * sizeof(VListRun);
+    void *block = sel.runs ? LocalReAlloc(sel.runs, bytes, LMEM_MOVEABLE | LMEM_ZEROINIT)
+                           : LocalAlloc(LPTR, bytes);
+    if (!block) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(bytes));
+        return false;
+    }
+    sel.runs = static_cast<VListRun *>(block);
+    return true;
+}
+
+// Opens a gap of one run at `at`.
+bool InsertRun(VListSelection &sel, DWORD at, VListRun run)
+{
+    if (!ResizeRuns(sel, sel.runCount + 1))
+        return false;
+    memmove(sel.runs + at + 1, sel.runs + at, (sel.runCount - at) * sizeof(VListRun));
+    sel.runs[at] = run;
+    ++sel.runCount;
+    return true;
+}
+
+void RemoveRun(VListSelection &sel, DWORD at)
+{
+    memmove(sel.runs + at, sel.runs + at + 1, (sel.runCount - at - 1) * sizeof(VListRun));
+    DWORD left = sel.runCount - 1;
+    ResizeRuns(sel, left);  // a failed shrink keeps the larger block
+    sel.runCount = left;
+}
+
+}  // namespace
+
+bool VListSelContains(const VListSelection &sel, DWORD index)
+{
+    DWORD at = FindRun(sel, index);
+    return at < sel.runCount && sel.runs[at].low <= index;
+}
+
+bool VListSelAdd(VListSelection &sel, DWORD index)
+{
+    DWORD at = FindRun(sel, index);
+    if (at < sel.runCount && sel.runs[at].low <= index)
+        return true;
+    bool joinsPrevious = at > 0 && sel.runs[at - 1].high + 1 == index;
+    bool joinsNext = at < sel.runCount && index != 0xFFFFFFFFu && sel.runs[at].low == index + 1;
+    if (joinsPrevious && joinsNext) {
+        sel.runs[at - 1].high = sel.runs[at].high;
+        RemoveRun(sel, at);
+    } else if (joinsPrevious) {
+        sel.runs[at - 1].high = index;
+    } else if (joinsNext) {
+        sel.runs[at].low = index;
+    } else if (!InsertRun(sel, at, VListRun{index, index})) {
+        return false;
+    }
+    ++sel.count;
+    return true;
+}
+
+bool VListSelRemove(VListSelection &sel, DWORD index)
+{
+    DWORD at = FindRun(sel, index);
+    if (at >= sel.runCount || sel.runs[at].low > index)
+        return true;
+    VListRun &run = sel.runs[at];
+    if (run.low == run.high) {
+        RemoveRun(sel, at);
+    } else if (index == run.low) {
+        ++run.low;
+    } else if (index == run.high) {
+        --run.high;
+    } else {
+        VListRun upper{index + 1, run.high};
+        if (!InsertRun(sel, at + 1, upper))
+            return false;
+        sel.runs[at].high = index - 1;
+    }
+    --sel.count;
+    return true;
+}
+
+void VListSelClear(VListSelection &sel)
+{
+    ResizeRuns(sel, 0);
+    sel.count = 0;
+}
+
+bool VListSelSetRun(VListSelection &sel, DWORD low, DWORD high)
+{
+    VListSelection fresh = {};
+    if (!ResizeRuns(fresh, 1))
+        return false;
+    fresh.runs[0] = VListRun{low, high};
+    fresh.runCount = 1;
+    fresh.count = high - low + 1;
+    VListSelClear(sel);
+    sel = fresh;
+    return true;
+}
+
+void VListSelCopy(const VListSelection &sel, DWORD *buffer)
+{
+    for (DWORD r = 0; r < sel.runCount; ++r)
+        for (DWORD index = sel.runs[r].low;; ++index) {
+            *buffer++ = index;
+            if (index == sel.runs[r].high)
+                break;
+        }
+}
+
+int VListThumbRange(DWORD count, DWORD visible)
+{
+    if (count < visible)
+        return 0;
+    DWORD range = count - visible;
+    return range > 32000 ? 32000 : static_cast<int>(range);
+}
+
+int VListThumbFromIndex(DWORD index, DWORD count, DWORD visible)
+{
+    if (count < visible)
+        return 0;
+    unsigned long long range = count - visible;
+    if (range < 32001)
+        return static_cast<int>(index > range ? range : index);
+    unsigned long long pos = static_cast<unsigned long long>(index) * 32000 / range;
+    return static_cast<int>(pos > 32000 ? 32000 : pos);
+}
+
+DWORD VListIndexFromThumb(int thumb, DWORD count, DWORD visible)
+{
+    if (count < visible || thumb <= 0)
+        return 0;
+    unsigned long long range = count - visible;
+    if (range < 32001)
+        return static_cast<DWORD>(thumb);
+    return static_cast<DWORD>(range * static_cast<unsigned>(thumb) / 32000);
+}
+
+void VListGlide(HWND window, HDC memory, const RECT &rows, int distance, int step)
+{
+    if (distance == 0)
+        return;
+    HDC screen = GetDC(window);
+    if (!screen) {
+        OSErrorSetErrorInfo(RV_GDIError, "GetDC");
+        return;
+    }
+    int total = distance > 0 ? distance : -distance;
+    int width = rows.right - rows.left;
+    if (step < 1)
+        step = 1;
+    for (int moved = 0; moved < total;) {
+        int slice = total - moved < step ? total - moved : step;
+        moved += slice;
+        RECT area = rows;
+        if (distance > 0) {
+            // Content moves up; the slice at the bottom comes from memory.
+            ScrollDC(screen, 0, -slice, &area, &area, nullptr, nullptr);
+            BitBlt(screen, rows.left, rows.bottom - slice, width, slice, memory, rows.left,
+                   rows.bottom - slice + moved - total, SRCCOPY);
+        } else {
+            ScrollDC(screen, 0, slice, &area, &area, nullptr, nullptr);
+            BitBlt(screen, rows.left, rows.top, width, slice, memory, rows.left,
+                   rows.top + total - moved, SRCCOPY);
+        }
+    }
+    ReleaseDC(window, screen);
+}

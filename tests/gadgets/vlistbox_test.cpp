@@ -1,0 +1,604 @@
+// QzVListBox through its exports and messages, with a host callback that
+// logs every request and answers loads from a list it holds.
+#include "qz_test.h"
+#include "window_harness.h"
+#include "qziso32.h"
+#include <cstdio>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+const int ID_LIST = 41;
+const DWORD kRows = 10;
+
+struct Host {
+    std::vector<std::string> log;
+    std::set<DWORD> held;       // loaded into the cache and not yet released
+    std::set<DWORD> skipOnce;   // indices the next load leaves out
+    std::vector<int> ids;       // item i shows "Item <ids[i]>"; empty: "Item <i>"
+    bool logLoads = true;
+    int badReleases = 0;
+    DWORD findAnswer = 0;
+    std::string lastText;  // a lookup keeps the pointer it is given
+
+    std::string Text(DWORD index) const
+    {
+        return "Item " + std::to_string(ids.empty() ? static_cast<long long>(index)
+                                                    : static_cast<long long>(ids.at(index)));
+    }
+    std::vector<std::string> Take()
+    {
+        std::vector<std::string> taken;
+        taken.swap(log);
+        return taken;
+    }
+};
+
+std::string Words(const char *name, DWORD a, DWORD b)
+{
+    char text[64];
+    snprintf(text, sizeof text, "%s %lu %lu", name, static_cast<unsigned long>(a),
+             static_cast<unsigned long>(b));
+    return text;
+}
+
+bool AddText(HWND w, Host &host, DWORD i)
+{
+    host.lastText = host.Text(i);
+    return VListBox_AddString(w, i, host.lastText.c_str(), static_cast<LPARAM>(i));
+}
+
+LRESULT CALLBACK HostProc(HWND w, UINT code, void *request, LPARAM data)
+{
+    Host &host = *reinterpret_cast<Host *>(data);
+    switch (code) {
+    case VLN_INIT: {
+        auto *init = static_cast<VLINITREQUEST *>(request);
+        host.log.push_back(Words("INIT", init->firstRows, init->loadBatch));
+        for (DWORD i = 0; i < init->firstRows; ++i)
+            if (AddText(w, host, i) && VListBox_IsItemCached(w, i))
+                host.held.insert(i);
+        break;
+    }
+    case VLN_LOAD: {
+        auto *load = static_cast<VLLOADREQUEST *>(request);
+        if (host.logLoads)
+            host.log.push_back(Words("LOAD", load->first, load->last));
+        for (DWORD i = load->first;; ++i) {
+            if (!host.skipOnce.erase(i) && (host.ids.empty() || i < host.ids.size()) &&
+                AddText(w, host, i) && VListBox_IsItemCached(w, i))
+                host.held.insert(i);
+            if (i == load->last)
+                break;
+        }
+        break;
+    }
+    case VLN_RELEASE: {
+        auto *release = static_cast<VLRELEASEREQUEST *>(request);
+        if (host.logLoads)
+            host.log.push_back(Words("RELEASE", release->index, 0));
+        if (!host.held.erase(release->index) || static_cast<DWORD>(release->itemData) != release->index)
+            ++host.badReleases;
+        break;
+    }
+    case VLN_SELCHANGE: host.log.push_back("SELCHANGE"); break;
+    case VLN_GETTEXT: {
+        auto *get = static_cast<VLGETTEXTREQUEST *>(request);
+        host.log.push_back(Words("GETTEXT", get->index, get->size));
+        lstrcpynA(get->buffer, host.Text(get->index).c_str(), get->size);
+        break;
+    }
+    case VLN_FIND: {
+        auto *find = static_cast<VLFINDREQUEST *>(request);
+        host.log.push_back(std::string("FIND ") + find->text);
+        find->index = host.findAnswer;
+        break;
+    }
+    case VLN_SETFOCUS: host.log.push_back("SETFOCUS"); break;
+    case VLN_KILLFOCUS: host.log.push_back("KILLFOCUS"); break;
+    case VLN_DBLCLK: host.log.push_back(Words("DBLCLK", *static_cast<DWORD *>(request), 0)); break;
+    case VLN_DESTROY: host.log.push_back("DESTROY"); break;
+    }
+    return 0;
+}
+
+int RowHeight()
+{
+    HDC dc = GetDC(nullptr);
+    HGDIOBJ old = SelectObject(dc, GetStockObject(SYSTEM_FONT));
+    TEXTMETRICA tm;
+    GetTextMetricsA(dc, &tm);
+    SelectObject(dc, old);
+    ReleaseDC(nullptr, dc);
+    return tm.tmHeight + tm.tmInternalLeading;
+}
+
+class VListBox : public ErrorStateTest {
+protected:
+    void SetUp() override
+    {
+        ErrorStateTest::SetUp();
+        ASSERT_TRUE(RegisterGadgets(0));
+        parent_ = new RecordingParent(400, 600);
+        parent_->Ignore(WM_CTLCOLORSCROLLBAR);
+    }
+    void TearDown() override
+    {
+        delete parent_;
+        UnRegisterGadgets();
+        ErrorStateTest::TearDown();
+    }
+    // A list of kRows rows, initialised with `total`, a cache of 100 and a
+    // batch of 20; the log starts empty.
+    HWND Make(DWORD style, DWORD total, Host &host, DWORD cache = 100, DWORD batch = 20)
+    {
+        HWND list = parent_->CreateChild("QzVListBox", ID_LIST, WS_VSCROLL | style, 0, 0, 200,
+                                         kRows * RowHeight());
+        EXPECT_TRUE(list);
+        EXPECT_TRUE(VListBox_Initialize(list, total, cache, batch, HostProc,
+                                        reinterpret_cast<LPARAM>(&host)));
+        host.Take();
+        parent_->Pump();
+        parent_->Clear();
+        return list;
+    }
+    RecordingParent *parent_ = nullptr;
+    Host host_;
+};
+
+typedef std::vector<std::string> Log;
+
+TEST_F(VListBox, KeepsItsCacheWindowAroundTheView)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = parent_->CreateChild("QzVListBox", ID_LIST, WS_VSCROLL, 0, 0, 200,
+                                     kRows * RowHeight());
+    ASSERT_TRUE(VListBox_Initialize(list, 1000, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
+    EXPECT_EQ(Log({"INIT 10 20"}), host.Take());
+
+    Log released;
+    for (DWORD i = 0; i < 10; ++i) released.push_back(Words("RELEASE", i, 0));
+    released.push_back(Words("LOAD", 495, 514));
+    EXPECT_TRUE(VListBox_SetTopIndex(list, 500));
+    EXPECT_EQ(released, host.Take()) << "jump: the old window leaves, one batch centred on the view";
+    EXPECT_TRUE(VListBox_IsItemCached(list, 514));
+    EXPECT_FALSE(VListBox_IsItemCached(list, 515));
+
+    SendMessageA(list, WM_VSCROLL, SB_LINEDOWN, 0);
+    EXPECT_EQ(Log(), host.Take()) << "the view stays inside what is loaded";
+    EXPECT_EQ(501u, VListBox_GetTopIndex(list));
+
+    SendMessageA(list, WM_VSCROLL, SB_PAGEDOWN, 0);
+    EXPECT_EQ(510u, VListBox_GetTopIndex(list));
+    EXPECT_EQ(Log({Words("LOAD", 515, 534)}), host.Take()) << "page: the run after the loaded part";
+
+    Log back;
+    for (DWORD i = 495; i <= 534; ++i) back.push_back(Words("RELEASE", i, 0));
+    back.push_back(Words("LOAD", 0, 19));
+    SendMessageA(list, WM_VSCROLL, SB_TOP, 0);
+    EXPECT_EQ(back, host.Take());
+
+    // A hole in the middle is asked for alone, the rest as one run.
+    host.skipOnce = {15};
+    EXPECT_TRUE(VListBox_SetTopIndex(list, 500));
+    host.Take();
+    EXPECT_TRUE(VListBox_SetTopIndex(list, 0));
+    EXPECT_EQ(Log({"RELEASE 495 0", "RELEASE 496 0", "RELEASE 497 0", "RELEASE 498 0",
+                   "RELEASE 499 0", "RELEASE 500 0", "RELEASE 501 0", "RELEASE 502 0",
+                   "RELEASE 503 0", "RELEASE 504 0", "RELEASE 505 0", "RELEASE 506 0",
+                   "RELEASE 507 0", "RELEASE 508 0", "RELEASE 509 0", "RELEASE 510 0",
+                   "RELEASE 511 0", "RELEASE 512 0", "RELEASE 513 0", "RELEASE 514 0",
+                   "LOAD 0 19"}),
+              host.Take());
+    EXPECT_FALSE(VListBox_IsItemCached(list, 15));
+    SendMessageA(list, WM_VSCROLL, SB_PAGEDOWN, 0);  // top 9: rows 9..18 need 15
+    EXPECT_EQ(Log({"LOAD 15 15", "LOAD 20 34"}), host.Take());
+
+    DestroyWindow(list);
+    EXPECT_EQ(0, host.badReleases);
+    EXPECT_TRUE(host.held.empty()) << "every loaded item is released by the end";
+}
+
+TEST_F(VListBox, LeavesALoneMissingItemAtTheEndOfTheWindow)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(0, 1000, host);
+    host.skipOnce = {999};
+    SendMessageA(list, WM_VSCROLL, SB_BOTTOM, 0);
+    EXPECT_EQ(990u, VListBox_GetTopIndex(list));
+    Log log = host.Take();
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ(Words("LOAD", 980, 999), log.back());
+    SendMessageA(list, WM_VSCROLL, SB_LINEDOWN, 0);
+    EXPECT_EQ(Log(), host.Take()) << "a trailing run of one is not asked for";
+    EXPECT_FALSE(VListBox_IsItemCached(list, 999));
+    // A direct question loads it through a scratch entry, outside the cache.
+    EXPECT_EQ(999, VListBox_GetItemData(list, 999));
+    EXPECT_EQ(Log({"LOAD 999 999"}), host.Take());
+    EXPECT_FALSE(VListBox_IsItemCached(list, 999));
+    EXPECT_EQ(8u, VListBox_GetTextLen(list, 999));
+    EXPECT_EQ(1000, VListBox_GetItemData(list, 1000)) << "an index equal to the total passes";
+    EXPECT_EQ(-1, VListBox_GetItemData(list, 1001));
+    char text[32] = "";
+    EXPECT_TRUE(VListBox_GetText(list, 995, text));
+    EXPECT_STREQ("Item 995", text);
+}
+
+TEST_F(VListBox, AsksNothingForAnEmptyListYetTakesAClick)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(0, 0, host);
+    SendMessageA(list, WM_VSCROLL, SB_PAGEDOWN, 0);
+    EXPECT_TRUE(VListBox_SetTopIndex(list, 40));
+    EXPECT_EQ(0u, VListBox_GetTopIndex(list));
+    Click(list, 5, RowHeight() * 3 + 2);
+    EXPECT_EQ(3u, VListBox_GetCaretIndex(list));
+    for (const std::string &line : host.Take())
+        EXPECT_EQ(std::string::npos, line.find("LOAD")) << line;
+    EXPECT_EQ(0u, VListBox_GetNumItems(list));
+}
+
+TEST_F(VListBox, RefusesBadArgumentsAndWindowsWithoutARecord)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(0, 1000, host);
+    EXPECT_FALSE(VListBox_Initialize(list, 1000, 5000, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
+    EXPECT_EQ(0u, VListBox_GetTopIndex(list));
+    EXPECT_FALSE(VListBox_Initialize(parent_->Window(), 10, 10, 10, HostProc, 0));
+    EXPECT_EQ(0xFFFFFFFFu, VListBox_GetNumItems(nullptr));
+    EXPECT_EQ(0xFFFFFFFFu, VListBox_GetCaretIndex(parent_->Window()));
+    EXPECT_FALSE(VListBox_SetTopIndex(nullptr, 3));
+    EXPECT_FALSE(VListBox_SetSel(list, TRUE, 3)) << "a single-selection list has no set";
+    HWND owner = Make(VLS_OWNERDRAW | VLS_STRINGS, 100, host);
+    EXPECT_FALSE(VListBox_AddString(owner, 0, "x", 0));
+    EXPECT_TRUE(VListBox_AddItemData(owner, 0, 7));
+}
+
+TEST_F(VListBox, SingleSelectionNotifiesAndMirrorsTheText)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(VLS_NOTIFY, 1000, host);
+    Click(list, 5, RowHeight() * 2 + 1);
+    EXPECT_EQ(Log({"SETFOCUS", "SELCHANGE", "GETTEXT 2 256"}), host.Take());
+    static const Message click_seq[] = {
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x0B), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x12), 0},
+        {0, 0, 0, 0}};
+    EXPECT_SEQUENCE(*parent_, click_seq, "click");
+    EXPECT_EQ(2u, VListBox_GetCurSel(list));
+    char text[64];
+    GetWindowTextA(list, text, sizeof text);
+    EXPECT_STREQ("Item 2", text);
+
+    Key(list, VK_DOWN);
+    EXPECT_EQ(Log({"SELCHANGE", "GETTEXT 3 256"}), host.Take());
+    static const Message key_seq[] = {
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0}, {0, 0, 0, 0}};
+    EXPECT_SEQUENCE(*parent_, key_seq, "down");
+    EXPECT_EQ(3u, VListBox_GetCurSel(list));
+    EXPECT_EQ(0u, VListBox_GetSelCount(list));
+
+    Key(list, VK_END);
+    EXPECT_EQ(999u, VListBox_GetCurSel(list));
+    EXPECT_EQ(990u, VListBox_GetTopIndex(list));
+    Key(list, VK_HOME);
+    EXPECT_EQ(0u, VListBox_GetTopIndex(list));
+    host.Take();
+
+    // Setting the text finds the item and selects it without notifying.
+    host.findAnswer = 42;
+    SetWindowTextA(list, "item 42");
+    EXPECT_EQ(Log({"FIND item 42", "LOAD 37 56"}), host.Take());
+    EXPECT_EQ(42u, VListBox_GetCurSel(list));
+    EXPECT_EQ(42u, VListBox_GetTopIndex(list));
+    SetWindowTextA(list, "ITEM 42");
+    EXPECT_EQ(Log(), host.Take()) << "the same text regardless of case asks nothing";
+    host.findAnswer = 0xFFFFFFFFu;
+    SetWindowTextA(list, "nothing");
+    EXPECT_EQ(42u, VListBox_GetCurSel(list));
+
+    parent_->Clear();
+    host.Take();
+    EXPECT_TRUE(VListBox_SetCurSel(list, 7));
+    EXPECT_EQ(Log({"GETTEXT 7 256"}), host.Take()) << "no VLN_SELCHANGE from the export";
+    static const Message set_seq[] = {
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0}, {0, 0, 0, 0}};
+    EXPECT_SEQUENCE(*parent_, set_seq, "set");
+}
+
+TEST_F(VListBox, MultipleSelectionTogglesByClickAndSpace)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(VLS_NOTIFY | VLS_MULTIPLESEL, 1000, host);
+    const int h = RowHeight();
+    Click(list, 5, h * 1 + 1);
+    Click(list, 5, h * 4 + 1);
+    Click(list, 5, h * 1 + 1);
+    EXPECT_EQ(1u, VListBox_GetSelCount(list));
+    EXPECT_TRUE(VListBox_GetSel(list, 4));
+    EXPECT_EQ(0xFFFFFFFFu, VListBox_GetCurSel(list));
+    EXPECT_FALSE(VListBox_SetCurSel(list, 3));
+    Key(list, VK_DOWN);
+    Key(list, VK_SPACE);
+    EXPECT_EQ(Log({"SETFOCUS", "SELCHANGE", "SELCHANGE", "SELCHANGE", "SELCHANGE", "SELCHANGE"}),
+              host.Take());
+    DWORD items[4] = {};
+    EXPECT_TRUE(VListBox_GetSelItems(list, items));
+    EXPECT_EQ(2u, items[0]);
+    EXPECT_EQ(4u, items[1]);
+    EXPECT_TRUE(VListBox_SetSel(list, FALSE, 9)) << "the flag is not used";
+    EXPECT_TRUE(VListBox_GetSel(list, 9));
+    const DWORD sorted[] = {1, 2, 3, 700};
+    EXPECT_TRUE(VListBox_SetSelItems(list, 4, sorted));
+    EXPECT_EQ(4u, VListBox_GetSelCount(list));
+    EXPECT_TRUE(VListBox_GetSel(list, 700));
+    EXPECT_FALSE(VListBox_GetSel(list, 4));
+}
+
+TEST_F(VListBox, ExtendedSelectionKeepsTheRunFromAnchorToCaret)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(VLS_NOTIFY | VLS_EXTENDEDSEL, 1000, host);
+    const int h = RowHeight();
+    auto selection = [&] {
+        std::vector<DWORD> items(VListBox_GetSelCount(list));
+        if (!items.empty())
+            VListBox_GetSelItems(list, items.data());
+        return items;
+    };
+    Click(list, 5, h * 3 + 1);
+    Click(list, 5, h * 6 + 1, MK_SHIFT);
+    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6}), selection());
+    Click(list, 5, h * 8 + 1, MK_CONTROL);
+    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6, 8}), selection());
+    Click(list, 5, h * 4 + 1, MK_CONTROL);
+    EXPECT_EQ(std::vector<DWORD>({3, 5, 6, 8}), selection());
+    host.Take();
+    parent_->Clear();
+
+    Key(list, VK_DOWN);  // no Shift: the selection starts again at the caret
+    EXPECT_EQ(std::vector<DWORD>({5}), selection());
+    EXPECT_EQ(Log({"SELCHANGE", "SELCHANGE"}), host.Take()) << "keys notify twice";
+    static const Message twice_seq[] = {
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0},
+        {0, 0, 0, 0}};
+    EXPECT_SEQUENCE(*parent_, twice_seq, "down in extended mode");
+    {
+        HeldKey shift(VK_SHIFT);
+        Key(list, VK_DOWN);
+        Key(list, VK_DOWN);
+        Key(list, VK_DOWN);
+        EXPECT_EQ(std::vector<DWORD>({5, 6, 7, 8}), selection());
+        Key(list, VK_UP);
+        EXPECT_EQ(std::vector<DWORD>({5, 6, 7}), selection()) << "walking back shrinks the run";
+        Key(list, VK_END);
+        EXPECT_EQ(995u, VListBox_GetSelCount(list)) << "anchor 5 to the end in one run";
+        Key(list, VK_HOME);
+        EXPECT_EQ(std::vector<DWORD>({0, 1, 2, 3, 4, 5}), selection());
+    }
+    Key(list, VK_HOME);
+    EXPECT_EQ(std::vector<DWORD>({0}), selection());
+}
+
+TEST_F(VListBox, ExtendedSelectionOfMillionsCostsOneRun)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    host.logLoads = false;
+    HWND list = Make(VLS_EXTENDEDSEL, 50000000, host);
+    Click(list, 5, 1);
+    Key(list, VK_END);
+    {
+        HeldKey shift(VK_SHIFT);
+        Key(list, VK_HOME);
+    }
+    EXPECT_EQ(50000000u, VListBox_GetSelCount(list));
+    EXPECT_TRUE(VListBox_GetSel(list, 31415926));
+    EXPECT_EQ(0u, VListBox_GetTopIndex(list));
+}
+
+TEST_F(VListBox, ThumbFollowsHugeLists)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    host.logLoads = false;
+    HWND list = Make(0, 10000000, host);
+    int low = -1, high = -1;
+    GetScrollRange(list, SB_VERT, &low, &high);
+    EXPECT_EQ(0, low);
+    EXPECT_EQ(32000, high);
+    VListBox_SetTopIndex(list, 5000000);
+    EXPECT_EQ(16000, GetScrollPos(list, SB_VERT)) << "the middle of the list is the middle";
+    SendMessageA(list, WM_VSCROLL, MAKEWPARAM(SB_THUMBPOSITION, 32000), 0);
+    EXPECT_EQ(10000000u - kRows, VListBox_GetTopIndex(list));
+    SendMessageA(list, WM_VSCROLL, MAKEWPARAM(SB_THUMBPOSITION, 8000), 0);
+    EXPECT_EQ((10000000u - kRows) / 4, VListBox_GetTopIndex(list));
+}
+
+// The window's pixels as they stand, without a repaint.
+Readback Screen(HWND w)
+{
+    RECT client;
+    GetClientRect(w, &client);
+    HDC dc = GetDC(w);
+    Readback back = ReadDC(dc, 0, 0, client.right, client.bottom);
+    ReleaseDC(w, dc);
+    return back;
+}
+
+TEST_F(VListBox, GlidesToTheSamePixelsAsAFullRepaint)
+{
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    HWND list = Make(0, 1000, host);
+    VListBox_SetCurSel(list, 503);
+    VListBox_SetTopIndex(list, 500);
+    UpdateWindow(list);
+    struct Move {
+        WPARAM request;
+        DWORD top;
+    } const moves[] = {
+        {SB_LINEDOWN, 501},  {SB_LINEDOWN, 502}, {SB_PAGEDOWN, 511},
+        {SB_LINEUP, 510},    {SB_PAGEUP, 501},   {MAKEWPARAM(SB_THUMBPOSITION, 505), 505},
+        {SB_PAGEDOWN, 514},
+    };
+    for (const Move &move : moves) {
+        SendMessageA(list, WM_VSCROLL, move.request, 0);
+        ASSERT_EQ(move.top, VListBox_GetTopIndex(list));
+        Readback glided = Screen(list);
+        SendMessageA(list, WM_SETFONT, 0, 0);  // a full repaint of every row
+        Readback painted = Readback::Of(list);
+        ASSERT_TRUE(glided.Valid());
+        EXPECT_EQ(0, glided.Differences(painted)) << "after moving to " << move.top;
+    }
+    // The selected row in the highlight colour, only while on view.
+    VListBox_SetTopIndex(list, 500);
+    Readback back = Readback::Of(list);
+    RECT row3 = {0, 3 * RowHeight(), back.Width(), 4 * RowHeight()};
+    EXPECT_GT(back.Count(GetSysColor(COLOR_HIGHLIGHT) & 0xFFFFFF, &row3), 0);
+    RECT row2 = {0, 2 * RowHeight(), back.Width(), 3 * RowHeight()};
+    EXPECT_EQ(0, back.Count(GetSysColor(COLOR_HIGHLIGHT) & 0xFFFFFF, &row2));
+}
+
+// ------------------------------------------------------------- monkey
+// A plain model of a single-selection list: top, caret and selection,
+// moved by the same rules the list follows.
+struct Model {
+    DWORD total, visible, top = 0, caret = 0, sel = 0xFFFFFFFFu;
+    DWORD Clamp(unsigned long long t) const
+    {
+        if (t + visible > total)
+            return total < visible ? 0 : total - visible;
+        return static_cast<DWORD>(t);
+    }
+    void Follow()
+    {
+        if (caret < top)
+            top = Clamp(caret);
+        else if (caret - top >= visible)
+            top = Clamp(caret - visible + 1ull);
+    }
+};
+
+TEST_F(VListBox, MonkeyAgreesWithAPlainModel)
+{
+#if defined(_WIN64)
+    const int steps = 20000;
+#else
+    const int steps = 1000;  // the emulated lane runs some 20 times slower
+#endif
+    Host &host = host_;  // outlives the lists, which the parent takes down
+    host.logLoads = false;
+    std::mt19937 random(14);
+    for (int i = 0; i < 300; ++i)
+        host.ids.push_back(i);
+    int nextId = 300;
+    HWND list = Make(0, 300, host);
+    const int h = RowHeight();
+    Model model{300, kRows};
+    auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % n); };
+    for (int step = 0; step < steps; ++step) {
+        int action = pick(12);
+        switch (action) {
+        case 0: {  // click a row
+            DWORD row = pick(model.visible ? model.visible : 1);
+            Click(list, 5, row * h + 1);
+            DWORD index = model.top + row;
+            if (index <= model.total - 1) {
+                model.caret = model.sel = index;
+            }
+            break;
+        }
+        case 1: case 2: {
+            static const UINT keys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END};
+            UINT key = keys[pick(6)];
+            Key(list, key);
+            DWORD c = model.caret, last = model.total - 1, v = model.visible;
+            switch (key) {
+            case VK_UP: c = c ? c - 1 : 0; break;
+            case VK_DOWN:
+                if (model.sel != 0xFFFFFFFFu) c = c < last ? c + 1 : last;
+                break;
+            case VK_PRIOR: c = c > v - 1 ? c - v + 1 : 0; break;
+            case VK_NEXT: c = c + v - 1 > last ? last : c + v - 1; break;
+            case VK_HOME: c = 0; break;
+            case VK_END: c = last; break;
+            }
+            model.caret = model.sel = c;
+            model.Follow();
+            break;
+        }
+        case 3: case 4: {
+            static const WORD requests[] = {SB_LINEUP, SB_LINEDOWN, SB_PAGEUP, SB_PAGEDOWN, SB_TOP,
+                                            SB_BOTTOM};
+            WORD request = requests[pick(6)];
+            SendMessageA(list, WM_VSCROLL, request, 0);
+            DWORD t = model.top, v = model.visible;
+            switch (request) {
+            case SB_LINEUP: t = t ? model.Clamp(t - 1) : t; break;
+            case SB_LINEDOWN: t = model.Clamp(t + 1ull); break;
+            case SB_PAGEUP: t = t ? model.Clamp(t >= v ? t - v + 1 : 0) : t; break;
+            case SB_PAGEDOWN: t = model.Clamp(t + v - 1ull); break;
+            case SB_TOP: t = model.Clamp(0); break;
+            case SB_BOTTOM: t = model.Clamp(model.total); break;
+            }
+            model.top = t;
+            break;
+        }
+        case 5: {
+            DWORD t = pick(model.total + 20);
+            VListBox_SetTopIndex(list, t);
+            model.top = model.Clamp(t);
+            break;
+        }
+        case 6: {  // the host resizes the list
+            DWORD rows = 3 + pick(12);
+            RECT window;
+            GetWindowRect(list, &window);
+            SetWindowPos(list, nullptr, 0, 0, window.right - window.left, rows * h,
+                         SWP_NOMOVE | SWP_NOZORDER);
+            model.visible = rows;
+            break;
+        }
+        case 7: case 8: {  // the host inserts or deletes an item and starts again
+            if (action == 7 || host.ids.size() < 2)
+                host.ids.insert(host.ids.begin() + pick(host.ids.size() + 1), nextId++);
+            else
+                host.ids.erase(host.ids.begin() + pick(host.ids.size()));
+            DWORD top = model.top;
+            model.total = static_cast<DWORD>(host.ids.size());
+            ASSERT_TRUE(VListBox_Initialize(list, model.total, 100, 20, HostProc,
+                                            reinterpret_cast<LPARAM>(&host)));
+            VListBox_SetTopIndex(list, top);
+            model.top = model.Clamp(top);
+            model.sel = 0xFFFFFFFFu;
+            break;
+        }
+        default: {
+            DWORD index = pick(model.total);
+            char text[32] = "";
+            VListBox_GetText(list, index, text);
+            ASSERT_EQ(host.Text(index), text) << "step " << step;
+            break;
+        }
+        }
+        ASSERT_EQ(model.top, VListBox_GetTopIndex(list)) << "step " << step << " action " << action;
+        ASSERT_EQ(model.sel, VListBox_GetCurSel(list)) << "step " << step << " action " << action;
+        ASSERT_EQ(model.total, VListBox_GetNumItems(list));
+        for (DWORD row = 0; row < model.visible && model.top + row < model.total; ++row) {
+            DWORD index = model.top + row;
+            if (!VListBox_IsItemCached(list, index))
+                continue;
+            char text[32] = "";
+            VListBox_GetText(list, index, text);
+            ASSERT_EQ(host.Text(index), text) << "stale row at step " << step;
+        }
+        ASSERT_EQ(0, host.badReleases) << "step " << step;
+        ASSERT_LE(host.held.size(), 100u + 20u);
+    }
+    DestroyWindow(list);
+    EXPECT_TRUE(host.held.empty());
+}
+
+}  // namespace
