@@ -127,6 +127,21 @@ struct RangeCase {
     BOOL valid;
 };
 
+// Each case's answer, and the range message `message` for each refusal.
+template <size_t N>
+void ExpectRangeAnswers(const RangeCase (&cases)[N], UINT message,
+                        BOOL(WINAPI *check)(HWND, char *, DWORD, DWORD))
+{
+    for (const RangeCase &c : cases) {
+        MessageBoxDriver boxes;
+        if (!c.valid)
+            boxes.Expect(RangeText(message, "", c.low, c.high), MB_OK, IDOK);
+        char text[16];
+        lstrcpyA(text, c.text);
+        EXPECT_EQ(c.valid, check(nullptr, text, c.low, c.high)) << "\"" << c.text << "\"";
+    }
+}
+
 TEST_F(DialogField, WholeNumbersInRangeOrTold)
 {
     const RangeCase cases[] = {
@@ -134,14 +149,7 @@ TEST_F(DialogField, WholeNumbersInRangeOrTold)
         {"0", 1, 10, FALSE}, {"", 0, 10, TRUE},    {"", 1, 10, FALSE},   {"12a", 0, 100, FALSE},
         {"-3", 0, 10, FALSE}, {" 5", 0, 10, FALSE}, {"007", 0, 10, TRUE},
     };
-    for (const RangeCase &c : cases) {
-        MessageBoxDriver boxes;
-        if (!c.valid)
-            boxes.Expect(RangeText(20000, "", c.low, c.high), MB_OK, IDOK);
-        char text[16];
-        lstrcpyA(text, c.text);
-        EXPECT_EQ(c.valid, RANGEIsUINTValid(dialog_, text, c.low, c.high)) << "\"" << c.text << "\"";
-    }
+    ExpectRangeAnswers(cases, 20000, RANGEIsUINTValid);
 }
 
 TEST_F(DialogField, RealNumbersInRangeOrTold)
@@ -156,14 +164,7 @@ TEST_F(DialogField, RealNumbersInRangeOrTold)
         {"9.:", 0, 10, TRUE},     {"1.5a", 0, 10, TRUE},   {"9.a", 0, 10, TRUE},
         {"5.-", 0, 10, FALSE},
     };
-    for (const RangeCase &c : cases) {
-        MessageBoxDriver boxes;
-        if (!c.valid)
-            boxes.Expect(RangeText(21000, "", c.low, c.high), MB_OK, IDOK);
-        char text[16];
-        lstrcpyA(text, c.text);
-        EXPECT_EQ(c.valid, RANGEIsREALValid(dialog_, text, c.low, c.high)) << "\"" << c.text << "\"";
-    }
+    ExpectRangeAnswers(cases, 21000, RANGEIsREALValid);
 }
 
 TEST_F(DialogField, DatesAndTimesValidOrTold)

@@ -28,19 +28,7 @@ HBITMAP MakePicture()
     return bitmap;
 }
 
-class QzBitmapGadget : public ErrorStateTest {
-protected:
-    void SetUp() override
-    {
-        ErrorStateTest::SetUp();
-        ASSERT_TRUE(RegisterGadgets(0));
-    }
-    void TearDown() override
-    {
-        UnRegisterGadgets();
-        ErrorStateTest::TearDown();
-    }
-};
+using QzBitmapGadget = GadgetTest;
 
 TEST_F(QzBitmapGadget, DrawsOnTheDialogColourCentredWithTheKeyTransparent)
 {

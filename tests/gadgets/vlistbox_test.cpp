@@ -116,20 +116,18 @@ int RowHeight()
     return tm.tmHeight + tm.tmInternalLeading;
 }
 
-class VListBox : public ErrorStateTest {
+class VListBox : public GadgetTest {
 protected:
     void SetUp() override
     {
-        ErrorStateTest::SetUp();
-        ASSERT_TRUE(RegisterGadgets(0));
+        GadgetTest::SetUp();
         parent_ = new RecordingParent(400, 600);
         parent_->Ignore(WM_CTLCOLORSCROLLBAR);
     }
     void TearDown() override
     {
         delete parent_;
-        UnRegisterGadgets();
-        ErrorStateTest::TearDown();
+        GadgetTest::TearDown();
     }
     // A list of kRows rows, initialised with `total`, a cache of 100 and a
     // batch of 20; the log starts empty.

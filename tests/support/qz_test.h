@@ -13,6 +13,21 @@ protected:
     void TearDown() override { OSErrorClearError(); }
 };
 
+// As ErrorStateTest, with the gadget classes registered for the test.
+class GadgetTest : public ErrorStateTest {
+protected:
+    void SetUp() override
+    {
+        ErrorStateTest::SetUp();
+        ASSERT_TRUE(RegisterGadgets(0));
+    }
+    void TearDown() override
+    {
+        UnRegisterGadgets();
+        ErrorStateTest::TearDown();
+    }
+};
+
 // Runs `commandLine` with the test program's folder as the current folder;
 // returns the exit status, or -1 if the process could not start or did not
 // end within `timeoutMs`.

@@ -8,18 +8,8 @@ namespace {
 
 const int ID = 77;
 
-class TumblerTest : public ErrorStateTest {
+class TumblerTest : public GadgetTest {
 protected:
-    void SetUp() override
-    {
-        ErrorStateTest::SetUp();
-        ASSERT_TRUE(RegisterGadgets(0));
-    }
-    void TearDown() override
-    {
-        UnRegisterGadgets();
-        ErrorStateTest::TearDown();
-    }
     HWND Make(RecordingParent &parent, DWORD style = 0)
     {
         HWND g = parent.CreateChild("Tumbler", ID, style, 10, 10, 120, 40);
