@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake make mingw-w64 g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix
-          binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 googletest wine wine64)
+          binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 googletest wine wine64 ccache)
 
 missing=()
 for p in "${packages[@]}"; do

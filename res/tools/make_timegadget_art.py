@@ -4,6 +4,9 @@ outputs are committed, so a build needs no Python.
 
   res/art/tumbler_up.bmp    7 x 4, 1 bit: an upward arrow (bit 0) on bit 1
   res/art/tumbler_down.bmp  the same arrow pointing down
+  res/art/clock.bmp         17 x 17, 24 bit: the time scales' clock face, a
+                            white dial with hands at ten past ten on the
+                            transparent key 0x818100 (COLORREF)
 
 A monochrome glyph is ANDed onto a button face: bit 0 takes the text colour
 and bit 1 the face colour.
@@ -33,6 +36,43 @@ def mono_bitmap(rows):
     return header + info + palette + bits
 
 
+def colour_bitmap(rows, palette):
+    """A bottom-up 24-bit .bmp from strings of palette keys, top row first."""
+    width, height = len(rows[0]), len(rows)
+    stride = ((width * 3 + 3) // 4) * 4
+    bits = b""
+    for row in reversed(rows):
+        line = b"".join(bytes((b, g, r)) for r, g, b in (palette[c] for c in row))
+        bits += line + b"\0" * (stride - len(line))
+    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(bits), 2835, 2835, 0, 0)
+    offset = 14 + len(info)
+    header = struct.pack("<2sIHHI", b"BM", offset + len(bits), 0, 0, offset)
+    return header + info + bits
+
+
+def clock_face(size=17):
+    """A round dial: '.' the key, '#' the rim and hands, 'o' the face."""
+    centre = (size - 1) / 2
+    rows = []
+    for y in range(size):
+        row = ""
+        for x in range(size):
+            d = ((x - centre) ** 2 + (y - centre) ** 2) ** 0.5
+            row += "." if d > centre + 0.3 else "#" if d > centre - 1.2 else "o"
+        rows.append(row)
+    rows = [list(r) for r in rows]
+    c = int(centre)
+    for i in range(1, 6):          # minute hand: ten past, up and right
+        rows[c - i][c + i // 2] = "#"
+    for i in range(1, 4):          # hour hand: towards ten, up and left
+        rows[c - i // 2][c - i] = "#"
+    rows[c][c] = "#"
+    return ["".join(r) for r in rows]
+
+
+KEY = (0x00, 0x81, 0x81)  # COLORREF 0x818100: blue 0x81, green 0x81, red 0
+
+
 UP = ["...#...", "..###..", ".#####.", "#######"]
 
 
@@ -42,6 +82,8 @@ def main():
         f.write(mono_bitmap(UP))
     with open(os.path.join(art, "tumbler_down.bmp"), "wb") as f:
         f.write(mono_bitmap(list(reversed(UP))))
+    with open(os.path.join(art, "clock.bmp"), "wb") as f:
+        f.write(colour_bitmap(clock_face(), {".": KEY, "#": (0, 0, 0), "o": (255, 255, 255)}))
 
 
 if __name__ == "__main__":
