@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 #include "bench_timing.h"
+#include "../tests/support/dib_format.h"
 #include "qziso32.h"
 
 namespace {
@@ -17,21 +18,10 @@ void Report(const char *what, double ours, double theirs, unsigned count, const 
                 ours * 1e6 / count, theirs * 1e6 / count, theirs / ours, goal);
 }
 
-BITMAPINFO Format32(int w, int h)
-{
-    BITMAPINFO f = {};
-    f.bmiHeader.biSize = sizeof f.bmiHeader;
-    f.bmiHeader.biWidth = w;
-    f.bmiHeader.biHeight = -h;
-    f.bmiHeader.biPlanes = 1;
-    f.bmiHeader.biBitCount = 32;
-    return f;
-}
-
 struct Dib {
     Dib(int w, int h) : w(w), h(h)
     {
-        BITMAPINFO f = Format32(w, h);
+        BITMAPINFO f = TopDown32Format(w, h);
         void *p;
         bitmap = CreateDIBSection(nullptr, &f, DIB_RGB_COLORS, &p, nullptr, 0);
         bits = static_cast<DWORD *>(p);
@@ -65,7 +55,7 @@ void Picture(Dib &d, DWORD ink, DWORD background)
 HRGN PlatformRegion(HBITMAP bitmap, int w, int h, DWORD ink)
 {
     std::vector<DWORD> pixels(static_cast<size_t>(w) * h);
-    BITMAPINFO f = Format32(w, h);
+    BITMAPINFO f = TopDown32Format(w, h);
     HDC screen = GetDC(nullptr);
     GetDIBits(screen, bitmap, 0, h, pixels.data(), &f, DIB_RGB_COLORS);
     ReleaseDC(nullptr, screen);

@@ -8,17 +8,9 @@
 #include <cstdio>
 #include <vector>
 #include "qziso32.h"
+#include "bench_timing.h"
 
 namespace {
-
-double Seconds()
-{
-    static LARGE_INTEGER frequency;
-    if (!frequency.QuadPart) QueryPerformanceFrequency(&frequency);
-    LARGE_INTEGER now;
-    QueryPerformanceCounter(&now);
-    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
 
 // Seconds for 1000 calls of `post`; `drain` then empties the queue,
 // outside the timing.
@@ -36,13 +28,6 @@ double Median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
-}
-
-void Report(const char *ours, double ourRate, const char *peer, double peerRate)
-{
-    printf("%-44s %12.0f calls/s\n", ours, ourRate);
-    printf("%-44s %12.0f calls/s\n", peer, peerRate);
-    printf("cost ratio (library time / platform time)     %12.2f\n\n", peerRate / ourRate);
 }
 
 }  // namespace
@@ -86,7 +71,7 @@ int main()
         }, [] {}));
     }
     CloseHandle(mutex);
-    Report("Feedback_PostMsg", 1000 / Median(ours), "PostMessageA (same text)", 1000 / Median(peer));
+    ReportRates("Feedback_PostMsg", 1000 / Median(ours), "PostMessageA (same text)", 1000 / Median(peer));
     // Where the time goes: each call takes the queue's kernel mutex and
     // releases it, and peeks once for a pending title.
     printf("%-44s %12.0f calls/s\n", "of which: kernel mutex wait and release", 1000 / Median(mutexPair));

@@ -4,18 +4,10 @@
 #include <windows.h>
 #include <cstdio>
 #include "qziso32.h"
+#include "bench_timing.h"
 
 namespace {
 volatile int g_sink;
-
-double Seconds()
-{
-    static LARGE_INTEGER frequency;
-    if (!frequency.QuadPart) QueryPerformanceFrequency(&frequency);
-    LARGE_INTEGER now;
-    QueryPerformanceCounter(&now);
-    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
 
 // Calls per second of `body`, run for about half a second.
 template <typename Body>
@@ -33,12 +25,6 @@ double Rate(Body body)
     return calls / elapsed;
 }
 
-void Report(const char *ours, double ourRate, const char *peer, double peerRate)
-{
-    printf("%-44s %12.0f calls/s\n", ours, ourRate);
-    printf("%-44s %12.0f calls/s\n", peer, peerRate);
-    printf("ratio (library / platform)                   %12.2f\n\n", ourRate / peerRate);
-}
 }  // namespace
 
 int main()
@@ -47,7 +33,7 @@ int main()
     const char *format = "Entry %d of %u: %-12s at %02d:%02d, id %08lX";
     double ours = Rate([&](int i) { g_sink = OScsprintf(out, 1024, format, i, 500u, "Meeting", 9, 30, 0xBEEFul); });
     double peer = Rate([&](int i) { g_sink = wsprintfA(out, format, i, 500u, "Meeting", 9, 30, 0xBEEFul); });
-    Report("OScsprintf (6 directives)", ours, "wsprintfA", peer);
+    ReportRates("OScsprintf (6 directives)", ours, "wsprintfA", peer);
 
     const char *reordered = "@4%s moved @3%s from @2%d to @1%d";
     const char *message = "%4!s! moved %3!s! from %2!d! to %1!d!";
@@ -58,7 +44,7 @@ int main()
         g_sink = static_cast<int>(FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY, message, 0,
                                                  0, out, sizeof out, reinterpret_cast<va_list *>(args)));
     });
-    Report("OSrsprintf (4 reordered arguments)", ours, "FormatMessageA (argument array)", peer);
+    ReportRates("OSrsprintf (4 reordered arguments)", ours, "FormatMessageA (argument array)", peer);
 
     const char *a = "Quarterly planning meeting, room 4";
     const char *b = "QUARTERLY PLANNING MEETING, ROOM 5";
@@ -69,6 +55,6 @@ int main()
         lstrcpynA(second, b, sizeof second);
         g_sink = lstrcmpiA(first, second);
     });
-    Report("OSstrncmpi (20 characters)", ours, "lstrcmpiA on copies", peer);
+    ReportRates("OSstrncmpi (20 characters)", ours, "lstrcmpiA on copies", peer);
     return 0;
 }

@@ -42,6 +42,15 @@ bool ResolveReference(TreeNode **root, TreeNode *&reference, TreeNode *node, BOO
     return true;
 }
 
+// Makes `node` the first child of `parent`, or the root when there is no parent.
+void SetFirstChild(TreeNode **root, TreeNode *parent, TreeNode *node)
+{
+    if (parent)
+        parent->child = node;
+    else
+        *root = node;
+}
+
 }  // namespace
 
 extern "C" BOOL WINAPI OSTreeInsertBeforeNode(TreeNode **root, TreeNode *reference, TreeNode *node)
@@ -54,10 +63,8 @@ extern "C" BOOL WINAPI OSTreeInsertBeforeNode(TreeNode **root, TreeNode *referen
     node->next = reference;
     if (reference->prev)
         reference->prev->next = node;
-    else if (reference->parent)
-        reference->parent->child = node;
     else
-        *root = node;
+        SetFirstChild(root, reference->parent, node);
     reference->prev = node;
     return 1;
 }
@@ -86,10 +93,7 @@ extern "C" BOOL WINAPI OSTreeInsertAboveNode(TreeNode **root, TreeNode *referenc
         return result;
     node->child = reference;
     node->parent = reference->parent;
-    if (reference->parent)
-        reference->parent->child = node;
-    else
-        *root = node;
+    SetFirstChild(root, reference->parent, node);
     reference->parent = node;
     return 1;
 }

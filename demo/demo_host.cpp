@@ -52,13 +52,7 @@ LRESULT CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
 
 HWND MakeHost(bool visible)
 {
-    WNDCLASSA wc = {};
-    wc.lpfnWndProc = HostProc;
-    wc.hInstance = GetModuleHandleA(nullptr);
-    wc.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
-    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-    wc.lpszClassName = kHostClass;
-    RegisterClassA(&wc);
+    RegisterFaceClass(kHostClass, HostProc);
     HWND host = CreateWindowExA(0, kHostClass, "Kelendrix gadget gallery",
                                 WS_OVERLAPPEDWINDOW | (visible ? WS_VISIBLE : 0), 0, 0, 220,
                                 60 + 32 * kGalleryPageCount, nullptr, nullptr,

@@ -16,6 +16,10 @@ struct GalleryPage {
 extern const GalleryPage kGalleryPages[];
 extern const int kGalleryPageCount;
 
+// Registers a window class of this program with the arrow cursor and the
+// dialog face colour as its background; yields the atom, 0 on failure.
+ATOM RegisterFaceClass(const char *name, WNDPROC procedure);
+
 // Makes an empty page window of `width` x `height` client pixels owned by
 // `host`, with a grey face; the page's gadgets are its children.
 HWND MakePageWindow(HWND host, const char *title, int width, int height);

@@ -306,17 +306,20 @@ const GalleryPage kGalleryPages[] = {
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 
+ATOM RegisterFaceClass(const char *name, WNDPROC procedure)
+{
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = procedure;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
+    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    wc.lpszClassName = name;
+    return RegisterClassA(&wc);
+}
+
 HWND MakePageWindow(HWND host, const char *title, int width, int height)
 {
-    static ATOM atom = [] {
-        WNDCLASSA wc = {};
-        wc.lpfnWndProc = PageProc;
-        wc.hInstance = GetModuleHandleA(nullptr);
-        wc.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
-        wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-        wc.lpszClassName = kPageClass;
-        return RegisterClassA(&wc);
-    }();
+    static ATOM atom = RegisterFaceClass(kPageClass, PageProc);
     if (!atom) return nullptr;
     const DWORD style = WS_OVERLAPPED | WS_CAPTION;
     RECT frame = {0, 0, width, height};

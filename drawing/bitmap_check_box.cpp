@@ -134,8 +134,8 @@ void Paint(HWND window)
     HGDIOBJ oldFont = font ? SelectObject(dc, font) : nullptr;
     if (((GetWindowLongPtrA(window, GWL_STYLE) & 0xFF) & ~BS_LEFTTEXT) == BS_GROUPBOX)
         PaintGroupBox(window, dc);
-    else
-        PaintFace(window, dc);
+    else if (!PaintFace(window, dc))
+        UIHandleError(window);
     if (oldFont)
         SelectObject(dc, oldFont);
     EndPaint(window, &paint);

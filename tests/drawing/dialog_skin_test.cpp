@@ -1,5 +1,6 @@
 // The grey dialog skin: which dialogs the hook subclasses and when, where
 // they are placed, and how bitmap check boxes paint.
+#include "import_patch.h"
 #include "message_box_driver.h"
 #include "qz_test.h"
 #include "window_harness.h"
@@ -236,6 +237,8 @@ HBITMAP Picture(COLORREF colour)
     return bitmap;
 }
 
+BOOL WINAPI RefusedBlit(HDC, int, int, int, int, HDC, int, int, DWORD) { return FALSE; }
+
 TEST_F(DialogSkin, BitmapCheckBoxPaintsItsBoxAndPicture)
 {
     RecordingParent parent(200, 60);
@@ -280,6 +283,20 @@ TEST_F(DialogSkin, BitmapCheckBoxPaintsItsBoxAndPicture)
         }
     EXPECT_GT(boxChanges, 0);
     EXPECT_EQ(0, rightChanges);
+
+    // A face that cannot be drawn is shown to the user, once per paint,
+    // and leaves no error pending.
+    {
+        ImportPatch blit(LibraryModule(), "gdi32.dll", "BitBlt", reinterpret_cast<const void *>(RefusedBlit));
+        ASSERT_TRUE(blit.Applied());
+        MessageBoxDriver boxes;
+        boxes.AnswerOthers(IDOK, false);
+        InvalidateRect(box, nullptr, TRUE);
+        UpdateWindow(box);
+        ASSERT_EQ(1u, boxes.Seen().size());
+        EXPECT_EQ(GetAncestor(box, GA_ROOT), boxes.Seen()[0].owner);
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    }
     DeleteObject(red);
     DeleteObject(blue);
 }

@@ -1,15 +1,11 @@
 // Drawing surfaces and picture builders for the drawing tests.
 #include "surface.h"
 #include <cstdio>
+#include "../support/dib_format.h"
 
 Surface::Surface(int width, int height, COLORREF fill) : w(width), h(height)
 {
-    BITMAPINFO format = {};
-    format.bmiHeader.biSize = sizeof format.bmiHeader;
-    format.bmiHeader.biWidth = width;
-    format.bmiHeader.biHeight = -height;
-    format.bmiHeader.biPlanes = 1;
-    format.bmiHeader.biBitCount = 32;
+    BITMAPINFO format = TopDown32Format(width, height);
     void *pixels = nullptr;
     bitmap = CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &pixels, nullptr, 0);
     bits = static_cast<DWORD *>(pixels);

@@ -1,17 +1,12 @@
 #include "readback.h"
 #include <algorithm>
+#include "dib_format.h"
 
 Readback ReadDC(HDC dc, int x, int y, int width, int height)
 {
     Readback result;
     if (width <= 0 || height <= 0) return result;
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
+    BITMAPINFO info = TopDown32Format(width, height);
     void *bits = nullptr;
     HBITMAP section = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     HDC memory = CreateCompatibleDC(dc);
