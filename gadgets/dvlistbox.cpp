@@ -89,7 +89,8 @@ struct DVListRecord {
     WORD loadCount;
     bool spaceKeyDown;
     bool focused;
-    int moving;  // moves in hand: adds then leave painting to the move
+    int moving;          // moves in hand: adds then leave painting to the move
+    bool addedOnView;    // an add during a move filled a row on view
 };
 
 DVListRecord *Rec(HWND w) { return w ? GadgetRecord<DVListRecord>(w) : nullptr; }
@@ -740,6 +741,7 @@ void Move(HWND w, DVListRecord *r, LONG top, int step)
     top = ClampTop(r, top);
     bool up = top < oldTop;
     ++r->moving;
+    r->addedOnView = false;
     bool settled = SettleTop(w, r, top, oldTop, up, false);
     if (!r)
         return;
@@ -752,7 +754,9 @@ void Move(HWND w, DVListRecord *r, LONG top, int step)
     }
     long long distance = static_cast<long long>(r->topIndex) - oldTop;
     long long d = distance < 0 ? -distance : distance;
-    if (distance != 0) {
+    if (distance == 0 && r->addedOnView) {
+        RepaintAll(w, r);
+    } else if (distance != 0) {
         if (r->memoryDC && CanPaint(r) && d < r->visibleCount) {
             RECT client;
             GetClientRect(w, &client);
@@ -1655,8 +1659,13 @@ BOOL Add(HWND w, LONG index, const void *ref, const char *text, LPARAM data, boo
         r->highWater = Wrap(static_cast<long long>(index) + 1);
         UpdateThumb(w, r);
     }
-    if ((r = Rec(w)) != nullptr && !r->moving && !scratch)
-        RepaintRow(w, r, index);
+    DWORD row;
+    if ((r = Rec(w)) != nullptr && !scratch && RowOf(r, index, &row)) {
+        if (r->moving)
+            r->addedOnView = true;
+        else
+            RepaintRow(w, r, index);
+    }
     return TRUE;
 }
 

@@ -378,6 +378,26 @@ TEST_F(DVListBox, ReferencesSurviveReloadsAndDeletions)
     Finish(list);
 }
 
+TEST_F(DVListBox, PaintsTheSelectedRecordWhereItMoved)
+{
+    for (DWORD style : {DWORD(0), DWORD(VLS_DOUBLEBUFFER)}) {
+        db_ = Db();
+        db_.keys = Keys(300);
+        HWND list = Make(style, 300);
+        Click(list, 5, 3 * RowHeight() + 1);
+        db_.keys.erase(db_.keys.begin());
+        DVListBox_SetNumItems(list, 299);
+        DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+        Readback back = Readback::Of(list);
+        COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+        const int h = RowHeight();
+        RECT row2 = {0, 2 * h, back.Width(), 3 * h}, row3 = {0, 3 * h, back.Width(), 4 * h};
+        EXPECT_GT(back.Count(highlight, &row2), 0) << style << ": the record is now on row 2";
+        EXPECT_EQ(0, back.Count(highlight, &row3)) << style;
+        Finish(list);
+    }
+}
+
 TEST_F(DVListBox, TypeAheadSearchesOnceForTheWholeRun)
 {
     db_.keys = Keys(500, 7);  // names "Name 00100" to "Name 03593"
