@@ -558,8 +558,9 @@ TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
         }
         DWORD key;
         LONG found;
-        if (DVListBox_GetCurSelRef(list, &key) && DVListBox_FindItemInCache(list, &key, &found))
+        if (DVListBox_GetCurSelRef(list, &key) && DVListBox_FindItemInCache(list, &key, &found)) {
             ASSERT_EQ(found, DVListBox_GetCurSel(list)) << "step " << step << " action " << action;
+        }
         ASSERT_EQ(0, db_.badReleases) << step;
         ASSERT_LE(db_.held.size(), 60u + 1u) << "the cache and one scratch entry";
     }
