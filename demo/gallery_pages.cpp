@@ -3,6 +3,9 @@
 #include "gallery.h"
 #include "gadget_frame.h"
 #include "qziso32.h"
+#include <algorithm>
+#include <string>
+#include <string.h>
 #include <vector>
 
 namespace {
@@ -294,6 +297,146 @@ HWND BuildVirtualListPage(HWND host)
     return page;
 }
 
+
+// The dynamic list over a table of 50,000 names that changes while it is
+// shown. A record's reference is its id, which never changes; its index is
+// its place in the sorted table.
+struct NameRecord {
+    std::string name;
+    DWORD id;
+};
+std::vector<NameRecord> g_names;
+DWORD g_nextNameId = 1;
+const int kInsertButton = 2, kDeleteButton = 3;
+
+bool NameLess(const NameRecord &a, const NameRecord &b) { return a.name < b.name; }
+
+void MakeNames()
+{
+    static const char *const first[] = {"Ada", "Bela", "Cora", "Dag", "Edda", "Finn", "Greta",
+                                        "Hugo", "Ilse", "Jon", "Kai", "Lena", "Mads", "Nora",
+                                        "Olaf", "Pia", "Rune", "Siv", "Tove", "Ulla"};
+    static const char *const last[] = {"Aalto", "Berg", "Dahl", "Eklund", "Falk", "Holm", "Isaksen",
+                                       "Jarl", "Krogh", "Lind", "Moberg", "Nyberg", "Ostrom",
+                                       "Lund", "Sand", "Strand", "Viklund", "Wahl", "Ask", "Tofte"};
+    g_names.clear();
+    for (DWORD i = 0; i < 50000; ++i) {
+        char text[64];
+        wsprintfA(text, "%s %s %05lu", last[(i / 20) % 20], first[i % 20],
+                  static_cast<unsigned long>(i / 400));
+        g_names.push_back({text, g_nextNameId++});
+    }
+    std::sort(g_names.begin(), g_names.end(), NameLess);
+}
+
+void AddName(HWND list, long long index)
+{
+    if (index < 0 || index >= static_cast<long long>(g_names.size())) return;
+    const NameRecord &record = g_names[index];
+    DVListBox_AddString(list, static_cast<LONG>(index), &record.id, record.name.c_str(), record.id);
+}
+
+LRESULT CALLBACK NameListProc(HWND list, UINT code, void *request, LPARAM)
+{
+    long long size = static_cast<long long>(g_names.size());
+    if (code == VLN_INIT) {
+        auto *init = static_cast<VLINITREQUEST *>(request);
+        for (DWORD i = 0; i < init->firstRows; ++i) AddName(list, i);
+    } else if (code == VLN_LOAD) {
+        auto *load = static_cast<DVLLOADREQUEST *>(request);
+        long long first = load->first;
+        if (load->first == DVL_SENTINELTOP) first = 0;
+        if (load->first == DVL_SENTINELBOTTOM) first = size - load->count;
+        if (first >= size) DVListBox_SetPastBottom(list, 0);
+        for (long long i = first; i < first + load->count; ++i) AddName(list, i);
+    } else if (code == VLN_FIND) {
+        auto *find = static_cast<DVLFINDREQUEST *>(request);
+        DWORD id = *static_cast<const DWORD *>(find->ref);
+        for (size_t i = 0; i < g_names.size(); ++i)
+            if (g_names[i].id == id) {
+                find->index = static_cast<LONG>(i);
+                find->reload = 1;
+            }
+    } else if (code == VLN_SEARCH) {
+        auto *search = static_cast<DVLSEARCHREQUEST *>(request);
+        NameRecord key = {search->text, 0};
+        auto at = std::lower_bound(g_names.begin(), g_names.end(), key, NameLess);
+        if (at != g_names.end()) {
+            search->index = static_cast<LONG>(at - g_names.begin());
+            search->reload = 1;
+            if (search->refBuffer) memcpy(search->refBuffer, &at->id, 4);
+        }
+    }
+    return 0;
+}
+
+// The host's live changes: a record comes or goes and the list reloads
+// around its present top, keeping its selection by reference.
+void InsertName(HWND list, const char *name)
+{
+    NameRecord record = {name, g_nextNameId++};
+    g_names.insert(std::upper_bound(g_names.begin(), g_names.end(), record, NameLess), record);
+    DVListBox_SetNumItems(list, static_cast<LONG>(g_names.size()));
+    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+}
+
+void DeleteName(HWND list, long long index)
+{
+    if (index < 0 || index >= static_cast<long long>(g_names.size())) return;
+    g_names.erase(g_names.begin() + index);
+    DVListBox_SetNumItems(list, static_cast<LONG>(g_names.size()));
+    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+}
+
+WNDPROC g_dynamicPageBase = nullptr;
+
+LRESULT CALLBACK DynamicPageProc(HWND page, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
+        HWND list = GetDlgItem(page, 1);
+        static int inserted = 0;
+        char name[48];
+        if (LOWORD(wParam) == kInsertButton) {
+            wsprintfA(name, "Lind Ada 00004 (%d)", ++inserted);
+            InsertName(list, name);
+        } else if (LOWORD(wParam) == kDeleteButton) {
+            LONG at = DVListBox_GetCurSel(list);
+            DeleteName(list, at != DVL_NOINDEX ? at : DVListBox_GetTopIndex(list));
+        }
+        return 0;
+    }
+    return CallWindowProcA(g_dynamicPageBase, page, message, wParam, lParam);
+}
+
+HWND BuildDynamicListPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Dynamic list", 340, 272);
+    if (!page) return nullptr;
+    MakeNames();
+    HWND list = CreateWindowExA(0, "QzDVListBox", "", WS_CHILD | WS_VISIBLE | WS_VSCROLL |
+                                VLS_NOTIFY | VLS_DOUBLEBUFFER, 10, 10, 320, 222, page,
+                                reinterpret_cast<HMENU>(1), GetModuleHandleA(nullptr), nullptr);
+    if (!list || !DVListBox_Initialize(list, static_cast<LONG>(g_names.size()), 200, 40, 4,
+                                       NameListProc, 0))
+        return nullptr;
+    CreateWindowExA(0, "BUTTON", "Insert", WS_CHILD | WS_VISIBLE, 10, 240, 90, 24, page,
+                    reinterpret_cast<HMENU>(kInsertButton), GetModuleHandleA(nullptr), nullptr);
+    CreateWindowExA(0, "BUTTON", "Delete", WS_CHILD | WS_VISIBLE, 110, 240, 90, 24, page,
+                    reinterpret_cast<HMENU>(kDeleteButton), GetModuleHandleA(nullptr), nullptr);
+    g_dynamicPageBase = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrA(page, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DynamicPageProc)));
+    // Open in the middle, select a record, then let the data change around
+    // it: two records come in on view, one goes.
+    DVListBox_SetTopIndex(list, 25000, TRUE);
+    DWORD chosen = g_names[25004].id;
+    DVListBox_SetCurSelRef(list, &chosen);
+    std::string before = g_names[25002].name + " (new)", after = g_names[25006].name + " (new)";
+    InsertName(list, before.c_str());
+    InsertName(list, after.c_str());
+    DeleteName(list, 25001);
+    return page;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
@@ -303,6 +446,7 @@ const GalleryPage kGalleryPages[] = {
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
     {"virtual_list", "Virtual list", BuildVirtualListPage},
+    {"dynamic_list", "Dynamic list", BuildDynamicListPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

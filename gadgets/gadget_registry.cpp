@@ -9,6 +9,7 @@ LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
 
 // The window procedures of the gadgets in the table.
 LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK GadDVListForwarder(HWND, UINT, WPARAM, LPARAM);
 
 namespace {
 
@@ -19,6 +20,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
+    {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
     {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
      TumblerWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},

@@ -197,3 +197,88 @@ void VListGlide(HWND window, HDC memory, const RECT &rows, int distance, int ste
     }
     ReleaseDC(window, screen);
 }
+
+VListRowMetrics VListMeasureRows(HWND w, HFONT font, bool ownerDraw, VLISTBOXPROC callback,
+                                 LPARAM data, int clientHeight)
+{
+    HDC dc = GetDC(w);
+    TEXTMETRICA tm = {};
+    HGDIOBJ old = SelectObject(dc, font ? font : GetStockObject(SYSTEM_FONT));
+    GetTextMetricsA(dc, &tm);
+    int height = tm.tmHeight + tm.tmInternalLeading;
+    if (ownerDraw && callback) {
+        RECT client;
+        GetClientRect(w, &client);
+        VLMEASUREREQUEST request = {dc, 0, client.right, height, 0};
+        callback(w, VLN_MEASURE, &request, data);
+        if (request.height > 0)
+            height = request.height;
+    }
+    SelectObject(dc, old);
+    ReleaseDC(w, dc);
+    if (height <= 0)
+        height = 1;
+    VListRowMetrics m = {height, clientHeight > 0 ? static_cast<DWORD>(clientHeight / height) : 0u,
+                         tm.tmAveCharWidth};
+    return m;
+}
+
+void VListFitWindow(HWND w, int rowsHeight)
+{
+    RECT client;
+    GetClientRect(w, &client);
+    RECT fit = {0, 0, client.right, rowsHeight};
+    AdjustWindowRectEx(&fit, GetWindowLongA(w, GWL_STYLE), FALSE, GetWindowLongA(w, GWL_EXSTYLE));
+    RECT window;
+    GetWindowRect(w, &window);
+    SetWindowPos(w, nullptr, 0, 0, window.right - window.left, fit.bottom - fit.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+HDC VListCreateMemoryDC(HWND w, HBITMAP *saved)
+{
+    RECT client;
+    GetClientRect(w, &client);
+    if (client.right <= 0 || client.bottom <= 0)
+        return nullptr;
+    HDC screen = GetDC(nullptr);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, client.right, client.bottom);
+    HDC dc = bitmap ? CreateCompatibleDC(screen) : nullptr;
+    ReleaseDC(nullptr, screen);
+    if (!dc) {
+        if (bitmap)
+            DeleteObject(bitmap);
+        OSErrorSetErrorInfo(RV_GDIError, "CreateCompatibleBitmap");
+        return nullptr;
+    }
+    *saved = static_cast<HBITMAP>(SelectObject(dc, bitmap));
+    PatBlt(dc, 0, 0, client.right, client.bottom, WHITENESS);
+    return dc;
+}
+
+void VListFreeMemoryDC(HDC &memory, HBITMAP saved)
+{
+    if (!memory)
+        return;
+    HGDIOBJ own = SelectObject(memory, saved);
+    DeleteObject(own);
+    DeleteDC(memory);
+    memory = nullptr;
+}
+
+void VListShiftEntries(void *entries, DWORD count, size_t entrySize, long long shift)
+{
+    char *a = static_cast<char *>(entries);
+    long long n = count;
+    if (!a || shift == 0)
+        return;
+    if (shift >= n || -shift >= n) {
+        memset(a, 0, static_cast<size_t>(n) * entrySize);
+    } else if (shift > 0) {
+        memmove(a, a + shift * entrySize, static_cast<size_t>(n - shift) * entrySize);
+        memset(a + (n - shift) * entrySize, 0, static_cast<size_t>(shift) * entrySize);
+    } else {
+        memmove(a - shift * entrySize, a, static_cast<size_t>(n + shift) * entrySize);
+        memset(a, 0, static_cast<size_t>(-shift) * entrySize);
+    }
+}

@@ -1,8 +1,9 @@
 // What the two virtual lists share: the selection as a set of index runs,
-// the thumb mapping, and the glide that moves the window's content towards
-// an off-screen copy in slices.
+// the thumb mapping, the glide that moves the window's content towards an
+// off-screen copy in slices, the row fit and the sliding of cache entries.
 #pragma once
 #include <windows.h>
+#include "qziso32.h"
 
 // ---------------------------------------------------------------- selection
 // A sorted set of item indices held as disjoint, non-adjacent runs, so that
@@ -39,3 +40,31 @@ DWORD VListIndexFromThumb(int thumb, DWORD count, DWORD visible);
 // (positive: the content moves up) in steps of `step` pixels, copying each
 // uncovered slice from `memory`, which already holds the final picture.
 void VListGlide(HWND window, HDC memory, const RECT &rows, int distance, int step);
+
+// ---------------------------------------------------------------- row fit
+struct VListRowMetrics {
+    int itemHeight;     // at least 1
+    DWORD visibleCount; // whole rows in `clientHeight`
+    int charWidth;      // average character width of the font
+};
+// Measures a row with `font` (the system font when null): the text height
+// plus its internal leading, or what the callback answers to VLN_MEASURE
+// when `ownerDraw` (an answer of 0 keeps the measured height).
+VListRowMetrics VListMeasureRows(HWND window, HFONT font, bool ownerDraw, VLISTBOXPROC callback,
+                                 LPARAM data, int clientHeight);
+// Resizes the window, keeping its width and place, so that its client area
+// is `rowsHeight` high.
+void VListFitWindow(HWND window, int rowsHeight);
+
+// ---------------------------------------------------------------- memory copy
+// A bitmap of the client size in the screen's format, cleared to white and
+// selected into a memory context; null (and nothing held) for an empty
+// client area or when GDI fails (RV_GDIError recorded). `saved` receives
+// what the context held before.
+HDC VListCreateMemoryDC(HWND window, HBITMAP *saved);
+void VListFreeMemoryDC(HDC &memory, HBITMAP saved);
+
+// ---------------------------------------------------------------- cache
+// Slides `count` entries of `entrySize` bytes by `shift` places (positive:
+// entry `shift` becomes entry 0) and zeroes the places left behind.
+void VListShiftEntries(void *entries, DWORD count, size_t entrySize, long long shift);

@@ -143,20 +143,9 @@ void PlaceCache(HWND w, VListRecord *r)
                 ReleaseEntry(w, r, p);
         }
     }
-    if (r->cacheEntries) {
-        long long shift = static_cast<long long>(newFirst) - static_cast<long long>(first);
-        long long n = static_cast<long long>(r->cacheSize);
-        CacheEntry *a = r->cacheEntries;
-        if (shift >= n || -shift >= n) {
-            memset(a, 0, n * sizeof(CacheEntry));
-        } else if (shift > 0) {
-            memmove(a, a + shift, (n - shift) * sizeof(CacheEntry));
-            memset(a + (n - shift), 0, shift * sizeof(CacheEntry));
-        } else if (shift < 0) {
-            memmove(a - shift, a, (n + shift) * sizeof(CacheEntry));
-            memset(a, 0, -shift * sizeof(CacheEntry));
-        }
-    }
+    if (r->cacheEntries)
+        VListShiftEntries(r->cacheEntries, r->cacheSize, sizeof(CacheEntry),
+                          static_cast<long long>(newFirst) - static_cast<long long>(first));
     r->cacheFirst = newFirst;
 }
 
@@ -437,48 +426,25 @@ void FitRows(HWND w, VListRecord *r)
     if (r->inResize)
         return;
     r->inResize = true;
-    HDC dc = GetDC(w);
-    TEXTMETRICA tm = {};
-    HGDIOBJ old = SelectObject(dc, r->font ? r->font : GetStockObject(SYSTEM_FONT));
-    GetTextMetricsA(dc, &tm);
-    int height = tm.tmHeight + tm.tmInternalLeading;
     RECT client;
     GetClientRect(w, &client);
-    if (HasStyle(w, VLS_OWNERDRAW)) {
-        VLMEASUREREQUEST request = {dc, 0, client.right, height, 0};
-        Notify(w, r, VLN_MEASURE, &request);
-        if (request.height > 0)
-            height = request.height;
-    }
-    SelectObject(dc, old);
-    ReleaseDC(w, dc);
-    if (height <= 0)
-        height = 1;
-    r->itemHeight = height;
-    r->visibleCount = client.bottom > 0 ? client.bottom / height : 0;
+    VListRowMetrics m = VListMeasureRows(w, r->font, HasStyle(w, VLS_OWNERDRAW), r->callback,
+                                         r->callbackData, client.bottom);
+    r->itemHeight = m.itemHeight;
+    r->visibleCount = m.visibleCount;
     if (r->cacheSize && r->cacheSize < r->visibleCount)
         r->cacheSize = r->visibleCount;  // the array grows at the next add
     if (r->loadBatch < r->visibleCount)
         r->loadBatch = r->visibleCount;
     // The height fits whole rows; the width stays as the window has it.
-    RECT fit = {0, 0, client.right, static_cast<int>(r->visibleCount) * height};
-    AdjustWindowRectEx(&fit, GetWindowLongA(w, GWL_STYLE), FALSE, GetWindowLongA(w, GWL_EXSTYLE));
-    RECT window;
-    GetWindowRect(w, &window);
-    SetWindowPos(w, nullptr, 0, 0, window.right - window.left, fit.bottom - fit.top,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    VListFitWindow(w, static_cast<int>(r->visibleCount) * m.itemHeight);
     if ((r = Rec(w)) != nullptr)
         r->inResize = false;
 }
 
 void FreeMemoryDC(VListRecord *r)
 {
-    if (!r->memoryDC)
-        return;
-    HGDIOBJ own = SelectObject(r->memoryDC, r->savedBitmap);
-    DeleteObject(own);
-    DeleteDC(r->memoryDC);
-    r->memoryDC = nullptr;
+    VListFreeMemoryDC(r->memoryDC, r->savedBitmap);
 }
 
 void RebuildMemoryDC(HWND w, VListRecord *r)
@@ -489,20 +455,9 @@ void RebuildMemoryDC(HWND w, VListRecord *r)
     r->clientWidth = client.right;
     if (client.right <= 0 || client.bottom <= 0)
         return;
-    HDC screen = GetDC(nullptr);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, client.right, client.bottom);
-    HDC dc = bitmap ? CreateCompatibleDC(screen) : nullptr;
-    ReleaseDC(nullptr, screen);
-    if (!dc) {
-        if (bitmap)
-            DeleteObject(bitmap);
-        OSErrorSetErrorInfo(RV_GDIError, "CreateCompatibleBitmap");
+    r->memoryDC = VListCreateMemoryDC(w, &r->savedBitmap);
+    if (!r->memoryDC)
         ReportError(w);
-        return;
-    }
-    r->savedBitmap = static_cast<HBITMAP>(SelectObject(dc, bitmap));
-    PatBlt(dc, 0, 0, client.right, client.bottom, WHITENESS);
-    r->memoryDC = dc;
 }
 
 // ---------------------------------------------------------------- handlers

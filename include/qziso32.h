@@ -966,6 +966,78 @@ QZAPI BOOL WINAPI VListBox_IsItemCached(HWND list, DWORD index);
 QZAPI BOOL WINAPI VListBox_GetText(HWND list, DWORD index, LPSTR buffer);
 QZAPI DWORD WINAPI VListBox_GetTextLen(HWND list, DWORD index);
 
+/* ------------------------------------------------------------------ */
+/* Dynamic virtual list box ("QzDVListBox")                            */
+/* ------------------------------------------------------------------ */
+/* Items are known by references (blocks of a fixed size the host gives
+ * at DVListBox_Initialize); indices are signed positions that the list
+ * re-bases when the host reports an end of its data. The style bits and
+ * the codes VLN_RELEASE to VLN_CHAR are those of the QzVListBox. */
+#define DVL_NOINDEX        ((LONG)0x80000000)
+#define DVL_SENTINELTOP    ((LONG)0x80000001) /* VLN_LOAD: from the real first item */
+#define DVL_SENTINELBOTTOM ((LONG)0x7FFFFFFF) /* VLN_LOAD: up to the real last item */
+/* Codes of its own; VLN_FIND carries DVLFINDREQUEST here. */
+#define VLN_SELRANGE   16  /* DVLSELRANGEREQUEST */
+#define VLN_SEARCH     17  /* DVLSEARCHREQUEST */
+/* VLN_INIT carries a VLINITREQUEST, VLN_DRAW a VLDRAWREQUEST (the index
+ * signed), VLN_RELEASE a DVLRELEASEREQUEST. */
+typedef struct DVLLOADREQUEST { LONG first; DWORD count; LONG effectiveCount; } DVLLOADREQUEST;
+typedef struct DVLRELEASEREQUEST { LONG index; LPARAM itemData; LPSTR text; } DVLRELEASEREQUEST;
+typedef struct DVLFINDREQUEST { const void *ref; LONG index; DWORD reload; } DVLFINDREQUEST;
+typedef struct DVLSELRANGEREQUEST { LONG first; DWORD count; DWORD mode; } DVLSELRANGEREQUEST;
+typedef struct DVLSEARCHREQUEST {
+    LPCSTR text; DWORD mode; LONG index; DWORD reload; void *refBuffer;
+} DVLSEARCHREQUEST;
+#if defined(_M_IX86) || defined(__i386__)
+typedef char DVLRELEASEREQUEST_is_12_bytes[sizeof(DVLRELEASEREQUEST) == 12 ? 1 : -1];
+typedef char DVLFINDREQUEST_is_12_bytes[sizeof(DVLFINDREQUEST) == 12 ? 1 : -1];
+typedef char DVLSEARCHREQUEST_is_20_bytes[sizeof(DVLSEARCHREQUEST) == 20 ? 1 : -1];
+#endif
+QZAPI LRESULT WINAPI DVListBox_WndProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam);
+/* Total -1: unknown; cache size -1: 4096. */
+QZAPI BOOL WINAPI DVListBox_Initialize(HWND list, LONG total, DWORD cacheSize, DWORD loadBatch,
+                                       DWORD refSize, VLISTBOXPROC callback, LPARAM data);
+QZAPI BOOL WINAPI DVListBox_AddItemData(HWND list, LONG index, const void *ref, LPARAM itemData);
+QZAPI BOOL WINAPI DVListBox_AddString(HWND list, LONG index, const void *ref, LPCSTR text,
+                                      LPARAM itemData);
+QZAPI BOOL WINAPI DVListBox_SetNumItems(HWND list, LONG total);
+QZAPI LONG WINAPI DVListBox_GetNumItems(HWND list);
+QZAPI LONG WINAPI DVListBox_GetCurSel(HWND list);
+QZAPI BOOL WINAPI DVListBox_SetCurSel(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_GetCurSelRef(HWND list, void *buffer);
+QZAPI BOOL WINAPI DVListBox_SetCurSelRef(HWND list, const void *ref);
+QZAPI LONG WINAPI DVListBox_GetCaretIndex(HWND list);
+QZAPI BOOL WINAPI DVListBox_SetCaretIndex(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_GetCaretRef(HWND list, void *buffer);
+QZAPI BOOL WINAPI DVListBox_SetCaretRef(HWND list, const void *ref);
+QZAPI BOOL WINAPI DVListBox_SetCaretRefNReload(HWND list, const void *ref, BOOL reload);
+QZAPI BOOL WINAPI DVListBox_GetSelRef(HWND list, const void *ref);
+/* Mode 0 deselects, 1 selects, any other value toggles. */
+QZAPI BOOL WINAPI DVListBox_SetSelRef(HWND list, DWORD mode, const void *ref);
+QZAPI BOOL WINAPI DVListBox_GetSel(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_SetSel(HWND list, DWORD mode, LONG index);
+QZAPI DWORD WINAPI DVListBox_GetSelCount(HWND list);
+/* The buffer must hold DVListBox_GetSelCount references. */
+QZAPI BOOL WINAPI DVListBox_GetSelItems(HWND list, void *buffer);
+/* The references must be sorted ascending by their unsigned bytes. */
+QZAPI BOOL WINAPI DVListBox_SetSelItems(HWND list, DWORD count, const void *refs);
+QZAPI LONG WINAPI DVListBox_GetTopIndex(HWND list);
+QZAPI BOOL WINAPI DVListBox_SetTopIndex(HWND list, LONG index, BOOL reload);
+QZAPI LPARAM WINAPI DVListBox_GetItemData(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_GetItemRef(HWND list, LONG index, void *buffer);
+QZAPI BOOL WINAPI DVListBox_IsItemCached(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_IsItemVisible(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_GetText(HWND list, LONG index, LPSTR buffer);
+QZAPI DWORD WINAPI DVListBox_GetTextLen(HWND list, LONG index);
+/* Called by the host inside VLN_LOAD when it meets an end of its data. */
+QZAPI BOOL WINAPI DVListBox_SetAbsoluteTop(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_SetAbsoluteBottom(HWND list, LONG index);
+QZAPI BOOL WINAPI DVListBox_SetPastTop(HWND list, LONG unused);
+QZAPI BOOL WINAPI DVListBox_SetPastBottom(HWND list, LONG unused);
+QZAPI BOOL WINAPI DVListBox_FindItemInCache(HWND list, const void *ref, LONG *index);
+QZAPI BOOL WINAPI DVListBox_Invalidate(HWND list);
+QZAPI BOOL WINAPI DVListBox_InvalidateItem(HWND list, LONG index);
+
 #ifdef __cplusplus
 }
 #endif
