@@ -257,6 +257,34 @@ HWND BuildTumblerPage(HWND host)
     return page;
 }
 
+// Two time setters on one morning: one on its own colour with the value at
+// 10:25, one on white over a 12-hour view with the value at 14:00.
+HWND BuildTimeSetterPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "TimeSetter", 180, 340);
+    if (!page) return nullptr;
+    const struct {
+        int x;
+        WPARAM hours;
+        COLORREF back;
+        DateTimeValue view, value;
+    } rows[] = {
+        {10, 8, 0x818100, {2026, 3, 10, 8, 0, 0, 0}, {2026, 3, 10, 10, 25, 0, 0}},
+        {95, 12, RGB(255, 255, 255), {2026, 3, 10, 7, 0, 0, 0}, {2026, 3, 10, 14, 0, 0, 0}},
+    };
+    for (const auto &row : rows) {
+        HWND setter = CreateWindowExA(0, "TimeSetter", "", WS_CHILD | WS_VISIBLE, row.x, 10, 60, 320, page,
+                                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(200 + row.x)),
+                                      GetModuleHandleA(nullptr), nullptr);
+        if (!setter) return nullptr;
+        SendMessageA(setter, TSM_SETHOURSINVIEW, row.hours, 0);
+        SendMessageA(setter, TSM_SETBACKCOLOUR, 0, static_cast<LPARAM>(row.back));
+        SendMessageA(setter, TSM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&row.view));
+        SendMessageA(setter, TSM_SETVALUE, 0, reinterpret_cast<LPARAM>(&row.value));
+    }
+    return page;
+}
+
 // A million entries that exist only as numbers: the list asks for the ones
 // it shows and forgets them when they leave its window.
 LRESULT CALLBACK MillionListProc(HWND list, UINT code, void *request, LPARAM)
@@ -444,6 +472,7 @@ const GalleryPage kGalleryPages[] = {
     {"check_boxes", "Bitmap check boxes", BuildCheckBoxPage},
     {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
+    {"time_setter", "TimeSetter", BuildTimeSetterPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
     {"virtual_list", "Virtual list", BuildVirtualListPage},
     {"dynamic_list", "Dynamic list", BuildDynamicListPage},

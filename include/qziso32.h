@@ -886,6 +886,30 @@ QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 /* Notifications: every edit notification under its own code; EN_CHANGE
  * also on the release of a step key and ahead of EN_KILLFOCUS. */
 /* ------------------------------------------------------------------ */
+/* Time gadgets: TimeSetter, an hour scale with one clock and label     */
+/* ------------------------------------------------------------------ */
+/* Messages; results are 1 or -1 unless noted. No style bits. */
+#define TSM_SETVIEWSTART   0x401  /* lParam: const DateTimeValue*, the top of the scale */
+#define TSM_SETHOURSINVIEW 0x402  /* wParam: hours, at most 24 */
+#define TSM_GETHOURSINVIEW 0x403  /* result: the hours */
+#define TSM_SETBACKCOLOUR  0x404  /* lParam: COLORREF, taken as the nearest colour */
+#define TSM_GETVIEWSTART   0x405  /* lParam: DateTimeValue* out */
+#define TSM_GETBACKCOLOUR  0x406  /* result: the colour */
+#define TSM_GETVALUE       0x407  /* lParam: DateTimeValue* out */
+#define TSM_SETVALUE       0x408  /* lParam: const DateTimeValue*; sets the text, TSN_TIMECHANGED */
+#define TSM_SETFINESTEP    0x409  /* wParam low byte: minutes, unchecked */
+#define TSM_SETCOARSESTEP  0x40A  /* wParam low byte: minutes, 1 to 59 */
+#define TSM_GETFINESTEP    0x40B  /* result: minutes, 255 without a record */
+#define TSM_GETCOARSESTEP  0x40C  /* result: minutes, 255 without a record */
+/* Notifications (WM_COMMAND, code in the high word of wParam). */
+#define TSN_ERROR       100  /* a step failed; the error state has the reason */
+#define TSN_TIMECHANGED 200  /* the window text is the new time; also every timer tick */
+#define TSN_SETFOCUS    300
+#define TSN_KILLFOCUS   400
+/* The class procedure, for a host's own subclass. */
+QZAPI LRESULT WINAPI GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+/* ------------------------------------------------------------------ */
 /* Virtual list box ("QzVListBox")                                     */
 /* ------------------------------------------------------------------ */
 /* Style bits (the low word of the window style). */

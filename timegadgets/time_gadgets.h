@@ -3,3 +3,5 @@
 #include <windows.h>
 
 LRESULT CALLBACK TumblerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// Exported under its own name as well, so it carries C linkage.
+extern "C" LRESULT CALLBACK GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

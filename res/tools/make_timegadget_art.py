@@ -7,6 +7,10 @@ outputs are committed, so a build needs no Python.
   res/art/clock.bmp         17 x 17, 24 bit: the time scales' clock face, a
                             white dial with hands at ten past ten on the
                             transparent key 0x818100 (COLORREF)
+  res/art/setter_up.bmp     11 x 13, 24 bit: the TimeSetter's up button, a
+                            raised grey face with a black arrow, its corners
+                            on the transparent key
+  res/art/setter_down.bmp   the same button with the arrow pointing down
 
 A monochrome glyph is ANDed onto a button face: bit 0 takes the text colour
 and bit 1 the face colour.
@@ -76,6 +80,39 @@ KEY = (0x00, 0x81, 0x81)  # COLORREF 0x818100: blue 0x81, green 0x81, red 0
 UP = ["...#...", "..###..", ".#####.", "#######"]
 
 
+def arrow_button(up, width=11, height=13):
+    """A raised face: 'w' light edge, 'd' shadow, 'k' outer shadow and the
+    arrow, 'g' the face, '.' the key at the corners."""
+    rows = []
+    for y in range(height):
+        row = ""
+        for x in range(width):
+            corner = (x in (0, width - 1)) and (y in (0, height - 1))
+            if corner:
+                row += "."
+            elif x == width - 1 or y == height - 1:
+                row += "k"
+            elif x == 0 or y == 0:
+                row += "w"
+            elif x == width - 2 or y == height - 2:
+                row += "d"
+            else:
+                row += "g"
+        rows.append(list(row))
+    glyph = UP if up else list(reversed(UP))
+    top = (height - len(glyph)) // 2
+    left = (width - len(glyph[0])) // 2
+    for gy, line in enumerate(glyph):
+        for gx, c in enumerate(line):
+            if c == "#":
+                rows[top + gy][left + gx] = "k"
+    return ["".join(r) for r in rows]
+
+
+BUTTON_COLOURS = {".": KEY, "k": (0, 0, 0), "w": (255, 255, 255), "d": (128, 128, 128),
+                  "g": (192, 192, 192)}
+
+
 def main():
     art = os.path.join(ROOT, "res", "art")
     with open(os.path.join(art, "tumbler_up.bmp"), "wb") as f:
@@ -84,6 +121,9 @@ def main():
         f.write(mono_bitmap(list(reversed(UP))))
     with open(os.path.join(art, "clock.bmp"), "wb") as f:
         f.write(colour_bitmap(clock_face(), {".": KEY, "#": (0, 0, 0), "o": (255, 255, 255)}))
+    for name, up in (("setter_up.bmp", True), ("setter_down.bmp", False)):
+        with open(os.path.join(art, name), "wb") as f:
+            f.write(colour_bitmap(arrow_button(up), BUTTON_COLOURS))
 
 
 if __name__ == "__main__":
