@@ -303,6 +303,7 @@ const GalleryPage kGalleryPages[] = {
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
     {"virtual_list", "Virtual list", BuildVirtualListPage},
+    {"dialog_tabs", "Dialog tabs", BuildDialogTabsPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 
