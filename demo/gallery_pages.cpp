@@ -463,6 +463,31 @@ HWND BuildDynamicListPage(HWND host)
     InsertName(list, after.c_str());
     DeleteName(list, 25001);
     return page;
+// A tabbed dialog: three pages from templates, a tab that adds the host's
+// "Private" box and one that takes its note away; the second page is
+// current, so its group box and the moved button show.
+HWND BuildDialogTabsPage(HWND host)
+{
+    HMODULE resources = ResourceGetHandle();
+    HWND dialog = CreateDialog(resources, "TABHOST", host, NoticeProc);
+    if (!dialog) return nullptr;
+    // Shown first: a change of page turns the parent's redraw off and on,
+    // and turning it on marks a hidden window visible without painting it.
+    ShowWindow(dialog, SW_SHOWNA);
+    HWND tabs = GetDlgItem(dialog, 100);
+    static const DWORD included[] = {300, 0}, excluded[] = {301, 0};
+    const char *pages[] = {"TABPAGE1", "TABPAGE2", "TABPAGE3"};
+    for (DWORD i = 0; i < 3; ++i)
+        if (!Tab_AddDialogTab(tabs, MAKEINTRESOURCEA(30180 + i), i + 1, resources, pages[i]))
+            return nullptr;
+    char options[64], plain[64];
+    LoadStringA(resources, 30183, options, sizeof options);
+    LoadStringA(resources, 30184, plain, sizeof plain);
+    if (!Tab_AddInclusionTab(tabs, options, 4, included, 0) ||
+        !Tab_AddExclusionTab(tabs, plain, 5, excluded))
+        return nullptr;
+    Tab_SetCurrentTab(tabs, 2);
+    return dialog;
 }
 
 }  // namespace
@@ -476,6 +501,7 @@ const GalleryPage kGalleryPages[] = {
     {"tumbler", "Tumbler", BuildTumblerPage},
     {"virtual_list", "Virtual list", BuildVirtualListPage},
     {"dynamic_list", "Dynamic list", BuildDynamicListPage},
+    {"dialog_tabs", "Dialog tabs", BuildDialogTabsPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

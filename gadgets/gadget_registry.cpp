@@ -4,6 +4,7 @@
 #include "../core/module_globals.h"
 #include "../timegadgets/time_gadgets.h"
 
+LRESULT CALLBACK DialogTabWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK ZimboWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -17,6 +18,7 @@ namespace {
 // one pointer-sized word of window extra and no class extra. A gadget joins
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
+    {"DialogTab", 0x600B, IDC_ARROW, GB_None, 0, DialogTabWndProc},
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},

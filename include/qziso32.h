@@ -1061,6 +1061,38 @@ QZAPI BOOL WINAPI DVListBox_SetPastBottom(HWND list, LONG unused);
 QZAPI BOOL WINAPI DVListBox_FindItemInCache(HWND list, const void *ref, LONG *index);
 QZAPI BOOL WINAPI DVListBox_Invalidate(HWND list);
 QZAPI BOOL WINAPI DVListBox_InvalidateItem(HWND list, LONG index);
+/* Dialog tabs ("DialogTab"): a strip of tabs over a page whose        */
+/* controls are children of the gadget's parent. A tab is a dialog     */
+/* template, or a list of existing controls shown (inclusion) or       */
+/* hidden (exclusion) while it is current. Identifier lists end in 0.  */
+/* ------------------------------------------------------------------ */
+#define TABS_KEEPTEXT       0x0002  /* a change of tab leaves the texts of statics and buttons */
+#define TABS_OWNCONTROLS    0x0004  /* every tab makes its own controls; none are shared by id */
+#define TABN_CHANGING       0x64    /* before any request to change tab, even one that changes nothing */
+#define TABN_CHANGED        0xC8    /* the current tab has changed */
+#define TAB_LAST            ((DWORD)-1)  /* stands for the last tab */
+/* label: text, or a string id (below 65536) in `module`. */
+QZAPI BOOL WINAPI Tab_AddDialogTab(HWND tabs, LPCSTR label, DWORD tabId, HMODULE module,
+                                   LPCSTR templateName);
+QZAPI BOOL WINAPI Tab_AddInclusionTab(HWND tabs, LPCSTR label, DWORD tabId, const DWORD *ids,
+                                      BOOL flag);
+QZAPI BOOL WINAPI Tab_AddExclusionTab(HWND tabs, LPCSTR label, DWORD tabId, const DWORD *ids);
+/* Replaces the template behind tab `oldId`, which becomes `newId`. */
+QZAPI BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD oldId, DWORD newId,
+                                            HMODULE module, LPCSTR templateName);
+/* The parent's answer to TABN_CHANGED; 0 when the current tab stays. */
+QZAPI LRESULT WINAPI Tab_SetCurrentTab(HWND tabs, DWORD tabId);
+QZAPI LRESULT WINAPI Tab_SetCurrentTabEx(HWND tabs, DWORD tabId);
+QZAPI LRESULT WINAPI Tab_SetCurrentTabExEx(HWND tabs, DWORD tabId);
+/* The current tab's id, or -1. */
+QZAPI LONG WINAPI Tab_GetCurrentTab(HWND tabs);
+/* True when the tab was found. */
+QZAPI BOOL WINAPI Tab_HideTab(HWND tabs, DWORD tabId);
+QZAPI BOOL WINAPI Tab_ShowTab(HWND tabs, DWORD tabId);
+/* The id of the tab at zero-based `position`, hidden tabs counting; -1. */
+QZAPI LONG WINAPI Tab_GetTabFromPosition(HWND tabs, LONG position);
+/* The strip's height; 0 with RV_GDIError when the tab picture is missing. */
+QZAPI LONG WINAPI Tab_GetTabHeight(HWND tabs);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,386 @@
+// "DialogTab" in a real dialog from the resource library: the pages TABPAGE1
+// to TABPAGE3 share the button 210, and the host's own controls 300 and 301
+// serve the inclusion and exclusion tabs.
+#include "qz_test.h"
+#include "window_harness.h"
+#include <functional>
+#include <random>
+#include <vector>
+
+namespace {
+
+const int ID_TABS = 100;
+const DWORD kIncluded[] = {300, 0};
+const DWORD kExcluded[] = {301, 0};
+std::vector<Message> g_seen;
+
+INT_PTR CALLBACK HostProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_COMMAND || message == WM_SETREDRAW)
+        g_seen.push_back({message, sent, wParam, lParam});
+    return message == WM_INITDIALOG;
+}
+
+LRESULT CALLBACK TargetProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_LBUTTONDOWN || message == WM_MOUSEMOVE)
+        g_seen.push_back({message, sent, wParam, lParam});
+    return DefWindowProcA(hwnd, message, wParam, lParam);
+}
+
+class DialogTab : public GadgetTest {
+protected:
+    void SetUp() override
+    {
+        GadgetTest::SetUp();
+        resources_ = ResourceGetHandle();
+        dialog_ = CreateDialogParamA(resources_, "TABHOST", nullptr, HostProc, 0);
+        ASSERT_TRUE(dialog_);
+        SetWindowPos(dialog_, HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+        tabs_ = GetDlgItem(dialog_, ID_TABS);
+        ASSERT_TRUE(tabs_);
+        g_seen.clear();
+    }
+    void TearDown() override
+    {
+        DestroyWindow(dialog_);
+        GadgetTest::TearDown();
+    }
+    void AddPages()
+    {
+        const char *names[] = {"TABPAGE1", "TABPAGE2", "TABPAGE3"};
+        for (DWORD i = 0; i < 3; ++i)
+            ASSERT_TRUE(Tab_AddDialogTab(tabs_, MAKEINTRESOURCEA(30180 + i), i + 1, resources_,
+                                         names[i]));
+    }
+    HWND Item(int id) { return GetDlgItem(dialog_, id); }
+    RECT Mapped(int x, int y, int cx, int cy)
+    {
+        RECT rect = {x, y, x + cx, y + cy};
+        MapDialogRect(dialog_, &rect);
+        return rect;
+    }
+    RECT Place(int id)
+    {
+        RECT rect;
+        GetWindowRect(Item(id), &rect);
+        MapWindowPoints(nullptr, dialog_, reinterpret_cast<POINT *>(&rect), 2);
+        return rect;
+    }
+    RECT TabRect(const char *label)
+    {
+        RECT rect = {};
+        HWND strip = FindWindowExA(tabs_, nullptr, "Zimbo", label);
+        GetWindowRect(strip, &rect);
+        MapWindowPoints(nullptr, tabs_, reinterpret_cast<POINT *>(&rect), 2);
+        return rect;
+    }
+    HMODULE resources_ = nullptr;
+    HWND dialog_ = nullptr;
+    HWND tabs_ = nullptr;
+};
+
+bool Same(const RECT &a, const RECT &b) { return EqualRect(&a, &b) != FALSE; }
+
+void ExpectShown(HWND control, bool visible, bool enabled, const char *context)
+{
+    EXPECT_EQ(visible, IsWindowVisible(control) != FALSE) << context;
+    EXPECT_EQ(enabled, IsWindowEnabled(control) != FALSE) << context;
+}
+
+TEST_F(DialogTab, SwitchShowsHidesAndMovesThePagesControls)
+{
+    AddPages();
+    EXPECT_EQ(1, Tab_GetCurrentTab(tabs_)) << "the first tab becomes current at once";
+    ExpectShown(Item(202), true, true, "page 1 edit");
+    ExpectShown(Item(221), false, false, "page 2 group, made hidden");
+    ExpectShown(Item(231), false, false, "page 3 edit, made hidden");
+    const RECT shared1 = Mapped(184, 140, 60, 14);
+    EXPECT_TRUE(Same(shared1, Place(210)));
+    // A bordered edit is 2 pixels taller when made and 3 when shown; a
+    // combo box keeps its closed height.
+    RECT edit = Mapped(64, 24, 180, 12), made = Mapped(12, 24, 232, 60);
+    EXPECT_EQ(edit.bottom - edit.top + 3, Place(202).bottom - Place(202).top);
+    EXPECT_EQ(made.bottom - made.top + 2, Place(231).bottom - Place(231).top);
+    RECT client;
+    GetClientRect(Item(204), &client);
+    EXPECT_EQ(client.bottom, Place(204).bottom - Place(204).top);
+    EXPECT_LT(client.bottom, Mapped(64, 42, 100, 80).bottom - Mapped(64, 42, 100, 80).top);
+
+    Tab_SetCurrentTab(tabs_, 2);
+    ExpectShown(Item(202), false, false, "page 1 edit after leaving");
+    ExpectShown(Item(210), true, true, "the shared button stays");
+    const RECT shared2 = Mapped(20, 140, 60, 14);
+    EXPECT_TRUE(Same(shared2, Place(210))) << "and moves";
+    const RECT check = Mapped(20, 38, 80, 10);
+    EXPECT_TRUE(Same(check, Place(222)));
+    EXPECT_EQ(Item(221), GetWindow(tabs_, GW_HWNDNEXT)) << "the group box goes to the bottom";
+    EXPECT_EQ(nullptr, GetWindow(Item(221), GW_HWNDNEXT));
+
+    EnableWindow(Item(222), FALSE);  // the host's own choice survives the round trip
+    Tab_SetCurrentTab(tabs_, 3);
+    ExpectShown(Item(222), false, false, "page 2 check box on page 3");
+    ExpectShown(Item(231), true, true, "page 3 edit");
+    RECT shown = Place(231);
+    EXPECT_EQ(made.bottom - made.top + 3, shown.bottom - shown.top);
+    Tab_SetCurrentTab(tabs_, 2);
+    ExpectShown(Item(222), true, false, "disabled by the host");
+    ExpectShown(Item(223), true, true, "enabled as before");
+}
+
+TEST_F(DialogTab, InclusionAndExclusionTabs)
+{
+    AddPages();
+    EnableWindow(Item(300), FALSE);
+    ASSERT_TRUE(Tab_AddInclusionTab(tabs_, "Options", 4, kIncluded, 0));
+    ASSERT_TRUE(Tab_AddExclusionTab(tabs_, "Plain", 5, kExcluded));
+    ExpectShown(Item(300), false, false, "an inclusion tab that is not current hides its own");
+    ExpectShown(Item(301), true, true, "an exclusion tab does nothing when added");
+    EXPECT_EQ(0, GetDlgCtrlID(FindWindowExA(tabs_, nullptr, "Zimbo", "Options")));
+    EXPECT_EQ(5, GetDlgCtrlID(FindWindowExA(tabs_, nullptr, "Zimbo", "Plain")));
+
+    Tab_SetCurrentTab(tabs_, 4);
+    ExpectShown(Item(300), true, false, "shown, and still disabled by the host");
+    ExpectShown(Item(202), true, true, "a page followed by a list tab hides nothing");
+    Tab_SetCurrentTab(tabs_, 5);
+    ExpectShown(Item(300), false, false, "left the inclusion tab");
+    ExpectShown(Item(301), false, true, "hidden while the exclusion tab is current");
+    EnableWindow(Item(301), FALSE);
+    Tab_SetCurrentTab(tabs_, 1);
+    ExpectShown(Item(301), true, true, "leaving an exclusion tab always enables");
+
+    // The Ex variant hides a page whatever follows it.
+    Tab_SetCurrentTabEx(tabs_, 4);
+    ExpectShown(Item(202), false, false, "page 1 edit after the Ex switch");
+}
+
+TEST_F(DialogTab, NotificationsInOrder)
+{
+    const WPARAM changing = MAKEWPARAM(ID_TABS, TABN_CHANGING);
+    const WPARAM changed = MAKEWPARAM(ID_TABS, TABN_CHANGED);
+    const Message first[] = {{WM_COMMAND, sent | wparam | lparam_is_child, changing, 0},
+                             {WM_COMMAND, sent | wparam | lparam_is_child, changed, 0}, {0, 0, 0, 0}};
+    const Message pages[] = {{WM_COMMAND, sent | wparam, changing, 0},
+                             {WM_SETREDRAW, sent | wparam, FALSE, 0},
+                             {WM_SETREDRAW, sent | wparam, TRUE, 0},
+                             {WM_COMMAND, sent | wparam, changed, 0}, {0, 0, 0, 0}};
+    const Message same[] = {{WM_COMMAND, sent | wparam, changing, 0}, {0, 0, 0, 0}};
+    const Message stepRight[] = {{WM_COMMAND, sent | wparam, changing, 0},
+                                 {WM_SETREDRAW, sent | wparam, FALSE, 0},
+                                 {WM_SETREDRAW, sent | wparam, TRUE, 0},
+                                 {WM_COMMAND, sent | wparam, changed, 0},
+                                 {WM_COMMAND, sent | wparam, changing, 0}, {0, 0, 0, 0}};
+    const Message throughHidden[] = {{WM_COMMAND, sent | wparam, changing, 0},
+                                     {WM_SETREDRAW, sent | wparam, FALSE, 0},
+                                     {WM_SETREDRAW, sent | wparam, TRUE, 0},
+                                     {WM_COMMAND, sent | wparam, changed, 0},
+                                     {WM_COMMAND, sent | wparam, changing, 0},
+                                     {WM_SETREDRAW, sent | wparam, FALSE, 0},
+                                     {WM_SETREDRAW, sent | wparam, TRUE, 0},
+                                     {WM_COMMAND, sent | wparam, changed, 0}, {0, 0, 0, 0}};
+    const Message transmogrified[] = {{WM_SETREDRAW, sent | wparam, FALSE, 0},
+                                      {WM_COMMAND, sent | wparam, changing, 0},
+                                      {WM_SETREDRAW, sent | wparam, TRUE, 0},
+                                      {WM_COMMAND, sent | wparam, changed, 0}, {0, 0, 0, 0}};
+    const Message none[] = {{0, 0, 0, 0}};
+    struct Step {
+        const char *what;
+        std::function<void()> act;
+        const Message *expected;
+        LONG current;
+    };
+    const Step steps[] = {
+        {"first tab", [&] { AddPages(); }, first, 1},
+        {"page to page", [&] { Tab_SetCurrentTab(tabs_, 2); }, pages, 2},
+        {"the current tab again", [&] { EXPECT_EQ(0, Tab_SetCurrentTab(tabs_, 2)); }, same, 2},
+        {"unknown id", [&] { Tab_SetCurrentTab(tabs_, 99); }, first, -1},
+        {"the last tab, from none", [&] { Tab_SetCurrentTab(tabs_, TAB_LAST); }, first, 3},
+        {"click on the first tab through its strip",
+         [&] {
+             HWND strip = FindWindowExA(tabs_, nullptr, "Zimbo", "General");
+             SendMessageA(strip, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 4));
+         },
+         pages, 1},
+        {"right arrow", [&] { Key(tabs_, VK_RIGHT); }, stepRight, 2},
+        {"left arrow", [&] { Key(tabs_, VK_LEFT); }, pages, 1},
+        {"hide the current tab", [&] { Tab_HideTab(tabs_, 1); }, none, 1},
+        {"right arrow past a hidden tab",
+         [&] {
+             Tab_ShowTab(tabs_, 1);
+             Tab_HideTab(tabs_, 2);
+             Key(tabs_, VK_RIGHT);
+         },
+         throughHidden, 3},
+        {"left arrow skips it", [&] { Key(tabs_, VK_LEFT); }, pages, 1},
+        {"left arrow at the first tab", [&] { Key(tabs_, VK_LEFT); }, none, 1},
+        {"change a tab that is not current",
+         [&] { EXPECT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "Other", 3, 7, resources_, "TABPAGE2")); },
+         none, 1},
+        {"change the current tab",
+         [&] { EXPECT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "New", 1, 8, resources_, "TABPAGE3")); },
+         transmogrified, 8},
+    };
+    for (const Step &step : steps) {
+        g_seen.clear();
+        step.act();
+        EXPECT_TRUE(SequenceMatches(g_seen, step.expected, tabs_, step.what));
+        EXPECT_EQ(step.current, Tab_GetCurrentTab(tabs_)) << step.what;
+    }
+    EXPECT_EQ(7, Tab_GetTabFromPosition(tabs_, 2)) << "the changed tab keeps its place";
+    ExpectShown(Item(231), true, true, "the current tab's new page");
+    ExpectShown(Item(202), false, false, "its old page");
+    EXPECT_FALSE(Tab_TransmogrifyDialogTab(tabs_, "x", 42, 43, resources_, "TABPAGE1"));
+    EXPECT_EQ(RV_Failure, OSErrorGetErrorValue());
+}
+
+TEST_F(DialogTab, StripLayoutAndHitTesting)
+{
+    AddPages();
+    ASSERT_TRUE(Tab_AddExclusionTab(tabs_, "Plain", 5, kExcluded));
+    BITMAP piece;
+    HBITMAP end = LoadBitmapA(resources_, MAKEINTRESOURCEA(2100));
+    ASSERT_TRUE(GetObjectA(end, sizeof piece, &piece));
+    DeleteObject(end);
+    EXPECT_EQ(piece.bmHeight + 4, Tab_GetTabHeight(tabs_));
+    HDC dc = GetDC(tabs_);
+    HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(tabs_, WM_GETFONT, 0, 0)));
+    const char *labels[] = {"General", "Time", "Notes", "Plain"};
+    int left = 0;
+    for (const char *label : labels) {
+        SIZE text;
+        GetTextExtentPoint32A(dc, label, lstrlenA(label), &text);
+        const RECT expected = {left, 2, left + piece.bmWidth + text.cx + 3, piece.bmHeight + 2};
+        const RECT got = TabRect(label);
+        EXPECT_TRUE(EqualRect(&expected, &got)) << label << " at " << got.left << "," << got.top
+                                                << " to " << got.right << "," << got.bottom;
+        left = expected.right - 6;
+    }
+    SelectObject(dc, old);
+    ReleaseDC(tabs_, dc);
+
+    // A hidden tab keeps its slot and its place in the count, and cannot be
+    // reached by the mouse; the overlap goes to the earlier tab.
+    const RECT time = TabRect("Time"), notes = TabRect("Notes");
+    Tab_HideTab(tabs_, 2);
+    EXPECT_TRUE(Same(notes, TabRect("Notes")));
+    EXPECT_EQ(2, Tab_GetTabFromPosition(tabs_, 1));
+    EXPECT_EQ(-1, Tab_GetTabFromPosition(tabs_, 4));
+    Click(tabs_, (time.left + time.right) / 2, 8);
+    EXPECT_EQ(1, Tab_GetCurrentTab(tabs_));
+    Tab_ShowTab(tabs_, 2);
+    Click(tabs_, notes.left + 2, 8);
+    EXPECT_EQ(2, Tab_GetCurrentTab(tabs_));
+}
+
+TEST_F(DialogTab, ClicksOnThePageReachTheControlBelow)
+{
+    AddPages();
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = TargetProc;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.lpszClassName = "TabTestTarget";
+    RegisterClassA(&wc);
+    const RECT spot = Mapped(12, 120, 40, 12);
+    HWND target = CreateWindowA("TabTestTarget", "", WS_CHILD | WS_VISIBLE, spot.left, spot.top,
+                                spot.right - spot.left, spot.bottom - spot.top, dialog_, nullptr,
+                                wc.hInstance, nullptr);
+    SetWindowPos(target, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    POINT at = {spot.left + 5, spot.top + 3};
+    MapWindowPoints(dialog_, tabs_, &at, 1);
+    g_seen.clear();
+    SendMessageA(tabs_, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+    SendMessageA(tabs_, WM_MOUSEMOVE, 0, MAKELPARAM(at.x, at.y));
+    PumpMessages();
+    const Message expected[] = {{WM_LBUTTONDOWN, sent | wparam | lparam, MK_LBUTTON, MAKELPARAM(5, 3)},
+                                {WM_MOUSEMOVE, sent | wparam | lparam, 0, MAKELPARAM(5, 3)},
+                                {0, 0, 0, 0}};
+    EXPECT_TRUE(SequenceMatches(g_seen, expected, tabs_, "forwarded"));
+    EXPECT_EQ(1, Tab_GetCurrentTab(tabs_));
+    EXPECT_TRUE(IsWindowVisible(tabs_)) << "the gadget is visible again";
+    DestroyWindow(target);
+    UnregisterClassA("TabTestTarget", wc.hInstance);
+}
+
+TEST_F(DialogTab, PaintLeavesNoKeyAndRaisesTheCurrentTab)
+{
+    AddPages();
+    const COLORREF key = RGB(0, 0xFF, 0xFF), face = GetSysColor(COLOR_BTNFACE),
+                   light = GetSysColor(COLOR_BTNHIGHLIGHT);
+    const char *labels[] = {"General", "Time", "Notes"};
+    for (DWORD current = 1; current <= 3; ++current) {
+        Tab_SetCurrentTab(tabs_, current);
+        SetFocus(tabs_);
+        InvalidateRect(tabs_, nullptr, FALSE);  // adding a tab does not repaint the strip
+        Readback shot = Readback::Of(tabs_);
+        ASSERT_TRUE(shot.Valid());
+        EXPECT_EQ(0, shot.Count(key)) << "tab " << current;
+        for (DWORD i = 0; i < 3; ++i) {
+            const RECT tab = TabRect(labels[i]);
+            const int x = tab.left + 7;  // past the overlap, inside the top line
+            if (i + 1 == current) {
+                EXPECT_EQ(light, shot.At(x, 2)) << "current " << current;
+                EXPECT_EQ(face, shot.At(tab.left + 2, tab.bottom - 1)) << "opens into the page";
+            } else {
+                EXPECT_EQ(face, shot.At(x, 2)) << "tab " << i + 1 << " with " << current;
+                EXPECT_EQ(light, shot.At(x, 3)) << "tab " << i + 1 << " with " << current;
+                EXPECT_EQ(light, shot.At(x, tab.bottom - 1)) << "base line under tab " << i + 1;
+            }
+        }
+    }
+}
+
+TEST_F(DialogTab, MonkeyKeepsTheCurrentTabValid)
+{
+#if defined(_WIN64)
+    const int steps = 400;
+#else
+    const int steps = 60;  // the emulated lane runs some 20 times slower
+#endif
+    std::mt19937 random(6);
+    AddPages();
+    DWORD nextId = 10;
+    const char *pages[] = {"TABPAGE1", "TABPAGE2", "TABPAGE3"};
+    RECT client;
+    GetClientRect(tabs_, &client);
+    for (int step = 0; step < steps; ++step) {
+        const DWORD someId = random() % 2 ? random() % nextId : TAB_LAST;
+        switch (random() % 8) {
+        case 0:  // on the strip: a click on a page's scroll bar would start a modal loop
+            Click(tabs_, random() % client.right, random() % Tab_GetTabHeight(tabs_));
+            break;
+        case 1:
+            Key(tabs_, random() % 2 ? VK_LEFT : VK_RIGHT);
+            break;
+        case 2:
+            (random() % 2 ? Tab_SetCurrentTab : Tab_SetCurrentTabEx)(tabs_, someId);
+            break;
+        case 3:
+            (random() % 2 ? Tab_HideTab : Tab_ShowTab)(tabs_, someId);
+            break;
+        case 4:
+            if (nextId < 24)
+                Tab_AddInclusionTab(tabs_, "In", nextId++, kIncluded, 0);
+            break;
+        case 5:
+            if (nextId < 24)
+                Tab_AddExclusionTab(tabs_, "Out", nextId++, kExcluded);
+            break;
+        case 6:
+            Tab_TransmogrifyDialogTab(tabs_, "Page", someId, nextId++, resources_,
+                                      pages[random() % 3]);
+            break;
+        default:
+            Tab_SetCurrentTabExEx(tabs_, someId);
+            break;
+        }
+        OSErrorClearError();  // unknown ids are part of the game
+        const LONG current = Tab_GetCurrentTab(tabs_);
+        bool listed = current == -1;
+        for (LONG i = 0; !listed && Tab_GetTabFromPosition(tabs_, i) != -1; ++i)
+            listed = Tab_GetTabFromPosition(tabs_, i) == current;
+        ASSERT_TRUE(listed) << "step " << step << ": current " << current;
+    }
+    UpdateWindow(dialog_);
+}
+
+}  // namespace
