@@ -313,6 +313,20 @@ TEST_F(DateTrackerTest, MouseSelectsAndChoosesDays)
     EXPECT_SEQUENCE(parent, click_seq, "click on 2 October");
     EXPECT_EQ(MakeDate(2015, 10, 2), Get(g));
 
+    // Below the last row lies the row that was left out: its cells have no
+    // date, so a click there only chooses the date as it is.
+    for (const DateTimeValue &month : {september, MakeDate(2015, 2, 10)}) {
+        Set(g, month);
+        RECT client;
+        GetClientRect(g, &client);
+        POINT below = {layout.Cell(0, 0).x, client.bottom - 1};
+        Quiet(parent);
+        Press(g, below);
+        Release(g, below);
+        EXPECT_SEQUENCE(parent, chosen_seq, "click below the last row");
+        EXPECT_EQ(month, Get(g));
+    }
+
     Set(g, september);
     Quiet(parent);
     Press(g, layout.Cell(1, 1));
