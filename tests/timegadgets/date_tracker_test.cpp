@@ -11,20 +11,14 @@ namespace {
 const int ID = 55;
 const int kGlyph = 9;  // the month buttons' pictures are 9 x 9
 
-static const Message nothing_seq[] = {{0, 0, 0, 0}};
-static const Message changed_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHANGED), 0}, {0, 0, 0, 0}};
-static const Message changed_twice_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHANGED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHANGED), 0}, {0, 0, 0, 0}};
-static const Message chosen_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHOSEN), 0}, {0, 0, 0, 0}};
-static const Message click_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHANGED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHOSEN), 0}, {0, 0, 0, 0}};
-static const Message bad_text_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_ERROR), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, DTKN_DATECHANGED), 0}, {0, 0, 0, 0}};
+// What the gadget tells its parent, by notification code.
+#define TOLD(code) {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, code), 0}
+const Message nothing_seq[] = {{0, 0, 0, 0}};
+const Message changed_seq[] = {TOLD(DTKN_DATECHANGED), {0, 0, 0, 0}};
+const Message changed_twice_seq[] = {TOLD(DTKN_DATECHANGED), TOLD(DTKN_DATECHANGED), {0, 0, 0, 0}};
+const Message chosen_seq[] = {TOLD(DTKN_DATECHOSEN), {0, 0, 0, 0}};
+const Message click_seq[] = {TOLD(DTKN_DATECHANGED), TOLD(DTKN_DATECHOSEN), {0, 0, 0, 0}};
+const Message bad_text_seq[] = {TOLD(DTKN_ERROR), TOLD(DTKN_DATECHANGED), {0, 0, 0, 0}};
 
 TEXTMETRICA Metrics(HFONT font)
 {
@@ -104,20 +98,17 @@ protected:
     static std::string Text(HWND g)
     {
         char text[100] = {};
-        GetWindowTextA(g, text, sizeof text);
-        return text;
+        return GetWindowTextA(g, text, sizeof text), text;
     }
     static std::string DateText(const DateTimeValue &d)
     {
         char text[80] = {};
-        OSDateTimeToString(&d, text, nullptr, DTS_SHORTDATE, sizeof text);
-        return text;
+        return OSDateTimeToString(&d, text, nullptr, DTS_SHORTDATE, sizeof text), text;
     }
     static DateTimeValue Today()
     {
         DateTimeValue d;
-        OSGetDateTime(&d);
-        return MakeDate(d.year, d.month, d.day);
+        return OSGetDateTime(&d), MakeDate(d.year, d.month, d.day);
     }
     static void Press(HWND g, POINT p) { SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y)); }
     static void Move(HWND g, POINT p) { SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x, p.y)); }
@@ -192,26 +183,11 @@ TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
     EXPECT_EQ(MakeDate(2030, 7, 9), Get(g));
 }
 
-// Hidden, the up and down keys move a day, and the text comes back through
-// WM_SETTEXT, telling the parent a second time.
-TEST_F(DateTrackerTest, HiddenGadgetHandsItsTextBack)
-{
-    RecordingParent parent;
-    HWND g = Make(parent);
-    Set(g, MakeDate(2024, 5, 20));
-    ShowWindow(g, SW_HIDE);
-    Quiet(parent);
-    SendMessageA(g, WM_KEYDOWN, VK_DOWN, 0);
-    EXPECT_SEQUENCE(parent, changed_twice_seq, "hidden, down");
-    EXPECT_EQ(MakeDate(2024, 5, 21), Get(g));
-    SendMessageA(g, WM_KEYDOWN, VK_UP, 0);
-    EXPECT_EQ(MakeDate(2024, 5, 20), Get(g));
-    EXPECT_EQ(DateText(MakeDate(2024, 5, 20)), Text(g));
-}
-
 // Text from outside: a date is taken and the text kept as given; other
-// text gives today and an error notice; empty text does nothing.
-TEST_F(DateTrackerTest, WindowTextSetsTheDate)
+// text gives today and an error notice; empty text does nothing. Hidden,
+// the up and down keys move a day, and the text comes back through
+// WM_SETTEXT, telling the parent a second time.
+TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 {
     RecordingParent parent;
     HWND g = Make(parent);
@@ -229,6 +205,16 @@ TEST_F(DateTrackerTest, WindowTextSetsTheDate)
     EXPECT_SEQUENCE(parent, bad_text_seq, "bad text");
     EXPECT_EQ(Today(), Get(g));
     EXPECT_EQ("no date at all", Text(g));
+
+    Set(g, MakeDate(2024, 5, 20));
+    ShowWindow(g, SW_HIDE);
+    Quiet(parent);
+    SendMessageA(g, WM_KEYDOWN, VK_DOWN, 0);
+    EXPECT_SEQUENCE(parent, changed_twice_seq, "hidden, down");
+    SendMessageA(g, WM_KEYDOWN, VK_UP, 0);
+    SendMessageA(g, WM_KEYDOWN, VK_UP, 0);
+    EXPECT_EQ(MakeDate(2024, 5, 19), Get(g));
+    EXPECT_EQ(DateText(MakeDate(2024, 5, 19)), Text(g));
 }
 
 // Days of other months are grey; a month is as many rows as it needs, and a
@@ -237,40 +223,29 @@ TEST_F(DateTrackerTest, GreyCellsAndRowsFollowTheMonth)
 {
     RecordingParent parent;
     HWND g = Make(parent);
-    const COLORREF grey = 0xC0C0C0;
     const struct {
         DateTimeValue month;
-        int rows;
-        long greyCount;
-        std::vector<POINT> greyCells;  // {row, column}: some of them
+        std::vector<const char *> rows;  // 'g': a grey day
     } cases[] = {
         // February 2015 starts on a Sunday: four rows, all its own.
-        {MakeDate(2015, 2, 10), 4, 0, {}},
-        // September 2015: 30 and 31 August lead, 1 to 3 October trail.
-        {MakeDate(2015, 9, 10), 5, 5, {{0, 0}, {0, 1}, {4, 4}, {4, 5}, {4, 6}}},
-        // August 2015 starts on a Saturday: six rows, six July days
-        // before it and five September days after.
-        {MakeDate(2015, 8, 10), 6, 11, {{0, 0}, {0, 5}, {5, 2}, {5, 6}}},
+        {MakeDate(2015, 2, 10), {".......", ".......", ".......", "......."}},
+        // September 2015: 30 and 31 August lead, 1 to 3 October trail, and
+        // the row from 4 October is left out.
+        {MakeDate(2015, 9, 10), {"gg.....", ".......", ".......", ".......", "....ggg"}},
+        // August 2015 starts on a Saturday: six rows.
+        {MakeDate(2015, 8, 10), {"gggggg.", ".......", ".......", ".......", ".......", "..ggggg"}},
     };
     for (const auto &c : cases) {
         Set(g, c.month);
         Layout layout(g, c.month);
-        ASSERT_EQ(c.rows, layout.rows);
+        ASSERT_EQ(static_cast<int>(c.rows.size()), layout.rows);
         Readback shot = Readback::Of(g);
-        long greyCount = 0;
-        for (int row = 0; row < c.rows; ++row)
+        for (int row = 0; row < layout.rows; ++row)
             for (int column = 0; column < 7; ++column) {
                 RECT corner = layout.Corner(row, column);
-                bool isGrey = shot.Count(grey, &corner) == 9;
-                greyCount += isGrey;
-                bool expected = false;
-                for (POINT p : c.greyCells)
-                    expected |= p.x == row && p.y == column;
-                if (expected) {
-                    EXPECT_TRUE(isGrey) << ToText(c.month) << " row " << row << " column " << column;
-                }
+                EXPECT_EQ(c.rows[row][column] == 'g', shot.Count(0xC0C0C0, &corner) == 9)
+                    << ToText(c.month) << " row " << row << " column " << column;
             }
-        EXPECT_EQ(c.greyCount, greyCount) << ToText(c.month);
     }
 }
 
@@ -345,27 +320,25 @@ TEST_F(DateTrackerTest, MonthButtonsStepAndShowTheirState)
     HWND g = Make(parent);
     Set(g, MakeDate(2015, 9, 10));
     Layout layout(g, MakeDate(2015, 9, 10));
-    Readback up = Readback::Of(g);
     for (bool next : {false, true}) {
         const RECT &button = next ? layout.next : layout.prev;
+        auto shot = [&] {  // the button and a pixel round it
+            HDC dc = GetDC(g);
+            Readback r = ReadDC(dc, button.left - 1, button.top - 1, kGlyph + 2, kGlyph + 2);
+            ReleaseDC(g, dc);
+            return r;
+        };
+        Readback up = shot();
         POINT on = {button.left + 4, button.top + 4};
         Quiet(parent);
         Press(g, on);
         EXPECT_SEQUENCE(parent, changed_seq, next ? "next pressed" : "prev pressed");
         EXPECT_EQ(next ? MakeDate(2015, 10, 10) : MakeDate(2015, 8, 10), Get(g));
-        Readback pressed = Readback::Of(g);
-        long moved = 0;
-        for (int y = button.top; y < button.bottom; ++y)
-            for (int x = button.left - 1; x <= button.right; ++x)
-                moved += up.At(x, y) != pressed.At(x, y);
-        EXPECT_GT(moved, 0);
+        EXPECT_GT(up.Differences(shot()), 0);
         Move(g, {on.x, -5});
         Release(g, {on.x, -5});
         EXPECT_SEQUENCE(parent, nothing_seq, "released off the button");
-        Readback released = Readback::Of(g);
-        for (int y = button.top - 1; y <= button.bottom; ++y)
-            for (int x = button.left - 1; x <= button.right; ++x)
-                ASSERT_EQ(up.At(x, y), released.At(x, y)) << x << "," << y;
+        EXPECT_EQ(0, up.Differences(shot()));
         Set(g, MakeDate(2015, 9, 10));
     }
 }
