@@ -282,6 +282,28 @@ HWND BuildTimeSetterPage(HWND host)
         SendMessageA(setter, TSM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&row.view));
         SendMessageA(setter, TSM_SETVALUE, 0, reinterpret_cast<LPARAM>(&row.value));
     }
+// Two month calendars: this month with a day chosen and today marked, in
+// the system font; and a six-row month with the days of its neighbours in
+// grey, in the dialog font.
+HWND BuildDateTrackerPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "DateTracker", 430, 170);
+    if (!page) return nullptr;
+    HWND trackers[2];
+    for (int i = 0; i < 2; ++i) {
+        trackers[i] = CreateWindowExA(0, "DateTracker", "", WS_CHILD | WS_VISIBLE, 10 + i * 215, 10, 100, 100,
+                                      page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
+                                      GetModuleHandleA(nullptr), nullptr);
+        if (!trackers[i]) return DestroyWindow(page), nullptr;
+    }
+    DateTimeValue chosen;
+    OSGetDateTime(&chosen);
+    chosen.day = static_cast<BYTE>(chosen.day > 20 ? chosen.day - 12 : chosen.day + 6);
+    SendMessageA(trackers[0], DTKM_SETDATE, 0, reinterpret_cast<LPARAM>(&chosen));
+    SendMessageA(trackers[1], WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
+    SetWindowPos(trackers[1], nullptr, 0, 0, 100, 100, SWP_NOMOVE | SWP_NOZORDER);  // size from the font
+    DateTimeValue august = {2015, 8, 14, 0, 0, 0, 0};
+    SendMessageA(trackers[1], DTKM_SETDATE, 0, reinterpret_cast<LPARAM>(&august));
     return page;
 }
 
@@ -499,6 +521,7 @@ const GalleryPage kGalleryPages[] = {
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
     {"time_setter", "TimeSetter", BuildTimeSetterPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
+    {"date_tracker", "DateTracker", BuildDateTrackerPage},
     {"virtual_list", "Virtual list", BuildVirtualListPage},
     {"dynamic_list", "Dynamic list", BuildDynamicListPage},
     {"dialog_tabs", "Dialog tabs", BuildDialogTabsPage},

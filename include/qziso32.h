@@ -909,6 +909,22 @@ QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 /* The class procedure, for a host's own subclass. */
 QZAPI LRESULT WINAPI GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+/* Time gadgets: DateTracker, a month calendar                         */
+/* ------------------------------------------------------------------ */
+/* lParam: const DateTimeValue*. Years above 2100 are refused. Sets the
+ * date and the window text and repaints. 1, or 100 when refused. */
+#define DTKM_SETDATE 0x402
+/* lParam: DateTimeValue* out; the gadget's own hour, minute and second are
+ * cleared first. 1, or 100 when there is no valid date to give. */
+#define DTKM_GETDATE 0x403
+/* Notifications. */
+#define DTKN_ERROR 100        /* WM_SETTEXT with a text that is no date */
+#define DTKN_DATECHOSEN 200   /* Enter, Tab, or a release on a day cell */
+#define DTKN_SETFOCUS 300
+#define DTKN_KILLFOCUS 400
+#define DTKN_DATECHANGED 500  /* the date moved by key, button, drag or text */
+/* The failure answer of the two messages. */
+#define DTK_FAILURE 100
 /* ------------------------------------------------------------------ */
 /* Virtual list box ("QzVListBox")                                     */
 /* ------------------------------------------------------------------ */

@@ -5,3 +5,4 @@
 LRESULT CALLBACK TumblerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // Exported under its own name as well, so it carries C linkage.
 extern "C" LRESULT CALLBACK GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK DateTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -4,6 +4,11 @@ outputs are committed, so a build needs no Python.
 
   res/art/tumbler_up.bmp    7 x 4, 1 bit: an upward arrow (bit 0) on bit 1
   res/art/tumbler_down.bmp  the same arrow pointing down
+  res/art/month_prev.bmp    9 x 9, 24 bit: the month calendar's button for the
+                            month before, a black arrow pointing left on the
+                            transparent key 0x818100, which its top-left
+                            pixel carries
+  res/art/month_next.bmp    the same arrow pointing right
   res/art/clock.bmp         17 x 17, 24 bit: the time scales' clock face, a
                             white dial with hands at ten past ten on the
                             transparent key 0x818100 (COLORREF)
@@ -79,6 +84,19 @@ KEY = (0x00, 0x81, 0x81)  # COLORREF 0x818100: blue 0x81, green 0x81, red 0
 
 UP = ["...#...", "..###..", ".#####.", "#######"]
 
+# The month button: a left arrow in a 9 x 9 box, the key at the corners.
+PREV = [
+    ".........",
+    ".....#...",
+    "....##...",
+    "...###...",
+    "..####...",
+    "...###...",
+    "....##...",
+    ".....#...",
+    ".........",
+]
+
 
 def arrow_button(up, width=11, height=13):
     """A raised face: 'w' light edge, 'd' shadow, 'k' outer shadow and the
@@ -119,6 +137,11 @@ def main():
         f.write(mono_bitmap(UP))
     with open(os.path.join(art, "tumbler_down.bmp"), "wb") as f:
         f.write(mono_bitmap(list(reversed(UP))))
+    month = {".": KEY, "#": (0, 0, 0)}
+    with open(os.path.join(art, "month_prev.bmp"), "wb") as f:
+        f.write(colour_bitmap(PREV, month))
+    with open(os.path.join(art, "month_next.bmp"), "wb") as f:
+        f.write(colour_bitmap([row[::-1] for row in PREV], month))
     with open(os.path.join(art, "clock.bmp"), "wb") as f:
         f.write(colour_bitmap(clock_face(), {".": KEY, "#": (0, 0, 0), "o": (255, 255, 255)}))
     for name, up in (("setter_up.bmp", True), ("setter_down.bmp", False)):
