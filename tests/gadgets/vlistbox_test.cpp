@@ -116,11 +116,8 @@ LRESULT CALLBACK HostProc(HWND w, UINT code, void *request, LPARAM data)
     }
     case VLN_DRAW: {
         auto *d = static_cast<VLDRAWREQUEST *>(request);
-        char text[96];
-        snprintf(text, sizeof text, "DRAW %lu %lu %ld %ld %s", static_cast<unsigned long>(d->index),
-                 static_cast<unsigned long>(d->state), d->rect.top, d->rect.bottom - d->rect.top,
-                 d->text ? d->text : "-");
-        host.log.push_back(text);
+        host.log.push_back(Words("DRAW", d->index, d->state) + Words("", d->rect.top, d->rect.bottom - d->rect.top) +
+                           " " + (d->text ? d->text : "-"));
         break;
     }
     case VLN_DESTROY: host.log.push_back("DESTROY"); break;
@@ -531,11 +528,7 @@ TEST_F(VListBox, OwnerDrawRowsAreMeasuredAndDrawnByTheCallback)
         const LONG h = measure ? measure : RowHeight();
         const DWORD rows = kRows * RowHeight() / h;
         auto draw = [h](DWORD index, DWORD state, DWORD row) {
-            char line[64];
-            snprintf(line, sizeof line, "DRAW %lu %lu %ld %ld Item %lu", static_cast<unsigned long>(index),
-                     static_cast<unsigned long>(state), static_cast<long>(row * h), static_cast<long>(h),
-                     static_cast<unsigned long>(index));
-            return std::string(line);
+            return Words("DRAW", index, state) + Words("", row * h, h) + " Item " + std::to_string(index);
         };
         Log expected, log = host.Take(), draws;
         for (DWORD i = 0; i < rows; ++i)
@@ -759,18 +752,6 @@ void Monkey(HWND list, Host &host, Mode mode, unsigned seed)
     bool shift = false;
     auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % n); };
     auto rowsWithItems = [&] { return std::min(model.visible, model.total - model.top); };
-    auto restart = [&](DWORD total) {  // the host starts again, keeping its selection
-        DWORD top = model.top;
-        model.total = total;
-        ASSERT_TRUE(VListBox_Initialize(list, total, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
-        VListBox_SetTopIndex(list, top);
-        model.top = model.Clamp(top);
-        model.sel = 0xFFFFFFFFu;
-        if (mode != kSingle) {
-            std::vector<DWORD> items(model.set.begin(), model.set.end());
-            ASSERT_TRUE(VListBox_SetSelItems(list, static_cast<DWORD>(items.size()), items.data()));
-        }
-    };
     for (int step = 0; step < steps; ++step) {
         int action = pick(14);
         switch (action) {
@@ -842,40 +823,35 @@ void Monkey(HWND list, Host &host, Mode mode, unsigned seed)
             model.visible = rows;
             break;
         }
-        case 11: {  // the host inserts or deletes an item and starts again
-            DWORD at;
-            if (pick(2) || host.ids.size() < 30) {
-                at = pick(static_cast<DWORD>(host.ids.size()) + 1);
+        case 11: {  // the host inserts or deletes an item, starts again and keeps its selection
+            bool insert = pick(2) || host.ids.size() < 30;
+            DWORD at = pick(static_cast<DWORD>(host.ids.size()) + insert), top = model.top;
+            if (insert)
                 host.ids.insert(host.ids.begin() + at, nextId++);
-                std::set<DWORD> moved;
-                for (DWORD i : model.set)
-                    moved.insert(i < at ? i : i + 1);
-                model.set.swap(moved);
-            } else {
-                at = pick(static_cast<DWORD>(host.ids.size()));
+            else
                 host.ids.erase(host.ids.begin() + at);
-                std::set<DWORD> moved;
-                for (DWORD i : model.set)
-                    if (i != at)
-                        moved.insert(i < at ? i : i - 1);
-                model.set.swap(moved);
-            }
-            restart(static_cast<DWORD>(host.ids.size()));
-            break;
-        }
-        case 12: {  // items come at the end (the total alone changes) or go from it
-            if (pick(2) || host.ids.size() < 40) {
-                for (int i = 0; i < 5; ++i)
-                    host.ids.push_back(nextId++);
-                model.total = static_cast<DWORD>(host.ids.size());
-                ASSERT_TRUE(VListBox_SetNumItems(list, model.total));
-                model.top = std::min(model.top, model.total - model.visible);
-            } else {
-                host.ids.resize(host.ids.size() - 5);
-                restart(static_cast<DWORD>(host.ids.size()));
+            std::vector<DWORD> items;
+            for (DWORD i : model.set)
+                if (insert || i != at)
+                    items.push_back(i < at ? i : insert ? i + 1 : i - 1);
+            model.set = std::set<DWORD>(items.begin(), items.end());
+            model.total = static_cast<DWORD>(host.ids.size());
+            ASSERT_TRUE(VListBox_Initialize(list, model.total, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
+            VListBox_SetTopIndex(list, top);
+            model.top = model.Clamp(top);
+            model.sel = 0xFFFFFFFFu;
+            if (mode != kSingle) {
+                ASSERT_TRUE(VListBox_SetSelItems(list, static_cast<DWORD>(items.size()), items.data()));
             }
             break;
         }
+        case 12:  // items come at the end: the total alone changes
+            for (int i = 0; i < 5; ++i)
+                host.ids.push_back(nextId++);
+            model.total = static_cast<DWORD>(host.ids.size());
+            ASSERT_TRUE(VListBox_SetNumItems(list, model.total));
+            model.top = std::min(model.top, model.total - model.visible);  // a top past the end comes back
+            break;
         default: {
             DWORD index = pick(model.total);
             char text[32] = "";
