@@ -3,6 +3,7 @@
 #include "qz_test.h"
 #include "window_harness.h"
 #include "qziso32.h"
+#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <set>
@@ -22,6 +23,7 @@ struct Host {
     bool logLoads = true;
     int badReleases = 0;
     DWORD findAnswer = 0;
+    LONG measure = 0;  // the row height VLN_MEASURE answers; 0 keeps the list's
     std::string lastText;  // a lookup keeps the pointer it is given
 
     std::string Text(DWORD index) const
@@ -100,6 +102,24 @@ LRESULT CALLBACK HostProc(HWND w, UINT code, void *request, LPARAM data)
     case VLN_SETFOCUS: host.log.push_back("SETFOCUS"); break;
     case VLN_KILLFOCUS: host.log.push_back("KILLFOCUS"); break;
     case VLN_DBLCLK: host.log.push_back(Words("DBLCLK", *static_cast<DWORD *>(request), 0)); break;
+    case VLN_CHAR: {
+        auto *c = static_cast<VLCHARREQUEST *>(request);
+        host.log.push_back(Words("CHAR", c->character, c->repeat));
+        break;
+    }
+    case VLN_MEASURE: {
+        auto *m = static_cast<VLMEASUREREQUEST *>(request);
+        host.log.push_back(Words("MEASURE", m->width, m->height));
+        if (host.measure)
+            m->height = host.measure;
+        break;
+    }
+    case VLN_DRAW: {
+        auto *d = static_cast<VLDRAWREQUEST *>(request);
+        host.log.push_back(Words("DRAW", d->index, d->state) + Words("", d->rect.top, d->rect.bottom - d->rect.top) +
+                           " " + (d->text ? d->text : "-"));
+        break;
+    }
     case VLN_DESTROY: host.log.push_back("DESTROY"); break;
     }
     return 0;
@@ -144,24 +164,39 @@ protected:
         return list;
     }
     RecordingParent *parent_ = nullptr;
-    Host host_;
+    Host host;  // outlives the lists, which the parent takes down
 };
 
 typedef std::vector<std::string> Log;
 
+// The selected indices as the list gives them.
+std::vector<DWORD> Selection(HWND list)
+{
+    std::vector<DWORD> items(VListBox_GetSelCount(list));
+    if (!items.empty())
+        VListBox_GetSelItems(list, items.data());
+    return items;
+}
+
+// RELEASE for `first` to `last`, then `then`.
+Log Releases(DWORD first, DWORD last, const char *then)
+{
+    Log log;
+    for (DWORD i = first; i <= last; ++i)
+        log.push_back(Words("RELEASE", i, 0));
+    log.push_back(then);
+    return log;
+}
+
 TEST_F(VListBox, KeepsItsCacheWindowAroundTheView)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = parent_->CreateChild("QzVListBox", ID_LIST, WS_VSCROLL, 0, 0, 200,
                                      kRows * RowHeight());
     ASSERT_TRUE(VListBox_Initialize(list, 1000, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
     EXPECT_EQ(Log({"INIT 10 20"}), host.Take());
 
-    Log released;
-    for (DWORD i = 0; i < 10; ++i) released.push_back(Words("RELEASE", i, 0));
-    released.push_back(Words("LOAD", 495, 514));
     EXPECT_TRUE(VListBox_SetTopIndex(list, 500));
-    EXPECT_EQ(released, host.Take()) << "jump: the old window leaves, one batch centred on the view";
+    EXPECT_EQ(Releases(0, 9, "LOAD 495 514"), host.Take()) << "jump: the old window leaves, one batch centred on the view";
     EXPECT_TRUE(VListBox_IsItemCached(list, 514));
     EXPECT_FALSE(VListBox_IsItemCached(list, 515));
 
@@ -173,24 +208,15 @@ TEST_F(VListBox, KeepsItsCacheWindowAroundTheView)
     EXPECT_EQ(510u, VListBox_GetTopIndex(list));
     EXPECT_EQ(Log({Words("LOAD", 515, 534)}), host.Take()) << "page: the run after the loaded part";
 
-    Log back;
-    for (DWORD i = 495; i <= 534; ++i) back.push_back(Words("RELEASE", i, 0));
-    back.push_back(Words("LOAD", 0, 19));
     SendMessageA(list, WM_VSCROLL, SB_TOP, 0);
-    EXPECT_EQ(back, host.Take());
+    EXPECT_EQ(Releases(495, 534, "LOAD 0 19"), host.Take());
 
     // A hole in the middle is asked for alone, the rest as one run.
     host.skipOnce = {15};
     EXPECT_TRUE(VListBox_SetTopIndex(list, 500));
     host.Take();
     EXPECT_TRUE(VListBox_SetTopIndex(list, 0));
-    EXPECT_EQ(Log({"RELEASE 495 0", "RELEASE 496 0", "RELEASE 497 0", "RELEASE 498 0",
-                   "RELEASE 499 0", "RELEASE 500 0", "RELEASE 501 0", "RELEASE 502 0",
-                   "RELEASE 503 0", "RELEASE 504 0", "RELEASE 505 0", "RELEASE 506 0",
-                   "RELEASE 507 0", "RELEASE 508 0", "RELEASE 509 0", "RELEASE 510 0",
-                   "RELEASE 511 0", "RELEASE 512 0", "RELEASE 513 0", "RELEASE 514 0",
-                   "LOAD 0 19"}),
-              host.Take());
+    EXPECT_EQ(Releases(495, 514, "LOAD 0 19"), host.Take());
     EXPECT_FALSE(VListBox_IsItemCached(list, 15));
     SendMessageA(list, WM_VSCROLL, SB_PAGEDOWN, 0);  // top 9: rows 9..18 need 15
     EXPECT_EQ(Log({"LOAD 15 15", "LOAD 20 34"}), host.Take());
@@ -202,7 +228,6 @@ TEST_F(VListBox, KeepsItsCacheWindowAroundTheView)
 
 TEST_F(VListBox, LeavesALoneMissingItemAtTheEndOfTheWindow)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(0, 1000, host);
     host.skipOnce = {999};
     SendMessageA(list, WM_VSCROLL, SB_BOTTOM, 0);
@@ -227,7 +252,6 @@ TEST_F(VListBox, LeavesALoneMissingItemAtTheEndOfTheWindow)
 
 TEST_F(VListBox, AsksNothingForAnEmptyListYetTakesAClick)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(0, 0, host);
     SendMessageA(list, WM_VSCROLL, SB_PAGEDOWN, 0);
     EXPECT_TRUE(VListBox_SetTopIndex(list, 40));
@@ -241,7 +265,6 @@ TEST_F(VListBox, AsksNothingForAnEmptyListYetTakesAClick)
 
 TEST_F(VListBox, RefusesBadArgumentsAndWindowsWithoutARecord)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(0, 1000, host);
     EXPECT_FALSE(VListBox_Initialize(list, 1000, 5000, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
     EXPECT_EQ(0u, VListBox_GetTopIndex(list));
@@ -257,7 +280,6 @@ TEST_F(VListBox, RefusesBadArgumentsAndWindowsWithoutARecord)
 
 TEST_F(VListBox, SingleSelectionNotifiesAndMirrorsTheText)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(VLS_NOTIFY, 1000, host);
     Click(list, 5, RowHeight() * 2 + 1);
     EXPECT_EQ(Log({"SETFOCUS", "SELCHANGE", "GETTEXT 2 256"}), host.Take());
@@ -314,7 +336,6 @@ TEST_F(VListBox, SingleSelectionNotifiesAndMirrorsTheText)
 
 TEST_F(VListBox, MultipleSelectionTogglesByClickAndSpace)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(VLS_NOTIFY | VLS_MULTIPLESEL, 1000, host);
     const int h = RowHeight();
     Click(list, 5, h * 1 + 1);
@@ -343,27 +364,20 @@ TEST_F(VListBox, MultipleSelectionTogglesByClickAndSpace)
 
 TEST_F(VListBox, ExtendedSelectionKeepsTheRunFromAnchorToCaret)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(VLS_NOTIFY | VLS_EXTENDEDSEL, 1000, host);
     const int h = RowHeight();
-    auto selection = [&] {
-        std::vector<DWORD> items(VListBox_GetSelCount(list));
-        if (!items.empty())
-            VListBox_GetSelItems(list, items.data());
-        return items;
-    };
     Click(list, 5, h * 3 + 1);
     Click(list, 5, h * 6 + 1, MK_SHIFT);
-    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6}), selection());
+    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6}), Selection(list));
     Click(list, 5, h * 8 + 1, MK_CONTROL);
-    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6, 8}), selection());
+    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6, 8}), Selection(list));
     Click(list, 5, h * 4 + 1, MK_CONTROL);
-    EXPECT_EQ(std::vector<DWORD>({3, 5, 6, 8}), selection());
+    EXPECT_EQ(std::vector<DWORD>({3, 5, 6, 8}), Selection(list));
     host.Take();
     parent_->Clear();
 
     Key(list, VK_DOWN);  // no Shift: the selection starts again at the caret
-    EXPECT_EQ(std::vector<DWORD>({5}), selection());
+    EXPECT_EQ(std::vector<DWORD>({5}), Selection(list));
     EXPECT_EQ(Log({"SELCHANGE", "SELCHANGE"}), host.Take()) << "keys notify twice";
     static const Message twice_seq[] = {
         {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0},
@@ -375,21 +389,20 @@ TEST_F(VListBox, ExtendedSelectionKeepsTheRunFromAnchorToCaret)
         Key(list, VK_DOWN);
         Key(list, VK_DOWN);
         Key(list, VK_DOWN);
-        EXPECT_EQ(std::vector<DWORD>({5, 6, 7, 8}), selection());
+        EXPECT_EQ(std::vector<DWORD>({5, 6, 7, 8}), Selection(list));
         Key(list, VK_UP);
-        EXPECT_EQ(std::vector<DWORD>({5, 6, 7}), selection()) << "walking back shrinks the run";
+        EXPECT_EQ(std::vector<DWORD>({5, 6, 7}), Selection(list)) << "walking back shrinks the run";
         Key(list, VK_END);
         EXPECT_EQ(995u, VListBox_GetSelCount(list)) << "anchor 5 to the end in one run";
         Key(list, VK_HOME);
-        EXPECT_EQ(std::vector<DWORD>({0, 1, 2, 3, 4, 5}), selection());
+        EXPECT_EQ(std::vector<DWORD>({0, 1, 2, 3, 4, 5}), Selection(list));
     }
     Key(list, VK_HOME);
-    EXPECT_EQ(std::vector<DWORD>({0}), selection());
+    EXPECT_EQ(std::vector<DWORD>({0}), Selection(list));
 }
 
 TEST_F(VListBox, ExtendedSelectionOfMillionsCostsOneRun)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     host.logLoads = false;
     HWND list = Make(VLS_EXTENDEDSEL, 50000000, host);
     Click(list, 5, 1);
@@ -405,7 +418,6 @@ TEST_F(VListBox, ExtendedSelectionOfMillionsCostsOneRun)
 
 TEST_F(VListBox, ThumbFollowsHugeLists)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     host.logLoads = false;
     HWND list = Make(0, 10000000, host);
     int low = -1, high = -1;
@@ -433,7 +445,6 @@ Readback Screen(HWND w)
 
 TEST_F(VListBox, GlidesToTheSamePixelsAsAFullRepaint)
 {
-    Host &host = host_;  // outlives the lists, which the parent takes down
     HWND list = Make(0, 1000, host);
     VListBox_SetCurSel(list, 503);
     VListBox_SetTopIndex(list, 500);
@@ -464,11 +475,150 @@ TEST_F(VListBox, GlidesToTheSamePixelsAsAFullRepaint)
     EXPECT_EQ(0, back.Count(GetSysColor(COLOR_HIGHLIGHT) & 0xFFFFFF, &row2));
 }
 
+TEST_F(VListBox, PaintsTheSelectionInHighlightColoursAndTheFocusOnlyWhileFocused)
+{
+    HWND list = Make(VLS_MULTIPLESEL, 1000, host);
+    const int h = RowHeight();
+    const COLORREF window = GetSysColor(COLOR_WINDOW), text = GetSysColor(COLOR_WINDOWTEXT),
+                   high = GetSysColor(COLOR_HIGHLIGHT), highText = GetSysColor(COLOR_HIGHLIGHTTEXT);
+    SetFocus(parent_->Window());
+    VListBox_SetCaretIndex(list, 7);
+    Readback plain = Readback::Of(list);
+    RECT row2 = {0, 2 * h, plain.Width(), 3 * h};
+    ASSERT_GT(plain.Count(text, &row2), 0) << "the row's text is drawn";
+    VListBox_SetSel(list, TRUE, 2);
+    VListBox_SetSel(list, TRUE, 5);
+    Readback selected = Readback::Of(list);
+    ASSERT_EQ(plain.Width(), selected.Width());
+    long wrong = 0;
+    for (int y = 0; y < plain.Height(); ++y)
+        for (int x = 0; x < plain.Width(); ++x) {
+            COLORREF was = plain.At(x, y), want = was;
+            if (y / h == 2 || y / h == 5)  // the same glyphs, the colours swapped
+                want = was == text ? highText : was == window ? high : CLR_INVALID;
+            if (was == text || was == window || want == was)  // edges of smoothed glyphs aside
+                wrong += selected.At(x, y) != want;
+        }
+    EXPECT_EQ(0, wrong) << "selected rows in the highlight colours, the others as they were";
+
+    SetFocus(list);
+    ASSERT_EQ(list, GetFocus());
+    Readback focused = Readback::Of(list);
+    long onEdge = 0, elsewhere = 0;
+    for (int y = 0; y < plain.Height(); ++y)
+        for (int x = 0; x < plain.Width(); ++x)
+            if (focused.At(x, y) != selected.At(x, y)) {
+                bool edge = y / h == 7 && (y == 7 * h || y == 8 * h - 1 || x == 0 || x == plain.Width() - 1);
+                (edge ? onEdge : elsewhere) += 1;
+            }
+    EXPECT_GT(onEdge, 2 * h) << "a dotted frame round the caret's row";
+    EXPECT_EQ(0, elsewhere);
+    SetFocus(parent_->Window());
+    EXPECT_EQ(0, Readback::Of(list).Differences(selected)) << "the frame goes with the focus";
+}
+
+TEST_F(VListBox, OwnerDrawRowsAreMeasuredAndDrawnByTheCallback)
+{
+    for (LONG measure : {0L, 23L}) {
+        HWND list = Make(VLS_OWNERDRAW, 1000, host);
+        RECT client;
+        GetClientRect(list, &client);
+        host.measure = measure;
+        SendMessageA(list, WM_SETFONT, 0, 0);
+        const LONG h = measure ? measure : RowHeight();
+        const DWORD rows = kRows * RowHeight() / h;
+        auto draw = [h](DWORD index, DWORD state, DWORD row) {
+            return Words("DRAW", index, state) + Words("", row * h, h) + " Item " + std::to_string(index);
+        };
+        Log expected, log = host.Take(), draws;
+        for (DWORD i = 0; i < rows; ++i)
+            expected.push_back(draw(i, 0, i));
+        for (const std::string &line : log)
+            if (line.rfind("DRAW", 0) == 0)
+                draws.push_back(line);
+        ASSERT_GE(draws.size(), rows);
+        EXPECT_EQ(Words("MEASURE", client.right, RowHeight()), log.at(0));
+        EXPECT_EQ(expected, Log(draws.end() - rows, draws.end())) << "the last pass, row height " << h;
+        GetClientRect(list, &client);
+        EXPECT_EQ(static_cast<LONG>(rows) * h, client.bottom) << "the window fits whole rows";
+        SetFocus(parent_->Window());
+        host.Take();
+        VListBox_SetCurSel(list, 3);  // drawn selected, then scrolled to the top
+        SetFocus(list);
+        log = host.Take();
+        EXPECT_NE(log.end(), std::find(log.begin(), log.end(), draw(3, VLDS_SELECTED, 3)));
+        EXPECT_EQ(draw(3, VLDS_SELECTED | VLDS_FOCUS, 0), log.back()) << "the caret drawn with the focus";
+        SetFocus(parent_->Window());
+        DestroyWindow(list);
+    }
+}
+
+TEST_F(VListBox, DoubleClicksAndCharactersReachTheCallbackOnlyWhenAsked)
+{
+    for (DWORD style : {0ul, static_cast<unsigned long>(VLS_NOTIFY | VLS_WANTCHARS)}) {
+        HWND list = Make(style, 1000, host);
+        VListBox_SetTopIndex(list, 40);
+        DoubleClick(list, 5, RowHeight() * 2 + 1);
+        SendMessageA(list, WM_CHAR, 'x', 3);
+        Log log, all = host.Take();
+        for (const std::string &line : all)
+            if (line.rfind("DBLCLK", 0) == 0 || line.rfind("CHAR", 0) == 0)
+                log.push_back(line);
+        EXPECT_EQ(style ? Log({"DBLCLK 42 0", "CHAR 120 3"}) : Log(), log) << "style " << style;
+        DestroyWindow(list);
+    }
+}
+
+TEST_F(VListBox, DraggingPastAnEdgeScrollsRowByRowUntilTheEnd)
+{
+    host.logLoads = false;
+    HWND list = Make(VLS_EXTENDEDSEL, 1000, host);
+    const int h = RowHeight(), below = kRows * h + 4;
+    auto run = [](DWORD low, DWORD high) {
+        std::vector<DWORD> items;
+        for (DWORD i = low; i <= high; ++i) items.push_back(i);
+        return items;
+    };
+    VListBox_SetTopIndex(list, 100);
+    SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5 * h + 1));
+    SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, below));
+    SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, below));
+    EXPECT_EQ(102u, VListBox_GetTopIndex(list));
+    EXPECT_EQ(111u, VListBox_GetCaretIndex(list)) << "one row past the bottom edge";
+    EXPECT_EQ(run(105, 111), Selection(list));
+    SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, -3));
+    EXPECT_EQ(101u, VListBox_GetTopIndex(list));
+    EXPECT_EQ(run(101, 105), Selection(list));
+    // The timer goes on while the pointer stays above the rows.
+    POINT above = {5, -20};
+    ClientToScreen(list, &above);
+    SetCursorPos(above.x, above.y);
+    for (DWORD start = GetTickCount(); VListBox_GetTopIndex(list) && GetTickCount() - start < 5000;)
+        PumpMessages();
+    EXPECT_EQ(0u, VListBox_GetTopIndex(list));
+    EXPECT_EQ(0u, VListBox_GetCaretIndex(list));
+    EXPECT_EQ(run(0, 105), Selection(list));
+    SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, -20));
+
+    // At a known end nothing moves.
+    VListBox_SetTopIndex(list, 990);
+    SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 9 * h + 1));
+    SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, below));
+    EXPECT_EQ(990u, VListBox_GetTopIndex(list));
+    EXPECT_EQ(999u, VListBox_GetCaretIndex(list));
+    SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, below));
+}
+
 // ------------------------------------------------------------- monkey
-// A plain model of a single-selection list: top, caret and selection,
-// moved by the same rules the list follows.
+// A plain model of the list: top, caret, anchor and selection, moved by the
+// rules the list follows, in each of the three selection modes.
+enum Mode { kSingle, kMultiple, kExtended };
+
 struct Model {
-    DWORD total, visible, top = 0, caret = 0, sel = 0xFFFFFFFFu;
+    Mode mode;
+    DWORD total, visible, top = 0, caret = 0, sel = 0xFFFFFFFFu, anchor = 0;
+    std::set<DWORD> set;
+    bool captured = false;
     DWORD Clamp(unsigned long long t) const
     {
         if (t + visible > total)
@@ -482,57 +632,166 @@ struct Model {
         else if (caret - top >= visible)
             top = Clamp(caret - visible + 1ull);
     }
+    void Toggle(DWORD i)
+    {
+        if (!set.erase(i))
+            set.insert(i);
+    }
+    void Run()
+    {
+        set.clear();
+        for (DWORD i = std::min(anchor, caret); i <= std::max(anchor, caret); ++i)
+            set.insert(i);
+    }
+    // The caret moved from p to q: items between change so that the run
+    // from the anchor follows the caret.
+    void Walk(DWORD p, DWORD q)
+    {
+        for (DWORD i = std::min(p, q); i <= std::max(p, q); ++i) {
+            if (i == anchor || (i == p && q != anchor && !((p >= anchor && p > q) || (p < anchor && q > p))))
+                continue;
+            if (!set.count(i))
+                set.insert(i);
+            else if (i != q)
+                set.erase(i);
+        }
+    }
+    void Press(DWORD index, WPARAM keys)
+    {
+        if (index > total - 1)
+            return;
+        captured = true;
+        caret = index;
+        if (mode == kMultiple) {
+            Toggle(index);
+            return;
+        }
+        sel = index;
+        if (mode == kSingle)
+            return;
+        if (keys & MK_CONTROL) {
+            anchor = index;
+            Toggle(index);
+            captured = false;
+        } else if (keys & MK_SHIFT) {
+            Run();
+        } else {
+            anchor = index;
+            set = {index};
+        }
+    }
+    void Track(DWORD index)
+    {
+        if (!captured || index == caret)
+            return;
+        DWORD old = caret;
+        caret = index;
+        if (mode != kMultiple)
+            sel = index;
+        if (mode == kExtended)
+            Walk(old, index);
+    }
+    void KeyDown(UINT key, bool shift)
+    {
+        DWORD c = caret, last = total - 1, v = visible;
+        switch (key) {
+        case VK_SPACE:
+            if (mode == kSingle)
+                sel = sel == caret ? 0xFFFFFFFFu : caret;
+            else if (mode == kMultiple)
+                Toggle(caret);
+            return;
+        case VK_UP: c = c ? c - 1 : 0; break;
+        case VK_DOWN:
+            if (mode == kMultiple || sel != 0xFFFFFFFFu) c = c < last ? c + 1 : last;
+            break;
+        case VK_PRIOR: c = c > v - 1 ? c - v + 1 : 0; break;
+        case VK_NEXT: c = c + v - 1 > last || c + v - 1 < c ? last : c + v - 1; break;
+        case VK_HOME: c = 0; break;
+        case VK_END: c = last; break;
+        }
+        DWORD old = caret;
+        caret = c;
+        if (mode != kMultiple)
+            sel = c;
+        if (mode == kExtended) {
+            if (shift && (key == VK_HOME || key == VK_END))
+                Run();
+            else if (shift)
+                Walk(old, c);
+            else
+                anchor = c, set = {c};
+        }
+        Follow();
+    }
 };
 
-TEST_F(VListBox, MonkeyAgreesWithAPlainModel)
+void SetShift(bool down)
+{
+    BYTE keys[256];
+    GetKeyboardState(keys);
+    keys[VK_SHIFT] = down ? 0x80 : 0;
+    SetKeyboardState(keys);
+}
+
+void Monkey(HWND list, Host &host, Mode mode, unsigned seed)
 {
 #if defined(_WIN64)
-    const int steps = 20000;
+    const int steps = 20000 / 3;  // in each of the three modes
 #else
-    const int steps = 1000;  // the emulated lane runs some 20 times slower
+    const int steps = 1000 / 3;  // the emulated lane runs some 20 times slower
 #endif
-    Host &host = host_;  // outlives the lists, which the parent takes down
-    host.logLoads = false;
-    std::mt19937 random(14);
+    std::mt19937 random(seed);
+    host.ids.clear();
     for (int i = 0; i < 300; ++i)
         host.ids.push_back(i);
     int nextId = 300;
-    HWND list = Make(0, 300, host);
+    ASSERT_TRUE(VListBox_Initialize(list, 300, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
     const int h = RowHeight();
-    Model model{300, kRows};
+    Model model{mode, 300, kRows, 0, 0, 0xFFFFFFFFu, 0, {}};
+    bool shift = false;
     auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % n); };
+    auto rowsWithItems = [&] { return std::min(model.visible, model.total - model.top); };
     for (int step = 0; step < steps; ++step) {
-        int action = pick(12);
+        int action = pick(14);
         switch (action) {
-        case 0: {  // click a row
-            DWORD row = pick(model.visible ? model.visible : 1);
-            Click(list, 5, row * h + 1);
-            DWORD index = model.top + row;
-            if (index <= model.total - 1) {
-                model.caret = model.sel = index;
-            }
+        case 0: case 1: {  // click a row, with Ctrl or Shift at times
+            static const WPARAM mods[] = {0, 0, MK_CONTROL, MK_SHIFT};
+            WPARAM keys = mods[pick(4)];
+            DWORD row = pick(model.visible);
+            Click(list, 5, row * h + 1, keys);
+            model.Press(model.top + row, keys);
+            model.captured = false;
             break;
         }
-        case 1: case 2: {
-            static const UINT keys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END};
-            UINT key = keys[pick(6)];
+        case 2: {  // press, drag over rows holding items, release
+            WPARAM keys = pick(3) ? 0 : MK_CONTROL;
+            DWORD row = pick(rowsWithItems()), to = pick(rowsWithItems());
+            SendMessageA(list, WM_LBUTTONDOWN, keys | MK_LBUTTON, MAKELPARAM(5, row * h + 1));
+            model.Press(model.top + row, keys);
+            for (;;) {
+                SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, row * h + 2));
+                model.Track(model.top + row);
+                if (row == to)
+                    break;
+                row = row < to ? row + 1 : row - 1;
+            }
+            SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, row * h + 2));
+            model.captured = false;
+            break;
+        }
+        case 3: case 4: case 5: {
+            static const UINT keys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END, VK_SPACE};
+            UINT key = keys[pick(7)];
             Key(list, key);
-            DWORD c = model.caret, last = model.total - 1, v = model.visible;
-            switch (key) {
-            case VK_UP: c = c ? c - 1 : 0; break;
-            case VK_DOWN:
-                if (model.sel != 0xFFFFFFFFu) c = c < last ? c + 1 : last;
-                break;
-            case VK_PRIOR: c = c > v - 1 ? c - v + 1 : 0; break;
-            case VK_NEXT: c = c + v - 1 > last ? last : c + v - 1; break;
-            case VK_HOME: c = 0; break;
-            case VK_END: c = last; break;
-            }
-            model.caret = model.sel = c;
-            model.Follow();
+            model.KeyDown(key, shift);
             break;
         }
-        case 3: case 4: {
+        case 6:
+            shift = !shift;
+            SetShift(shift);
+            break;
+        case 7: case 8: {
             static const WORD requests[] = {SB_LINEUP, SB_LINEDOWN, SB_PAGEUP, SB_PAGEDOWN, SB_TOP,
                                             SB_BOTTOM};
             WORD request = requests[pick(6)];
@@ -549,13 +808,13 @@ TEST_F(VListBox, MonkeyAgreesWithAPlainModel)
             model.top = t;
             break;
         }
-        case 5: {
+        case 9: {
             DWORD t = pick(model.total + 20);
             VListBox_SetTopIndex(list, t);
             model.top = model.Clamp(t);
             break;
         }
-        case 6: {  // the host resizes the list
+        case 10: {  // the host resizes the list
             DWORD rows = 3 + pick(12);
             RECT window;
             GetWindowRect(list, &window);
@@ -564,20 +823,35 @@ TEST_F(VListBox, MonkeyAgreesWithAPlainModel)
             model.visible = rows;
             break;
         }
-        case 7: case 8: {  // the host inserts or deletes an item and starts again
-            if (action == 7 || host.ids.size() < 2)
-                host.ids.insert(host.ids.begin() + pick(host.ids.size() + 1), nextId++);
+        case 11: {  // the host inserts or deletes an item, starts again and keeps its selection
+            bool insert = pick(2) || host.ids.size() < 30;
+            DWORD at = pick(static_cast<DWORD>(host.ids.size()) + insert), top = model.top;
+            if (insert)
+                host.ids.insert(host.ids.begin() + at, nextId++);
             else
-                host.ids.erase(host.ids.begin() + pick(host.ids.size()));
-            DWORD top = model.top;
+                host.ids.erase(host.ids.begin() + at);
+            std::vector<DWORD> items;
+            for (DWORD i : model.set)
+                if (insert || i != at)
+                    items.push_back(i < at ? i : insert ? i + 1 : i - 1);
+            model.set = std::set<DWORD>(items.begin(), items.end());
             model.total = static_cast<DWORD>(host.ids.size());
-            ASSERT_TRUE(VListBox_Initialize(list, model.total, 100, 20, HostProc,
-                                            reinterpret_cast<LPARAM>(&host)));
+            ASSERT_TRUE(VListBox_Initialize(list, model.total, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
             VListBox_SetTopIndex(list, top);
             model.top = model.Clamp(top);
             model.sel = 0xFFFFFFFFu;
+            if (mode != kSingle) {
+                ASSERT_TRUE(VListBox_SetSelItems(list, static_cast<DWORD>(items.size()), items.data()));
+            }
             break;
         }
+        case 12:  // items come at the end: the total alone changes
+            for (int i = 0; i < 5; ++i)
+                host.ids.push_back(nextId++);
+            model.total = static_cast<DWORD>(host.ids.size());
+            ASSERT_TRUE(VListBox_SetNumItems(list, model.total));
+            model.top = std::min(model.top, model.total - model.visible);  // a top past the end comes back
+            break;
         default: {
             DWORD index = pick(model.total);
             char text[32] = "";
@@ -587,8 +861,12 @@ TEST_F(VListBox, MonkeyAgreesWithAPlainModel)
         }
         }
         ASSERT_EQ(model.top, VListBox_GetTopIndex(list)) << "step " << step << " action " << action;
-        ASSERT_EQ(model.sel, VListBox_GetCurSel(list)) << "step " << step << " action " << action;
+        ASSERT_EQ(model.caret, VListBox_GetCaretIndex(list)) << "step " << step << " action " << action;
+        ASSERT_EQ(mode == kMultiple ? 0xFFFFFFFFu : model.sel, VListBox_GetCurSel(list))
+            << "step " << step << " action " << action;
         ASSERT_EQ(model.total, VListBox_GetNumItems(list));
+        ASSERT_EQ(std::vector<DWORD>(model.set.begin(), model.set.end()), Selection(list))
+            << "step " << step << " action " << action;
         for (DWORD row = 0; row < model.visible && model.top + row < model.total; ++row) {
             DWORD index = model.top + row;
             if (!VListBox_IsItemCached(list, index))
@@ -600,8 +878,26 @@ TEST_F(VListBox, MonkeyAgreesWithAPlainModel)
         ASSERT_EQ(0, host.badReleases) << "step " << step;
         ASSERT_LE(host.held.size(), 100u + 20u);
     }
-    DestroyWindow(list);
-    EXPECT_TRUE(host.held.empty());
+    SetShift(false);
+}
+
+TEST_F(VListBox, MonkeyAgreesWithAPlainModelInEachSelectionMode)
+{
+    const struct {
+        DWORD style;
+        Mode mode;
+    } modes[] = {{0, kSingle}, {VLS_MULTIPLESEL, kMultiple}, {VLS_EXTENDEDSEL, kExtended}};
+    for (const auto &m : modes) {
+            host.logLoads = false;
+        host.ids.assign(300, 0);
+        HWND list = Make(m.style, 300, host);
+        Monkey(list, host, m.mode, 14 + m.mode);
+        SetShift(false);
+        DestroyWindow(list);
+        EXPECT_TRUE(host.held.empty()) << "mode " << m.mode;
+        if (HasFatalFailure())
+            return;
+    }
 }
 
 }  // namespace
