@@ -282,6 +282,9 @@ HWND BuildTimeSetterPage(HWND host)
         SendMessageA(setter, TSM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&row.view));
         SendMessageA(setter, TSM_SETVALUE, 0, reinterpret_cast<LPARAM>(&row.value));
     }
+    return page;
+}
+
 // Two month calendars: this month with a day chosen and today marked, in
 // the system font; and a six-row month with the days of its neighbours in
 // grey, in the dialog font.
