@@ -19,6 +19,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
+    {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},
     {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
      TumblerWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},

@@ -3,3 +3,4 @@
 #include <windows.h>
 
 LRESULT CALLBACK TumblerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK TimeTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
