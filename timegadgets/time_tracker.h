@@ -146,6 +146,10 @@ LRESULT TrackerFindFreeSlot(HWND window, TimeTrackerRecord *r, FreeSlotRequest *
 // Keeps the height, sets the ideal width, lays out and rebuilds.
 void TrackerFitWidth(HWND window, TimeTrackerRecord *r);
 
+// ------------------------------------------------------------- keys, text
+void TrackerOnKeyDown(HWND window, TimeTrackerRecord *r, WPARAM key);
+void TrackerOnSetText(HWND window, TimeTrackerRecord *r, const char *text);
+
 // ------------------------------------------------------------- drag
 void TrackerOnLButtonDown(HWND window, TimeTrackerRecord *r, LPARAM lParam);
 void TrackerOnMouseMove(HWND window, TimeTrackerRecord *r, LPARAM lParam);
