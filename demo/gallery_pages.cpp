@@ -310,6 +310,52 @@ HWND BuildDateTrackerPage(HWND host)
     return page;
 }
 
+// Two trackers side by side: a working day with colleagues' busy times in
+// lanes, the appointment clashing (red strip); and a free evening on the
+// default colour, in a narrower view.
+DateTimeValue GalleryTime(int hour, int minute)
+{
+    DateTimeValue v = {};
+    OSSetDateTime(&v, 2026, 3, 11, hour, minute, 0, 0);
+    return v;
+}
+
+HWND BuildTimeTrackerPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "TimeTracker", 300, 330);
+    if (!page) return nullptr;
+    const struct {
+        int x;
+        DWORD hours;
+        int startHour, startMinute, endHour, endMinute, viewHour;
+        bool busy;
+    } rows[] = {
+        {10, 8, 10, 30, 12, 0, 8, true},
+        {160, 6, 18, 0, 19, 30, 16, false},
+    };
+    const BusyInterval busy[] = {
+        {GalleryTime(9, 0), 90, 1, 0, 0},  {GalleryTime(9, 30), 120, 2, 0, 0},
+        {GalleryTime(11, 0), 45, 3, 0, 0}, {GalleryTime(13, 0), 60, 4, 0, 0},
+        {GalleryTime(14, 30), 30, 5, 0, 0},
+    };
+    for (int i = 0; i < 2; ++i) {
+        HWND tracker = CreateWindowExA(0, "TimeTracker", "", WS_CHILD | WS_VISIBLE, rows[i].x, 10, 120, 310, page,
+                                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
+                                       GetModuleHandleA(nullptr), nullptr);
+        if (!tracker) return nullptr;
+        DateTimeValue view = GalleryTime(rows[i].viewHour, 0);
+        DateTimeValue start = GalleryTime(rows[i].startHour, rows[i].startMinute);
+        DateTimeValue end = GalleryTime(rows[i].endHour, rows[i].endMinute);
+        SendMessageA(tracker, TTM_SETHOURSINVIEW, rows[i].hours, 0);
+        SendMessageA(tracker, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(tracker, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        SendMessageA(tracker, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        if (rows[i].busy)
+            SendMessageA(tracker, TTM_SETBUSYLIST, sizeof busy / sizeof *busy, reinterpret_cast<LPARAM>(busy));
+    }
+    return page;
+}
+
 // A million entries that exist only as numbers: the list asks for the ones
 // it shows and forgets them when they leave its window.
 LRESULT CALLBACK MillionListProc(HWND list, UINT code, void *request, LPARAM)
@@ -488,6 +534,8 @@ HWND BuildDynamicListPage(HWND host)
     InsertName(list, after.c_str());
     DeleteName(list, 25001);
     return page;
+}
+
 // A tabbed dialog: three pages from templates, a tab that adds the host's
 // "Private" box and one that takes its note away; the second page is
 // current, so its group box and the moved button show.
@@ -522,12 +570,13 @@ const GalleryPage kGalleryPages[] = {
     {"check_boxes", "Bitmap check boxes", BuildCheckBoxPage},
     {"gadget_drawing", "Shared gadget drawing", BuildSharedDrawingPage},
     {"qz_bitmap", "QzBitmap", BuildBitmapPage},
-    {"time_setter", "TimeSetter", BuildTimeSetterPage},
-    {"tumbler", "Tumbler", BuildTumblerPage},
-    {"date_tracker", "DateTracker", BuildDateTrackerPage},
+    {"dialog_tabs", "Dialog tabs", BuildDialogTabsPage},
     {"virtual_list", "Virtual list", BuildVirtualListPage},
     {"dynamic_list", "Dynamic list", BuildDynamicListPage},
-    {"dialog_tabs", "Dialog tabs", BuildDialogTabsPage},
+    {"time_tracker", "TimeTracker", BuildTimeTrackerPage},
+    {"time_setter", "TimeSetter", BuildTimeSetterPage},
+    {"date_tracker", "DateTracker", BuildDateTrackerPage},
+    {"tumbler", "Tumbler", BuildTumblerPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

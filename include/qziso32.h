@@ -925,6 +925,73 @@ QZAPI LRESULT WINAPI GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPAR
 #define DTKN_DATECHANGED 500  /* the date moved by key, button, drag or text */
 /* The failure answer of the two messages. */
 #define DTK_FAILURE 100
+/* Time gadgets: TimeTracker, an hour scale with one appointment       */
+/* ------------------------------------------------------------------ */
+/* Styles. */
+#define TTS_LIVETEXT    0x01  /* every drag move sets the text, TTN_TIMECHANGED */
+#define TTS_SINGLEDAY   0x02  /* appointment and view stay on their day */
+#define TTS_TRACKNOTIFY 0x04  /* drag moves and TTM_SETSTARTKEEP send TTN_TRACKING */
+#define TTS_ENDTEXT     0x08  /* the window text is the end, not the start */
+#define TTS_NOFOCUS     0x10  /* a click leaves the focus where it is */
+#define TTS_KEEPVISIBLE 0x20  /* TTM_SETSTART and TTM_SETEND scroll to show it */
+/* Messages: 1 for success, -1 for failure, unless said otherwise. */
+#define TTM_SETVIEWSTART   0x401  /* lParam: const DateTimeValue* */
+#define TTM_SETHOURSINVIEW 0x402  /* wParam: 1 to 24 */
+#define TTM_SETBACKCOLOUR  0x403  /* lParam: COLORREF */
+#define TTM_GETVIEWSTART   0x404  /* lParam: DateTimeValue* out */
+#define TTM_GETBACKCOLOUR  0x405  /* the colour */
+#define TTM_GETSTART       0x406  /* lParam: DateTimeValue* out */
+#define TTM_SETSTART       0x407  /* lParam: const DateTimeValue* */
+#define TTM_GETEND         0x408  /* lParam: DateTimeValue* out */
+#define TTM_SETEND         0x409  /* lParam: const DateTimeValue* */
+#define TTM_SETDURATION    0x40A  /* lParam: MAKELONG(minutes, hours) */
+#define TTM_GETDURATION    0x40B  /* MAKELONG(minutes, hours) */
+#define TTM_GETFINESTEP    0x40C  /* minutes, 255 without a record */
+#define TTM_GETCOARSESTEP  0x40D  /* minutes, 255 without a record */
+#define TTM_SETFINESTEP    0x40E  /* wParam low byte: minutes, not checked */
+#define TTM_SETCOARSESTEP  0x40F  /* wParam low byte: minutes, 1 to 59 */
+#define TTM_GETHOURSINVIEW 0x410
+#define TTM_SETSTARTKEEP   0x411  /* lParam: const DateTimeValue*; keeps the duration */
+#define TTM_ADDBUSY        0x412  /* wParam: id; lParam: const BusyInterval* */
+#define TTM_REMOVEBUSY     0x413  /* wParam: id */
+#define TTM_GETIDEALSIZE   0x414  /* MAKELONG(width, height) */
+#define TTM_SETBUSYLIST    0x415  /* wParam: count; lParam: const BusyInterval array */
+#define TTM_CLEARBUSY      0x416
+#define TTM_TIMETOY        0x417  /* lParam: const DateTimeValue*; client y or -1 */
+#define TTM_GETOWNBARCOLOUR 0x418 /* 0x00FF00 free, 0x0000FF clashing */
+#define TTM_FINDFREESLOT   0x419  /* lParam: FreeSlotRequest*; 0 done, 1 at the limit, -1 */
+/* Notifications (high word of WM_COMMAND's wParam). */
+#define TTN_ERROR       100  /* also after an arrow button is released */
+#define TTN_TIMECHANGED 200
+#define TTN_SETFOCUS    300
+#define TTN_KILLFOCUS   400
+#define TTN_VIEWCHANGED 500
+#define TTN_TRACKING    600
+#define TTN_SCROLLED    700
+/* A busy time of the lanes, 24 bytes, filled by the host. */
+typedef struct BusyInterval {
+    DateTimeValue start;
+    DWORD lengthMinutes;  /* 0: overlaps nothing */
+    DWORD id;             /* the host's key for TTM_REMOVEBUSY */
+    DWORD lane;           /* written by the gadget */
+    DWORD flags;          /* kept, not read */
+} BusyInterval;
+/* The search for free time. A limit of all 2s means no limit. */
+typedef struct FreeSlotRequest {
+    DateTimeValue limit;     /* overwritten: time cleared, less the fine step */
+    DWORD dayOpen;           /* minutes from midnight */
+    DWORD dayClose;
+    DWORD weekdayOpen[7];    /* 1440 or more: the day is not worked */
+    DWORD weekdayClose[7];
+    DWORD useWeekdayHours;
+    DWORD found;             /* out: 1 if a slot was set */
+    DWORD longestGap;        /* at the limit: take the longest gap */
+    DWORD includeWeekends;
+} FreeSlotRequest;
+typedef char BusyInterval_is_24_bytes[sizeof(BusyInterval) == 24 ? 1 : -1];
+typedef char FreeSlotRequest_is_88_bytes[sizeof(FreeSlotRequest) == 88 ? 1 : -1];
+/* The class procedure, for a host's subclass. */
+QZAPI LRESULT WINAPI GadTTWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /* ------------------------------------------------------------------ */
 /* Virtual list box ("QzVListBox")                                     */
 /* ------------------------------------------------------------------ */

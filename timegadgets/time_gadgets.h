@@ -6,3 +6,4 @@ LRESULT CALLBACK TumblerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM
 // Exported under its own name as well, so it carries C linkage.
 extern "C" LRESULT CALLBACK GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK DateTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK TimeTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,0 +1,528 @@
+// TimeTracker: the hour scale's geometry both ways, the normalising of
+// start, end and duration, the busy lanes, the drag with its notifications
+// and scrolling, the free-time search, one dialog driven as the application
+// drives it, and a monkey run.
+#include "qz_test.h"
+#include "window_harness.h"
+#include "message_box_driver.h"
+#include <random>
+
+namespace {
+
+const int ID = 100;
+const DateTimeValue kDay = MakeDate(2026, 3, 11);  // a Wednesday
+
+DateTimeValue At(int hour, int minute, int dayOffset = 0)
+{
+    DateTimeValue v = kDay;
+    OSAdjustDateTime(&v, 0, 0, dayOffset, hour, minute, 0, 0);
+    return v;
+}
+
+LRESULT Send(HWND g, UINT message, WPARAM wParam, const void *p)
+{
+    return SendMessageA(g, message, wParam, reinterpret_cast<LPARAM>(p));
+}
+
+DateTimeValue Get(HWND g, UINT message)
+{
+    DateTimeValue v = {};
+    EXPECT_EQ(1, Send(g, message, 0, &v));
+    return v;
+}
+
+LONG Minutes(const DateTimeValue &from, const DateTimeValue &to)
+{
+    LONG d, h, m, s;
+    EXPECT_TRUE(OSDiffDateTime(&from, &to, &d, &h, &m, &s));
+    return (d * 24 + h) * 60 + m;
+}
+
+BusyInterval Busy(const DateTimeValue &start, DWORD minutes, DWORD flags = 0)
+{
+    BusyInterval b = {start, minutes, 0, 0, flags};
+    return b;
+}
+
+class TimeTrackerTest : public GadgetTest {
+protected:
+    HWND Make(RecordingParent &parent, DWORD style = 0, int height = 300)
+    {
+        HWND g = parent.CreateChild("TimeTracker", ID, style, 10, 10, 100, height);
+        EXPECT_TRUE(g != nullptr);
+        Place(g, At(8, 0), At(10, 0), At(11, 0));
+        parent.Pump();
+        parent.Clear();
+        return g;
+    }
+    static void Place(HWND g, const DateTimeValue &view, const DateTimeValue &start, const DateTimeValue &end)
+    {
+        EXPECT_EQ(1, Send(g, TTM_SETVIEWSTART, 0, &view));
+        EXPECT_EQ(1, Send(g, TTM_SETEND, 0, &end));
+        EXPECT_EQ(1, Send(g, TTM_SETSTART, 0, &start));
+        EXPECT_EQ(1, Send(g, TTM_SETEND, 0, &end));
+    }
+    static LONG Y(HWND g, const DateTimeValue &t) { return static_cast<LONG>(Send(g, TTM_TIMETOY, 0, &t)); }
+    static LPARAM Point(int x, int y) { return MAKELPARAM(x, y); }
+    // The scale's top and height, as the y of the view's first and last hour.
+    static void Scale(HWND g, LONG *top, LONG *height)
+    {
+        DateTimeValue view = Get(g, TTM_GETVIEWSTART), last = view;
+        OSAdjustDateTime(&last, 0, 0, 0, static_cast<LONG>(Send(g, TTM_GETHOURSINVIEW, 0, nullptr)), 0, 0, 0);
+        *top = Y(g, view);
+        *height = Y(g, last) - *top;
+    }
+    // A point on the scale left of the figures.
+    static int ScaleX(HWND g)
+    {
+        RECT client;
+        GetClientRect(g, &client);
+        DWORD ideal = LOWORD(Send(g, TTM_GETIDEALSIZE, 0, nullptr));
+        EXPECT_EQ(static_cast<LONG>(ideal), client.right);
+        return 8 + 7 + 1;  // lane strip, half the spare width, one in
+    }
+    static int CentreX(HWND g)
+    {
+        RECT client;
+        GetClientRect(g, &client);
+        return client.right / 2 + 4;
+    }
+};
+
+// ---------------------------------------------------------------- geometry
+// Time to y against the formula, for every 5-minute step of the view, with
+// a scale whose height is not a multiple of its hours; a click at each y
+// lands the start on the hour nearest the time that y reads back as.
+TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
+{
+    RecordingParent parent(320, 420);
+    HWND g = nullptr;
+    LONG top = 0, height = 0;
+    for (int h = 300; h < 316; ++h) {
+        if (g)
+            DestroyWindow(g);
+        g = Make(parent, 0, h);
+        Scale(g, &top, &height);
+        if (height % 8 != 0)
+            break;
+    }
+    ASSERT_NE(0, height % 8);
+    const LONG pph = height / 8, extra = height % 8;
+    DateTimeValue view = Get(g, TTM_GETVIEWSTART);
+    for (LONG step = 0; step < 8 * 12; ++step) {
+        LONG hour = step / 12, minute = step % 12 * 5;
+        DateTimeValue t = At(8 + hour, minute);
+        LONG base = pph * hour + (hour < extra ? hour : extra);
+        LONG scale = pph + (base > top && base < top + height && hour < extra ? 1 : 0);
+        LONG y = top + base + scale * minute / 60;
+        ASSERT_EQ(y, Y(g, t)) << ToText(t);
+        // y back to a time, then the click's rounding to the hour.
+        LONG rel = y - top, h = rel / pph;
+        LONG back = ((rel - pph * h - (h < extra ? h : extra)) * 60) / (pph + (h < extra ? 1 : 0));
+        back = back / 5 * 5;
+        DateTimeValue expected = At(8 + h + (back >= 30 ? 1 : 0), 0);
+        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, Point(ScaleX(g), y));
+        SendMessageA(g, WM_LBUTTONUP, 0, Point(ScaleX(g), y));
+        ASSERT_EQ(expected, Get(g, TTM_GETSTART)) << "click at " << y << " for " << ToText(t);
+    }
+    EXPECT_EQ(1, Send(g, TTM_SETVIEWSTART, 0, &view));
+    DateTimeValue bad = MakeDate(1799, 1, 1);
+    EXPECT_EQ(-1, Send(g, TTM_TIMETOY, 0, &bad));
+}
+
+// ---------------------------------------------------------------- normalising
+TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
+{
+    RecordingParent parent;
+    HWND g = Make(parent);
+    enum Op { SetStart, SetEnd, SetDuration, SetStartKeep };
+    const struct {
+        Op op;
+        DateTimeValue value;
+        LPARAM duration;
+        DateTimeValue start, end;
+        DWORD hours, minutes;
+    } rows[] = {
+        {SetStart, At(10, 30), 0, At(10, 30), At(11, 0), 0, 30},      // inside: the end stays
+        {SetStart, At(12, 0), 0, At(12, 0), At(12, 0), 0, 0},         // past the end: it follows
+        {SetEnd, At(9, 15), 0, At(9, 15), At(9, 15), 0, 0},           // before the start: it follows
+        {SetEnd, At(9, 15, 1), 0, At(9, 15), At(9, 15, 1), 24, 0},    // exactly a day is kept
+        {SetEnd, At(9, 20, 1), 0, At(9, 20), At(9, 20, 1), 24, 0},    // over: the start is pulled
+        {SetStart, At(8, 0), 0, At(8, 0), At(8, 0, 1), 24, 0},        // over from the start: the end gives way
+        {SetDuration, {}, MAKELONG(45, 2), At(8, 0), At(10, 45), 2, 45},
+        {SetDuration, {}, MAKELONG(1, 24), At(8, 0), At(8, 0, 1), 24, 0},
+        {SetStartKeep, At(22, 30), 0, At(22, 30), At(23, 55), 1, 25},  // held to the day's last step
+        {SetStartKeep, At(20, 0), 0, At(20, 0), At(21, 25), 1, 25},
+    };
+    for (const auto &row : rows) {
+        DateTimeValue v = row.value;
+        v.second = 40;  // seconds are dropped
+        LRESULT result = row.op == SetDuration ? SendMessageA(g, TTM_SETDURATION, 0, row.duration)
+                         : Send(g, row.op == SetStart ? TTM_SETSTART : row.op == SetEnd ? TTM_SETEND : TTM_SETSTARTKEEP, 0, &v);
+        EXPECT_EQ(1, result);
+        EXPECT_EQ(row.start, Get(g, TTM_GETSTART)) << ToText(row.value);
+        EXPECT_EQ(row.end, Get(g, TTM_GETEND)) << ToText(row.value);
+        EXPECT_EQ(MAKELONG(row.minutes, row.hours), Send(g, TTM_GETDURATION, 0, nullptr)) << ToText(row.value);
+    }
+    DateTimeValue bad = MakeDate(2026, 2, 30, 10);
+    EXPECT_EQ(-1, Send(g, TTM_SETSTART, 0, &bad));
+    EXPECT_EQ(RV_DayRange, OSErrorGetErrorValue());
+    EXPECT_EQ(-1, SendMessageA(g, TTM_SETHOURSINVIEW, 25, 0));
+    EXPECT_EQ(-1, SendMessageA(g, TTM_SETCOARSESTEP, 60, 0));
+    EXPECT_EQ(1, SendMessageA(g, TTM_SETCOARSESTEP, 15, 0));
+    EXPECT_EQ(15, SendMessageA(g, TTM_GETCOARSESTEP, 0, 0));
+}
+
+// ---------------------------------------------------------------- lanes
+// Lane L's blocks are drawn at column (lanes - L) * 8 of the strip; a lane
+// shows as that column's busy colour at the interval's middle.
+TEST_F(TimeTrackerTest, BusyLanesByOneAndAsAListRemovalAndColours)
+{
+    RecordingParent parent;
+    HWND g = Make(parent);
+    const DWORD baseWidth = LOWORD(Send(g, TTM_GETIDEALSIZE, 0, nullptr));
+    const BusyInterval list[] = {
+        Busy(At(9, 0), 60), Busy(At(9, 30), 60), Busy(At(9, 45), 30),  // three at once
+        Busy(At(11, 0), 30),                                            // touches the end: no clash
+    };
+    auto laneShown = [&](int lanes, int lane, const DateTimeValue &t) {
+        Readback pixels = Readback::Of(g);
+        return pixels.At((lanes - lane) * 8 + 1 + 3, Y(g, t) + 2) == 0xFF0000;
+    };
+    for (int pass = 0; pass < 2; ++pass) {
+        if (pass == 0) {
+            for (DWORD i = 0; i < 4; ++i)
+                EXPECT_EQ(1, Send(g, TTM_ADDBUSY, 10 + i, &list[i]));
+        } else {
+            EXPECT_EQ(1, Send(g, TTM_CLEARBUSY, 0, nullptr));
+            EXPECT_EQ(1, Send(g, TTM_SETBUSYLIST, 4, list));
+        }
+        // One by one each meets only those before it: lanes 0, 1, 2. As a
+        // list, the one pass meets lanes still 0 and raises each at most
+        // past the ones it meets in order: lanes 1, 1, 0, so the first two
+        // share a column; the lane count never falls.
+        const struct {
+            int lane;
+            DateTimeValue at;
+            bool shown;
+        } looks[2][4] = {
+            {{0, At(9, 10), true}, {1, At(10, 15), true}, {2, At(9, 55), true}, {1, At(9, 10), false}},
+            {{1, At(9, 10), true}, {1, At(10, 15), true}, {0, At(9, 55), true}, {2, At(9, 55), false}},
+        };
+        EXPECT_EQ(baseWidth + 16, LOWORD(Send(g, TTM_GETIDEALSIZE, 0, nullptr))) << pass;
+        for (const auto &look : looks[pass])
+            EXPECT_EQ(look.shown, laneShown(2, look.lane, look.at)) << pass << " lane " << look.lane << " at "
+                                                                   << ToText(look.at);
+        // The appointment (10:00 to 11:00) clashes with the second and third.
+        EXPECT_EQ(0x0000FF, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
+    }
+    // Removing the second (id 11 when added one by one, 0 in the list)
+    // loses the ones behind it as blanks; the lanes never shrink.
+    EXPECT_EQ(1, Send(g, TTM_REMOVEBUSY, 999, nullptr));  // absent: unchanged
+    EXPECT_EQ(0x0000FF, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
+    EXPECT_EQ(1, Send(g, TTM_CLEARBUSY, 0, nullptr));
+    for (DWORD i = 0; i < 4; ++i)
+        Send(g, TTM_ADDBUSY, 10 + i, &list[i]);
+    EXPECT_EQ(1, Send(g, TTM_REMOVEBUSY, 11, nullptr));
+    EXPECT_EQ(0x00FF00, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
+    EXPECT_TRUE(laneShown(2, 0, At(9, 10)));
+    EXPECT_FALSE(laneShown(2, 2, At(9, 55)));
+    EXPECT_EQ(baseWidth + 16, LOWORD(Send(g, TTM_GETIDEALSIZE, 0, nullptr)));
+    // A list of one is emptied whatever the id.
+    Send(g, TTM_SETBUSYLIST, 1, &list[1]);
+    EXPECT_EQ(0x0000FF, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
+    EXPECT_EQ(1, Send(g, TTM_REMOVEBUSY, 4711, nullptr));
+    EXPECT_EQ(0x00FF00, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
+}
+
+// ---------------------------------------------------------------- drag
+static const Message arrow_release_seq[] = {
+    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_VIEWCHANGED), 0},
+    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_ERROR), 0},
+    {0, 0, 0, 0}};
+
+TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
+{
+    RecordingParent parent(320, 420);
+    HWND g = Make(parent, TTS_LIVETEXT | TTS_TRACKNOTIFY, 320);
+    SetFocus(parent.Window());
+    parent.Clear();
+    LONG top, height;
+    Scale(g, &top, &height);
+    const int x = CentreX(g);
+    // The end label sits on the end's y; the press takes focus and capture.
+    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, Point(x, Y(g, At(11, 0))));
+    EXPECT_EQ(g, GetFocus());
+    EXPECT_EQ(g, GetCapture());
+    // Fine: 17 minutes down lands on 11:15; with Shift 50 minutes on 11:30.
+    SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(11, 17))));
+    EXPECT_EQ(At(11, 15), Get(g, TTM_GETEND));
+    {
+        HeldKey shift(VK_SHIFT);
+        PumpMessages();
+        SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(12, 5))));
+    }
+    PumpMessages();
+    EXPECT_EQ(At(12, 0), Get(g, TTM_GETEND));
+    char text[64];
+    GetWindowTextA(g, text, sizeof text);
+    DateTimeValue ten = At(10, 0);
+    EXPECT_STREQ(OSDateTimeToString(&ten, nullptr, nullptr, DTS_TIME, 200), text);
+    static const Message press_moves_seq[] = {
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SETFOCUS), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
+        {0, 0, 0, 0}};
+    EXPECT_SEQUENCE(parent, press_moves_seq, "press and two moves");
+    // Below the scale: the view steps forward and scrolling begins; the
+    // ticks then step by 10 minutes (doubled at once), 20 from the sixth.
+    SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, top + height + 10));
+    KillTimer(g, 4);  // the test gives the ticks itself
+    DateTimeValue view = Get(g, TTM_GETVIEWSTART);
+    EXPECT_EQ(At(8, 5), view);
+    const LONG expectedSteps[] = {10, 10, 10, 10, 10, 10, 20};
+    for (LONG step : expectedSteps) {
+        SendMessageA(g, WM_TIMER, 4, 0);
+        DateTimeValue next = Get(g, TTM_GETVIEWSTART);
+        EXPECT_EQ(step, Minutes(view, next));
+        view = next;
+        DateTimeValue end = view;
+        OSAdjustDateTime(&end, 0, 0, 0, 8, 0, 0, 0);
+        EXPECT_EQ(end, Get(g, TTM_GETEND));
+    }
+    SendMessageA(g, WM_LBUTTONUP, 0, Point(x, top + height + 10));
+    EXPECT_EQ(nullptr, GetCapture());
+    static const Message scroll_release_seq[] = {
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // crossing
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // ticks
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // release
+        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
+        {0, 0, 0, 0}};
+    EXPECT_SEQUENCE(parent, scroll_release_seq, "auto-scroll and release");
+    // The up arrow: a press steps the view back 30 minutes; its release
+    // tells scrolled, view changed, and then the deliberate error.
+    RECT client;
+    GetClientRect(g, &client);
+    view = Get(g, TTM_GETVIEWSTART);
+    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, Point(client.right - 6, 8));
+    KillTimer(g, 1);
+    SendMessageA(g, WM_TIMER, 1, 0);
+    SendMessageA(g, WM_LBUTTONUP, 0, Point(client.right - 6, 8));
+    EXPECT_EQ(-60, Minutes(view, Get(g, TTM_GETVIEWSTART)));
+    EXPECT_SEQUENCE(parent, arrow_release_seq, "arrow release");
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
+// ---------------------------------------------------------------- free time
+TEST_F(TimeTrackerTest, FreeSlotSearchFindsStopsAtTheLimitOrRefuses)
+{
+    RecordingParent parent;
+    HWND g = Make(parent);
+    FreeSlotRequest q = {};
+    OSSetNoDateHigh(&q.limit);
+    q.dayOpen = 8 * 60;
+    q.dayClose = 18 * 60;
+    // Busy from 10:00 to 12:30 and 13:00 to 17:30: the hour fits neither
+    // between them nor before the close, so on the next morning's opening.
+    const BusyInterval list[] = {Busy(At(10, 0), 150), Busy(At(13, 0), 270)};
+    Send(g, TTM_SETBUSYLIST, 2, list);
+    EXPECT_EQ(0, Send(g, TTM_FINDFREESLOT, 0, &q));
+    EXPECT_EQ(1u, q.found);
+    EXPECT_EQ(At(8, 0, 1), Get(g, TTM_GETSTART));
+    EXPECT_EQ(At(9, 0, 1), Get(g, TTM_GETEND));
+    EXPECT_EQ(At(8, 0, 1), Get(g, TTM_GETVIEWSTART));
+    EXPECT_EQ(0x00FF00, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
+    // Two hours don't fit before the limit: back to the origin, result 1.
+    DateTimeValue ten = At(10, 0);
+    Send(g, TTM_SETSTART, 0, &ten);
+    SendMessageA(g, TTM_SETDURATION, 0, MAKELONG(0, 2));
+    q.limit = At(0, 0, 1);
+    EXPECT_EQ(1, Send(g, TTM_FINDFREESLOT, 0, &q));
+    EXPECT_EQ(0u, q.found);
+    EXPECT_EQ(At(10, 0), Get(g, TTM_GETSTART));
+    EXPECT_EQ(At(23, 55), q.limit);  // the limit is given back less the fine step
+    // The longest gap before the limit instead: 12:30 to 13:00 and 17:30
+    // to the close are both half an hour, and the first is kept.
+    q.limit = At(0, 0, 1);
+    q.longestGap = 1;
+    EXPECT_EQ(1, Send(g, TTM_FINDFREESLOT, 0, &q));
+    EXPECT_EQ(1u, q.found);
+    EXPECT_EQ(At(12, 30), Get(g, TTM_GETSTART));
+    EXPECT_EQ(MAKELONG(30, 0), Send(g, TTM_GETDURATION, 0, nullptr));
+    // No working day as long as the appointment: refused.
+    SendMessageA(g, TTM_SETDURATION, 0, MAKELONG(0, 2));
+    q.useWeekdayHours = 1;
+    for (int d = 0; d < 7; ++d) {
+        q.weekdayOpen[d] = 9 * 60;
+        q.weekdayClose[d] = 10 * 60;
+    }
+    EXPECT_EQ(-1, Send(g, TTM_FINDFREESLOT, 0, &q));
+    // Start equal to end: nothing to do, nothing moves.
+    q.useWeekdayHours = 0;
+    SendMessageA(g, TTM_SETDURATION, 0, 0);
+    DateTimeValue before = Get(g, TTM_GETSTART);
+    EXPECT_EQ(0, Send(g, TTM_FINDFREESLOT, 0, &q));
+    EXPECT_EQ(before, Get(g, TTM_GETSTART));
+}
+
+// ---------------------------------------------------------------- end to end
+struct DialogLog {
+    HWND tracker = nullptr;
+    std::vector<WORD> codes;
+};
+
+INT_PTR CALLBACK TrackerDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrA(dialog, DWLP_USER, lParam);
+        return TRUE;
+    }
+    auto *log = reinterpret_cast<DialogLog *>(GetWindowLongPtrA(dialog, DWLP_USER));
+    if (message == WM_COMMAND && log && LOWORD(wParam) == ID && reinterpret_cast<HWND>(lParam) == log->tracker) {
+        log->codes.push_back(HIWORD(wParam));
+        return TRUE;
+    }
+    return FALSE;
+}
+
+// The application's dialog with its tracker: the host places the
+// appointment, the user drags the end with the mouse past the bottom of the
+// scale and lets go; the host reads the result. Then a search for free time
+// runs off the end of the calendar, and the host shows the recorded error.
+TEST_F(TimeTrackerTest, DialogFromTheResourceLibraryEndToEnd)
+{
+    DialogLog log;
+    HWND dialog = CreateDialogParam(ResourceGetHandle(), "TRACKERDIALOG", nullptr, TrackerDialogProc,
+                                    reinterpret_cast<LPARAM>(&log));
+    ASSERT_TRUE(dialog != nullptr);
+    ShowWindow(dialog, SW_SHOW);
+    HWND g = GetDlgItem(dialog, ID);
+    ASSERT_TRUE(g != nullptr);
+    log.tracker = g;
+    Place(g, At(8, 0), At(10, 0), At(11, 0));
+    PumpMessages();
+    log.codes.clear();
+    LONG top, height;
+    Scale(g, &top, &height);
+    const int x = CentreX(g);
+    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, Point(x, Y(g, At(11, 0)) + 1));
+    SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(12, 12)) + 1));
+    {
+        HeldKey shift(VK_SHIFT);
+        PumpMessages();
+        SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(13, 40)) + 1));
+    }
+    PumpMessages();
+    SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, top + height + 5));
+    KillTimer(g, 4);
+    SendMessageA(g, WM_TIMER, 4, 0);
+    SendMessageA(g, WM_TIMER, 4, 0);
+    SendMessageA(g, WM_LBUTTONUP, 0, Point(x, top + height + 5));
+    // The dialog gave the tracker the focus when it opened.
+    EXPECT_EQ(g, GetFocus());
+    const WORD expected[] = {TTN_SCROLLED, TTN_SCROLLED, TTN_SCROLLED, TTN_SCROLLED, TTN_TIMECHANGED};
+    EXPECT_EQ(std::vector<WORD>(std::begin(expected), std::end(expected)), log.codes);
+    // The end went 12:10, 13:30, then with the view: 8:05 + 8 h, and two
+    // ticks of 10 minutes each.
+    DateTimeValue end = Get(g, TTM_GETEND), start = Get(g, TTM_GETSTART);
+    EXPECT_EQ(At(16, 25), end);
+    EXPECT_EQ(At(10, 0), start);
+    EXPECT_EQ(MAKELONG(25, 6), Send(g, TTM_GETDURATION, 0, nullptr));
+    char text[64];
+    GetWindowTextA(g, text, sizeof text);
+    EXPECT_STREQ(OSDateTimeToString(&start, nullptr, nullptr, DTS_TIME, 200), text);
+
+    // The failure leg: the last evening of the calendar is busy, so the
+    // search walks past 2101 and stops there.
+    DateTimeValue lastView = MakeDate(2101, 12, 31, 14), lastStart = MakeDate(2101, 12, 31, 22);
+    DateTimeValue lastEnd = MakeDate(2101, 12, 31, 23);
+    Place(g, lastView, lastStart, lastEnd);
+    BusyInterval evening = Busy(MakeDate(2101, 12, 31, 21), 180);
+    Send(g, TTM_SETBUSYLIST, 1, &evening);
+    FreeSlotRequest q = {};
+    OSSetNoDateHigh(&q.limit);
+    q.dayOpen = 0;
+    q.dayClose = 24 * 60 - 1;
+    q.includeWeekends = 1;
+    EXPECT_EQ(-1, Send(g, TTM_FINDFREESLOT, 0, &q));
+    EXPECT_EQ(RV_FreetimeError, OSErrorGetErrorValue());
+    {
+        MessageBoxDriver boxes;
+        boxes.Expect("An unexpected error occurred (RV_FreetimeError).", MB_OK | MB_ICONHAND, IDOK);
+        UIHandleError(dialog);
+    }
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    DestroyWindow(dialog);
+}
+
+// ---------------------------------------------------------------- monkey
+TEST_F(TimeTrackerTest, MonkeyKeepsEveryGetterInRangeAndConsistent)
+{
+#if defined(_WIN64)
+    const int steps = 10000;
+#else
+    const int steps = 1000;  // the emulated lane runs some 20 times slower
+#endif
+    RecordingParent parent(400, 600);
+    for (int id = 1080; id <= 1085; ++id)  // shared once loaded: not the gadget's to free
+        LoadCursorA(ResourceGetHandle(), MAKEINTRESOURCEA(id));
+    const long gdiBefore = GdiObjectsInUse();
+    HWND g = Make(parent, TTS_LIVETEXT | TTS_TRACKNOTIFY);
+    std::mt19937 random(1234);
+    auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    for (int i = 0; i < steps; ++i) {
+        RECT client;
+        GetClientRect(g, &client);
+        LPARAM p = Point(pick(client.right + 20) - 10, pick(client.bottom + 40) - 20);
+        int op = pick(12);
+        switch (op) {
+        case 0: SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, p); break;
+        case 1: case 2: case 3: SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, p); break;
+        case 4: SendMessageA(g, WM_LBUTTONUP, 0, p); break;
+        case 5: SendMessageA(g, WM_KEYDOWN, pick(2) ? VK_UP : VK_DOWN, 0); break;
+        case 6: SendMessageA(g, WM_TIMER, 1 + pick(5), 0); break;
+        case 7: SetWindowPos(g, nullptr, 0, 0, 50 + pick(150), 20 + pick(500), SWP_NOMOVE | SWP_NOZORDER); break;
+        case 8: SendMessageA(g, TTM_SETHOURSINVIEW, pick(26), 0); break;
+        case 9: { DateTimeValue t = At(pick(48), pick(60), pick(3) - 1);
+                  Send(g, pick(2) ? TTM_SETSTART : TTM_SETEND, 0, &t); break; }
+        case 10: { BusyInterval b = Busy(At(pick(24), pick(60)), static_cast<DWORD>(pick(300)));
+                   if (pick(3))
+                       Send(g, TTM_ADDBUSY, static_cast<WPARAM>(pick(8)), &b);
+                   else
+                       Send(g, TTM_REMOVEBUSY, static_cast<WPARAM>(pick(8)), nullptr);
+                   break; }
+        case 11: SendMessageA(g, TTM_SETDURATION, 0, MAKELONG(pick(60), pick(26))); break;
+        }
+        DateTimeValue s = Get(g, TTM_GETSTART), e = Get(g, TTM_GETEND);
+        ASSERT_TRUE(OSIsValidDateTime(&s) && OSIsValidDateTime(&e)) << i;
+        LONG minutes = Minutes(s, e);
+        LRESULT d = SendMessageA(g, TTM_GETDURATION, 0, 0);
+        ASSERT_TRUE(minutes >= 0 && minutes <= 24 * 60) << i;
+        ASSERT_EQ(minutes, HIWORD(d) * 60 + LOWORD(d)) << i;
+        LRESULT hours = SendMessageA(g, TTM_GETHOURSINVIEW, 0, 0);
+        ASSERT_TRUE(hours >= 1 && hours <= 24) << i;
+        LRESULT colour = SendMessageA(g, TTM_GETOWNBARCOLOUR, 0, 0);
+        ASSERT_TRUE(colour == 0x00FF00 || colour == 0x0000FF) << i;
+        ASSERT_EQ(5, SendMessageA(g, TTM_GETFINESTEP, 0, 0));
+        OSErrorClearError();
+    }
+    SendMessageA(g, WM_LBUTTONUP, 0, 0);
+    EXPECT_EQ(nullptr, GetCapture());
+    DestroyWindow(g);
+    // The font, pictures, brush and surfaces all went back.
+    EXPECT_EQ(gdiBefore, GdiObjectsInUse());
+}
+
+}  // namespace

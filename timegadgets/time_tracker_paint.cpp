@@ -1,0 +1,485 @@
+// TimeTracker painting: the metrics and layout, the off-screen surfaces,
+// the hour scale rendered once into a one-bit surface, the lanes, and the
+// composition of bar, labels and clocks for each change.
+#include "time_tracker.h"
+#include "../gadgets/gadget_frame.h"
+#include "../core/module_globals.h"
+
+namespace {
+
+const int kDx[12] = {0, 5, 8, 10, 8, 5, 0, -5, -8, -10, -8, -5};
+const int kDy[12] = {-10, -8, -5, 0, 5, 8, 10, 8, 5, 0, -5, -8};
+const COLORREF kBusyColour = 0xFF0000;
+const COLORREF kLabelGrey = 0xC0C0C0;
+const UINT kArrowDown = 2300;
+const UINT kArrowUp = 2302;
+const UINT kArrowDownToAppointment = 2304;
+const UINT kArrowUpToAppointment = 2306;
+const UINT kArrowDownAtLimit = 2308;
+const UINT kArrowUpAtLimit = 2310;
+
+// The hour texts share one buffer, as all trackers paint on one thread.
+char g_hourText[20];
+
+DWORD Odd(DWORD n) { return (n % 2 == 0) ? n + 1 : n; }
+
+LONG TextWidth(HDC dc, const char *text)
+{
+    SIZE size = {};
+    GetTextExtentPoint32A(dc, text, lstrlenA(text), &size);
+    return size.cx;
+}
+
+bool DurationText(DWORD hours, DWORD minutes, char *out, LONG size)
+{
+    char *format = LoadStringCopy(g_module.hResourceLibrary, kDurationFormatString);
+    if (!format) {
+        OSErrorSetErrorInfo(RV_StringNonExistant, kDurationFormatString);
+        out[0] = '\0';
+        return false;
+    }
+    OSrsprintf(out, size - 1, format, hours, minutes);
+    LocalFree(format);
+    return true;
+}
+
+LONG ScaleHeight(const TimeTrackerRecord *r) { return r->rcScale.bottom - r->rcScale.top; }
+LONG FrameWidth(const TimeTrackerRecord *r) { return r->rcFrame.right - r->rcFrame.left; }
+LONG FrameHeight(const TimeTrackerRecord *r) { return r->rcFrame.bottom - r->rcFrame.top; }
+LONG StripWidth() { return static_cast<LONG>((kMaxLanes + 1) * kLaneWidth); }
+
+void Fill(HDC dc, LONG left, LONG top, LONG right, LONG bottom, COLORREF colour)
+{
+    RECT rect = {left, top, right, bottom};
+    SetBkColor(dc, colour);
+    ExtTextOutA(dc, 0, 0, ETO_OPAQUE, &rect, nullptr, 0, nullptr);
+}
+
+// A block of the lanes: white outline, half-bright fill, the colour inset.
+void Block(HDC dc, LONG x, LONG top, LONG bottom, COLORREF colour)
+{
+    if (bottom <= top)
+        return;
+    COLORREF half = RGB(GetRValue(colour) / 2, GetGValue(colour) / 2, GetBValue(colour) / 2);
+    Fill(dc, x, top, x + 6, bottom, 0xFFFFFF);
+    Fill(dc, x + 1, top + 1, x + 5, bottom - 1, half);
+    Fill(dc, x + 2, top + 2, x + 4, bottom - 2, colour);
+}
+
+HDC MakeSurface(HDC screen, LONG width, LONG height, bool mono, HBITMAP *saved)
+{
+    HDC dc = CreateCompatibleDC(screen);
+    if (!dc)
+        return nullptr;
+    UINT planes = mono ? 1 : static_cast<UINT>(GetDeviceCaps(screen, PLANES));
+    UINT bits = mono ? 1 : static_cast<UINT>(GetDeviceCaps(screen, BITSPIXEL));
+    HBITMAP bitmap = CreateBitmap(width > 0 ? width : 1, height > 0 ? height : 1, planes, bits, nullptr);
+    if (!bitmap) {
+        DeleteDC(dc);
+        return nullptr;
+    }
+    *saved = static_cast<HBITMAP>(SelectObject(dc, bitmap));
+    return dc;
+}
+
+void FreeSurface(HDC *dc, HBITMAP *saved)
+{
+    if (!*dc)
+        return;
+    HGDIOBJ bitmap = SelectObject(*dc, *saved);
+    DeleteObject(bitmap);
+    DeleteDC(*dc);
+    *dc = nullptr;
+    *saved = nullptr;
+}
+
+void PaintLabel(HDC dc, const TimeTrackerRecord *r, const RECT &label, const char *text)
+{
+    if (label.bottom <= r->rcScale.top || label.top >= r->rcScale.bottom)
+        return;
+    Fill(dc, label.left, label.top, label.right, label.bottom, 0xFFFFFF);
+    Fill(dc, label.left + 1, label.top + 1, label.right, label.bottom, 0);
+    Fill(dc, label.left + 2, label.top + 2, label.right - 1, label.bottom - 1, kLabelGrey);
+    RECT inner = label;
+    SetBkMode(dc, TRANSPARENT);
+    COLORREF oldText = SetTextColor(dc, 0);
+    DrawTextA(dc, text, -1, &inner, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+    SetTextColor(dc, oldText);
+}
+
+void PaintClock(HDC dc, const TimeTrackerRecord *r, const RECT &clock, const DateTimeValue &t)
+{
+    if (clock.top < r->rcFrame.top || clock.bottom > r->rcFrame.bottom)
+        return;
+    RECT rect = clock;
+    GadUtilMaskBltWithFlicker(dc, &rect, r->clockBitmap, r->clockMask, kTrackerDefaultBack);
+    LONG cx = clock.left + 8, cy = clock.top + 8;
+    int hour = (t.minute > 30 ? t.hour + 1 : t.hour) % 12;
+    int minute = (t.minute / 5) % 12;
+    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
+    MoveToEx(dc, cx, cy, nullptr);
+    LineTo(dc, cx + 17 * kDx[hour] / 30, cy + 17 * kDy[hour] / 30);
+    MoveToEx(dc, cx, cy, nullptr);
+    LineTo(dc, cx + 17 * kDx[minute] / 22, cy + 17 * kDy[minute] / 22);
+    SelectObject(dc, oldPen);
+}
+
+void PaintBar(HDC dc, const TimeTrackerRecord *r)
+{
+    LONG left = r->rcScale.left + ((r->rcScale.right - r->rcScale.left) - 5) / 2;
+    LONG top = r->rcScale.top > r->rcStartLabel.bottom ? r->rcScale.top : r->rcStartLabel.bottom;
+    LONG bottom = r->rcScale.bottom < r->rcEndLabel.top ? r->rcScale.bottom : r->rcEndLabel.top;
+    if (bottom <= top || !r->barBrush)
+        return;
+    POINT origin = {left, top};
+    LPtoDP(dc, &origin, 1);
+    UnrealizeObject(r->barBrush);
+    SetBrushOrgEx(dc, origin.x & 7, origin.y & 7, nullptr);
+    HGDIOBJ old = SelectObject(dc, r->barBrush);
+    PatBlt(dc, left, top, 5, bottom - top, PATCOPY);
+    SelectObject(dc, old);
+}
+
+UINT DownArrowId(HWND window, const TimeTrackerRecord *r)
+{
+    DateTimeValue last;
+    if (!TrackerViewEnd(r, &last))
+        return kArrowDown;
+    if (Later(&r->start, &last))
+        return kArrowDownToAppointment;
+    if ((TrackerStyle(window) & TTS_SINGLEDAY) && last.hour == 23 && last.minute >= 60 - r->fineStep)
+        return kArrowDownAtLimit;
+    return kArrowDown;
+}
+
+UINT UpArrowId(HWND window, const TimeTrackerRecord *r)
+{
+    if (Later(&r->viewStart, &r->end))
+        return kArrowUpToAppointment;
+    if ((TrackerStyle(window) & TTS_SINGLEDAY) && r->viewStart.hour == 0 && r->viewStart.minute == 0)
+        return kArrowUpAtLimit;
+    return kArrowUp;
+}
+
+void PaintArrow(HDC dc, const TimeTrackerRecord *r, const RECT &where, UINT id)
+{
+    HBITMAP image = LoadBitmapA(g_module.hResourceLibrary, MAKEINTRESOURCEA(id));
+    if (!image) {
+        OSErrorSetErrorInfo(RV_GDIError);
+        return;
+    }
+    RECT rect = where;
+    if (r->backColour == kTrackerDefaultBack)
+        UIBitBlt(dc, &rect, image);
+    else
+        GadUtilMaskBltNoFlicker(dc, &rect, image, nullptr, 0x808000);
+    DeleteObject(image);
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------- metrics
+bool TrackerMetrics(HWND window, TimeTrackerRecord *r)
+{
+    HDC dc = GetDC(window);
+    if (!dc) {
+        OSErrorSetErrorInfo(RV_GDIError);
+        return false;
+    }
+    HGDIOBJ old = SelectObject(dc, r->font ? r->font : GetStockObject(ANSI_VAR_FONT));
+    TEXTMETRICA tm = {};
+    GetTextMetricsA(dc, &tm);
+    char text[64];
+    DateTimeValue t = {};
+    OSGetDateTime(&t);
+    t.hour = t.minute = t.second = 0;
+    OSDateTimeToString(&t, text, nullptr, DTS_TIME, 20);
+    LONG midnight = TextWidth(dc, text);
+    t.hour = 12;
+    OSDateTimeToString(&t, text, nullptr, DTS_TIME, 20);
+    LONG noon = TextWidth(dc, text);
+    bool ok = DurationText(24, 0, text, sizeof text);
+    LONG duration = TextWidth(dc, text);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    r->timeLabelWidth = Odd(static_cast<DWORD>((midnight > noon ? midnight : noon) + 6));
+    r->durationLabelWidth = Odd(static_cast<DWORD>(duration + 4));
+    r->labelHeight = Odd(static_cast<DWORD>(tm.tmHeight - tm.tmDescent + 2));
+    r->hourLabelHeight = r->labelHeight;
+    return ok;
+}
+
+DWORD TrackerIdealWidth(const TimeTrackerRecord *r)
+{
+    DWORD widest = r->timeLabelWidth > r->durationLabelWidth ? r->timeLabelWidth : r->durationLabelWidth;
+    return widest + r->laneCount * kLaneWidth + 33;
+}
+
+DWORD TrackerIdealHeight(const TimeTrackerRecord *r) { return (r->hoursInView + 2) * r->labelHeight + 60; }
+
+void TrackerLayout(HWND window, TimeTrackerRecord *r)
+{
+    RECT client;
+    GetClientRect(window, &client);
+    LONG w = static_cast<LONG>(r->laneCount * kLaneWidth + 8);
+    DWORD widest = r->timeLabelWidth > r->durationLabelWidth ? r->timeLabelWidth : r->durationLabelWidth;
+    LONG c = static_cast<LONG>(widest + 10);
+    LONG margin = static_cast<LONG>(r->labelHeight >> 1) + 21;
+    r->rcScale.top = margin;
+    r->rcScale.bottom = client.bottom - margin;
+    if (r->rcScale.bottom < r->rcScale.top)
+        r->rcScale.bottom = r->rcScale.top;
+    r->rcScale.left = w + ((client.right - w - c) >> 1);
+    r->rcScale.right = r->rcScale.left + c + (c % 2 == 0 ? 1 : 0);
+    r->rcFrame.left = r->rcScale.left;
+    r->rcFrame.right = r->rcScale.right;
+    r->rcFrame.top = client.top + 4;
+    r->rcFrame.bottom = client.bottom - 1;
+    if (r->rcFrame.bottom < r->rcFrame.top)
+        r->rcFrame.bottom = r->rcFrame.top;
+    r->rcUpArrow = RECT{client.right - 12, client.top + 2, client.right - 1, client.top + 15};
+    r->rcDownArrow = RECT{client.right - 12, client.bottom - 15, client.right - 1, client.bottom - 2};
+    TrackerPlaceFigures(r);
+}
+
+void TrackerPlaceFigures(TimeTrackerRecord *r)
+{
+    DWORD height = static_cast<DWORD>(ScaleHeight(r));
+    r->pixelsPerHour = height / r->hoursInView;
+    r->extraPixels = height % r->hoursInView;
+    bool ok = false;
+    r->endY = TrackerTimeToY(r, &r->end, &ok);
+    r->startY = TrackerTimeToY(r, &r->start, &ok);
+    r->middleY = r->startY + (r->endY - r->startY) / 2;
+    LONG x = r->rcScale.left + (r->rcScale.right - r->rcScale.left) / 2;
+    LONG half = static_cast<LONG>(r->labelHeight / 2);
+    LONG tw = static_cast<LONG>(r->timeLabelWidth), dw = static_cast<LONG>(r->durationLabelWidth);
+    LONG lh = static_cast<LONG>(r->labelHeight);
+    r->rcStartLabel = RECT{x - tw / 2, r->startY - half, x - tw / 2 + tw, r->startY - half + lh};
+    r->rcEndLabel = RECT{x - tw / 2, r->endY - half, x - tw / 2 + tw, r->endY - half + lh};
+    r->rcDurationLabel = RECT{x - dw / 2, r->middleY - half, x - dw / 2 + dw, r->middleY - half + lh};
+    r->rcMoveHandle = r->rcDurationLabel;
+    r->rcStartClock = RECT{x - 8, r->rcStartLabel.top - 17, x + 9, r->rcStartLabel.top};
+    r->rcEndClock = RECT{x - 8, r->rcEndLabel.bottom, x + 9, r->rcEndLabel.bottom + 17};
+}
+
+// ---------------------------------------------------------------- surfaces
+bool TrackerBuildSurfaces(HWND window, TimeTrackerRecord *r)
+{
+    TrackerDestroySurfaces(r);
+    HDC screen = GetDC(window);
+    if (!screen) {
+        OSErrorSetErrorInfo(RV_GDIError);
+        return false;
+    }
+    LONG stripHeight = ScaleHeight(r) + 1;
+    r->dcWork = MakeSurface(screen, FrameWidth(r), FrameHeight(r), false, &r->savedWork);
+    r->dcScale = MakeSurface(screen, FrameWidth(r), FrameHeight(r), true, &r->savedScale);
+    r->dcLanesBack = MakeSurface(screen, StripWidth(), stripHeight, false, &r->savedLanesBack);
+    r->dcLanes = MakeSurface(screen, StripWidth(), stripHeight, false, &r->savedLanes);
+    ReleaseDC(window, screen);
+    if (!r->dcWork || !r->dcScale || !r->dcLanesBack || !r->dcLanes) {
+        TrackerDestroySurfaces(r);
+        OSErrorSetErrorInfo(RV_GDIError);
+        return false;
+    }
+    // The frame's surfaces take client coordinates.
+    SetWindowOrgEx(r->dcWork, r->rcFrame.left, r->rcFrame.top, nullptr);
+    SetWindowOrgEx(r->dcScale, r->rcFrame.left, r->rcFrame.top, nullptr);
+    SetBkColor(r->dcWork, r->backColour);
+    SetTextColor(r->dcWork, GadgetContrastTextColor(r->backColour));
+    SelectObject(r->dcWork, r->font);
+    SelectObject(r->dcScale, r->font);
+    TrackerRenderScale(r);
+    TrackerRenderLanes(r);
+    return true;
+}
+
+void TrackerDestroySurfaces(TimeTrackerRecord *r)
+{
+    FreeSurface(&r->dcWork, &r->savedWork);
+    FreeSurface(&r->dcScale, &r->savedScale);
+    FreeSurface(&r->dcLanesBack, &r->savedLanesBack);
+    FreeSurface(&r->dcLanes, &r->savedLanes);
+}
+
+void TrackerRenderScale(TimeTrackerRecord *r)
+{
+    TrackerPlaceFigures(r);
+    HDC dc = r->dcScale;
+    if (!dc)
+        return;
+    Fill(dc, r->rcFrame.left, r->rcFrame.top, r->rcFrame.right, r->rcFrame.bottom, 0xFFFFFF);
+    Fill(dc, r->rcScale.left, r->rcScale.top, r->rcScale.left + 1, r->rcScale.bottom + 1, 0);
+    Fill(dc, r->rcScale.right - 1, r->rcScale.top, r->rcScale.right, r->rcScale.bottom + 1, 0);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, 0);
+    DateTimeValue hour = r->viewStart;
+    hour.minute = 0;
+    hour.second = 0;
+    LONG halfHour = static_cast<LONG>(r->pixelsPerHour / 2) + (r->extraPixels ? 1 : 0);
+    LONG labelHeight = static_cast<LONG>(r->hourLabelHeight);
+    for (DWORD i = 0; i <= r->hoursInView; ++i) {
+        DateTimeValue t = hour;
+        if (!TrackerShift(&t, 0, static_cast<LONG>(i), 0))
+            break;
+        bool ok = false;
+        LONG y = TrackerTimeToY(r, &t, &ok);
+        if (!ok || y < r->rcScale.top || y > r->rcScale.bottom)
+            continue;
+        OSDateTimeToString(&t, g_hourText, nullptr, DTS_TIME, sizeof g_hourText);
+        LONG top = y - labelHeight / 2 - (r->extraPixels == 0 ? 1 : 0);
+        RECT text = {r->rcScale.left, top, r->rcScale.right, top + labelHeight};
+        DrawTextA(dc, g_hourText, -1, &text, DT_CENTER | DT_NOCLIP);
+        Fill(dc, r->rcScale.left, y, r->rcScale.left + 5, y + 1, 0);
+        Fill(dc, r->rcScale.right - 5, y, r->rcScale.right, y + 1, 0);
+        if (i < r->hoursInView) {
+            LONG mid = y + halfHour;
+            Fill(dc, r->rcScale.left, mid, r->rcScale.left + 2, mid + 1, 0);
+            Fill(dc, r->rcScale.right - 2, mid, r->rcScale.right, mid + 1, 0);
+        }
+    }
+}
+
+void TrackerRenderLanes(TimeTrackerRecord *r)
+{
+    TrackerPlaceFigures(r);
+    // The clash colour is kept whether or not the strip is shown.
+    r->ownBarColour = kOwnBarFree;
+    DWORD own = r->durationHours * 60 + r->durationMinutes;
+    for (DWORD i = 0; i < r->busyCount; ++i)
+        if (TrackerOverlap(&r->busy[i].start, r->busy[i].lengthMinutes, &r->start, own) == 1) {
+            r->ownBarColour = kOwnBarClash;
+            break;
+        }
+    HDC back = r->dcLanesBack;
+    if (!back || !r->dcLanes)
+        return;
+    LONG height = ScaleHeight(r) + 1;
+    Fill(back, 0, 0, StripWidth(), height, r->backColour);
+    for (DWORD c = 0; c <= r->laneCount; ++c) {
+        LONG x = static_cast<LONG>(c * kLaneWidth);
+        bool last = c == r->laneCount;
+        Fill(back, x, 0, x + (last ? 7 : 8), height, 0);
+        Fill(back, x + 1, 0, x + 7, height, 0x808080);
+        Fill(back, x + 7, 0, x + 8, height, kLabelGrey);
+    }
+    DateTimeValue viewEnd;
+    bool haveEnd = TrackerViewEnd(r, &viewEnd);
+    DWORD span = r->hoursInView * 60;
+    for (DWORD n = r->busyCount; n-- > 0;) {
+        const BusyInterval &b = r->busy[n];
+        if (b.lane > r->laneCount || !haveEnd || TrackerOverlap(&b.start, b.lengthMinutes, &r->viewStart, span) != 1)
+            continue;
+        DateTimeValue e = b.start;
+        bool ok1 = false, ok2 = false;
+        LONG top = TrackerTimeToY(r, &b.start, &ok1) - r->rcScale.top;
+        if (!OSAdjustDateTime(&e, 0, 0, 0, 0, static_cast<LONG>(b.lengthMinutes), 0, 0))
+            continue;
+        // An end past the calendar runs to the strip's foot.
+        bool endsInside = OSIsValidDateTime(&e) != 0;
+        LONG bottom = endsInside ? TrackerTimeToY(r, &e, &ok2) - r->rcScale.top + 1 : height;
+        ok2 = ok2 || !endsInside;
+        if (!ok1 || !ok2)
+            continue;
+        if (top < 1)
+            top = 1;
+        if (bottom > height - 2)
+            bottom = height - 2;
+        Block(back, static_cast<LONG>((r->laneCount - b.lane) * kLaneWidth) + 1, top, bottom, kBusyColour);
+    }
+    BitBlt(r->dcLanes, 0, 0, StripWidth(), height, back, 0, 0, SRCCOPY);
+    LONG top = r->startY - r->rcScale.top, bottom = r->endY - r->rcScale.top + 1;
+    if (top < 1)
+        top = 1;
+    if (bottom > height - 2)
+        bottom = height - 2;
+    Block(r->dcLanes, static_cast<LONG>(r->laneCount * kLaneWidth) + 1, top, bottom, r->ownBarColour);
+}
+
+// ---------------------------------------------------------------- showing
+void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bottom)
+{
+    HDC work = r->dcWork;
+    if (!work)
+        return;
+    if (top < r->rcFrame.top)
+        top = r->rcFrame.top;
+    if (bottom > r->rcFrame.bottom)
+        bottom = r->rcFrame.bottom;
+    if (bottom <= top)
+        return;
+    LONG left = r->rcFrame.left, width = FrameWidth(r);
+    SetBkColor(work, r->backColour);
+    SetTextColor(work, GadgetContrastTextColor(r->backColour));
+    BitBlt(work, left, top, width, bottom - top, r->dcScale, left, top, SRCCOPY);
+    PaintBar(work, r);
+    char text[64];
+    OSDateTimeToString(&r->start, text, nullptr, DTS_TIME, sizeof text);
+    PaintLabel(work, r, r->rcStartLabel, text);
+    OSDateTimeToString(&r->end, text, nullptr, DTS_TIME, sizeof text);
+    PaintLabel(work, r, r->rcEndLabel, text);
+    DurationText(r->durationHours, r->durationMinutes, text, sizeof text);
+    PaintLabel(work, r, r->rcDurationLabel, text);
+    PaintClock(work, r, r->rcStartClock, r->start);
+    PaintClock(work, r, r->rcEndClock, r->end);
+    SetBkColor(work, r->backColour);
+    SetTextColor(work, GadgetContrastTextColor(r->backColour));
+    BitBlt(dc, left, top, width, bottom - top, work, left, top, SRCCOPY);
+    BitBlt(dc, 0, r->rcScale.top, static_cast<int>(r->laneCount * kLaneWidth + 8), ScaleHeight(r) + 1,
+           r->dcLanes, 0, 0, SRCCOPY);
+    (void)window;
+}
+
+void TrackerPaintArrows(HWND window, TimeTrackerRecord *r, HDC dc, bool upPressed, bool downPressed)
+{
+    PaintArrow(dc, r, r->rcUpArrow, UpArrowId(window, r) + (upPressed ? 1 : 0));
+    PaintArrow(dc, r, r->rcDownArrow, DownArrowId(window, r) + (downPressed ? 1 : 0));
+}
+
+void TrackerRedraw(HWND window, TimeTrackerRecord *r)
+{
+    TrackerPlaceFigures(r);
+    TrackerRenderLanes(r);
+    bool own = !(g_trackerDrag.active && g_trackerDrag.window == window && g_trackerDrag.dc);
+    HDC dc = own ? GetDC(window) : g_trackerDrag.dc;
+    if (!dc)
+        return;
+    TrackerCompose(window, r, dc, r->rcFrame.top, r->rcFrame.bottom);
+    if (own) {
+        TrackerPaintArrows(window, r, dc, false, false);
+        ReleaseDC(window, dc);
+    }
+}
+
+void TrackerOnPaint(HWND window, TimeTrackerRecord *r)
+{
+    PAINTSTRUCT ps;
+    HDC dc = BeginPaint(window, &ps);
+    if (!dc) {
+        OSErrorSetErrorInfo(RV_GDIError);
+        return;
+    }
+    TrackerPlaceFigures(r);
+    TrackerCompose(window, r, dc, r->rcFrame.top, r->rcFrame.bottom);
+    bool pressedUp = g_trackerDrag.active && g_trackerDrag.window == window && g_trackerDrag.upArrow;
+    bool pressedDown = g_trackerDrag.active && g_trackerDrag.window == window && g_trackerDrag.downArrow;
+    TrackerPaintArrows(window, r, dc, pressedUp, pressedDown);
+    EndPaint(window, &ps);
+}
+
+bool TrackerClockHit(HWND window, const TimeTrackerRecord *r, const RECT *rect, POINT pt)
+{
+    if (!PtInRect(rect, pt) || !r->clockMask)
+        return false;
+    HDC screen = GetDC(window);
+    HDC dc = CreateCompatibleDC(screen);
+    ReleaseDC(window, screen);
+    if (!dc)
+        return false;
+    HGDIOBJ old = SelectObject(dc, r->clockMask);
+    COLORREF pixel = GetPixel(dc, pt.x - rect->left, pt.y - rect->top);
+    SelectObject(dc, old);
+    DeleteDC(dc);
+    return pixel == 0;
+}
