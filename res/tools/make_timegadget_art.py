@@ -10,8 +10,8 @@ outputs are committed, so a build needs no Python.
                             pixel carries
   res/art/month_next.bmp    the same arrow pointing right
   res/art/clock.bmp         17 x 17, 24 bit: the time scales' clock face, a
-                            white dial with hands at ten past ten on the
-                            transparent key 0x818100 (COLORREF)
+                            white dial with a black rim on the transparent
+                            key 0x818100 (COLORREF); the gadgets draw the hands
   res/art/setter_up.bmp     11 x 13, 24 bit: the TimeSetter's up button, a
                             raised grey face with a black arrow, its corners
                             on the transparent key
@@ -60,7 +60,8 @@ def colour_bitmap(rows, palette):
 
 
 def clock_face(size=17):
-    """A round dial: '.' the key, '#' the rim and hands, 'o' the face."""
+    """A round dial without hands (the gadgets draw them): '.' the key,
+    '#' the rim, 'o' the face."""
     centre = (size - 1) / 2
     rows = []
     for y in range(size):
@@ -69,14 +70,7 @@ def clock_face(size=17):
             d = ((x - centre) ** 2 + (y - centre) ** 2) ** 0.5
             row += "." if d > centre + 0.3 else "#" if d > centre - 1.2 else "o"
         rows.append(row)
-    rows = [list(r) for r in rows]
-    c = int(centre)
-    for i in range(1, 6):          # minute hand: ten past, up and right
-        rows[c - i][c + i // 2] = "#"
-    for i in range(1, 4):          # hour hand: towards ten, up and left
-        rows[c - i // 2][c - i] = "#"
-    rows[c][c] = "#"
-    return ["".join(r) for r in rows]
+    return rows
 
 
 KEY = (0x00, 0x81, 0x81)  # COLORREF 0x818100: blue 0x81, green 0x81, red 0
