@@ -271,6 +271,16 @@ void RepaintItem(HWND w, VListRecord *r, DWORD index)
     InvalidateRect(w, &rect, r->memoryDC ? FALSE : TRUE);
 }
 
+// Moves a mark (the current selection or the caret) to `index`, repainting
+// the row it leaves and then the row it reaches.
+void MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index)
+{
+    DWORD old = mark;
+    mark = index;
+    RepaintItem(w, r, old);
+    RepaintItem(w, r, index);
+}
+
 void UpdateThumb(HWND w, VListRecord *r)
 {
     if (r->inScrollRange)
@@ -974,10 +984,7 @@ extern "C" BOOL WINAPI VListBox_SetCurSel(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r || Multiple(w))
         return FALSE;
-    DWORD old = r->currentSelection;
-    r->currentSelection = index;
-    RepaintItem(w, r, old);
-    RepaintItem(w, r, index);
+    MoveMark(w, r, r->currentSelection, index);
     VListBox_SetTopIndex(w, index);
     if (!(r = Rec(w)))
         return FALSE;
@@ -1001,10 +1008,7 @@ extern "C" BOOL WINAPI VListBox_SetCaretIndex(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    DWORD old = r->caretIndex;
-    r->caretIndex = index;
-    RepaintItem(w, r, old);
-    RepaintItem(w, r, index);
+    MoveMark(w, r, r->caretIndex, index);
     return TRUE;
 }
 
