@@ -603,9 +603,7 @@ void PaintRows(HWND w, DVListRecord *r, HDC dc, const RECT *clip)
 {
     if (!r->cacheEntries || !CanPaint(r) || r->itemHeight <= 0)
         return;
-    HGDIOBJ oldFont = SelectObject(dc, r->font ? r->font : GetStockObject(SYSTEM_FONT));
-    HBRUSH brush = CreateSolidBrush(GetSysColor(COLOR_WINDOW));
-    HGDIOBJ oldBrush = SelectObject(dc, brush);
+    VListRowPaint paint = VListBeginRowPaint(dc, r->font);
     RECT client;
     GetClientRect(w, &client);
     if (!clip || Count(r) == 0)
@@ -617,9 +615,7 @@ void PaintRows(HWND w, DVListRecord *r, HDC dc, const RECT *clip)
                 PaintRow(w, r, dc, row);
         }
     }
-    SelectObject(dc, oldBrush);
-    DeleteObject(brush);
-    SelectObject(dc, oldFont);
+    VListEndRowPaint(paint);
 }
 
 void RepaintAll(HWND w, DVListRecord *r)
@@ -1017,9 +1013,7 @@ void OnPaint(HWND w, DVListRecord *r)
     PAINTSTRUCT ps;
     HDC dc = BeginPaint(w, &ps);
     if (r->memoryDC)
-        BitBlt(dc, ps.rcPaint.left, ps.rcPaint.top, ps.rcPaint.right - ps.rcPaint.left,
-               ps.rcPaint.bottom - ps.rcPaint.top, r->memoryDC, ps.rcPaint.left, ps.rcPaint.top,
-               SRCCOPY);
+        VListCopyArea(dc, ps.rcPaint, r->memoryDC);
     else
         PaintRows(w, r, dc, &ps.rcPaint);
     EndPaint(w, &ps);
@@ -1337,15 +1331,9 @@ void OnMouseMove(HWND w, DVListRecord *r, int y)
         caret = IndexAt(r, y);
         if (!Possible(r, caret))
             return;
-        if (r->autoScrollRunning) {
-            OSKillTimer(w, kAutoScrollTimer);
-            r->autoScrollRunning = false;
-        }
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
     } else {
-        if (!r->autoScrollRunning) {
-            OSSetTimer(w, kAutoScrollTimer, 1, nullptr);
-            r->autoScrollRunning = true;
-        }
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, true);
         if (y < 0) {
             if ((r->endFlags & kAtTop) && r->topIndex < 1)
                 return;
@@ -1403,10 +1391,8 @@ void OnLButtonUp(HWND w, DVListRecord *r)
     if (!(r = Rec(w)))
         return;
     SelChange(w, r);
-    if ((r = Rec(w)) != nullptr && r->autoScrollRunning) {
-        OSKillTimer(w, kAutoScrollTimer);
-        r->autoScrollRunning = false;
-    }
+    if ((r = Rec(w)) != nullptr)
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
 }
 
 void OnChar(HWND w, DVListRecord *r, WPARAM ch, LPARAM lParam)
@@ -1584,10 +1570,7 @@ LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_CHAR: OnChar(w, r, wParam, lParam); return 0;
     case WM_TIMER:
         if (wParam == kAutoScrollTimer) {
-            POINT pt;
-            GetCursorPos(&pt);
-            ScreenToClient(w, &pt);
-            SendMessageA(w, WM_MOUSEMOVE, 0, MAKELPARAM(pt.x, pt.y));
+            VListReplayMouseMove(w);
         } else if (wParam == kTypeAheadTimer) {
             OnTypeAheadTimer(w, r);
         }

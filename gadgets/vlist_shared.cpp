@@ -282,3 +282,47 @@ void VListShiftEntries(void *entries, DWORD count, size_t entrySize, long long s
         memset(a, 0, static_cast<size_t>(-shift) * entrySize);
     }
 }
+
+// ---------------------------------------------------------------- painting
+VListRowPaint VListBeginRowPaint(HDC dc, HFONT font)
+{
+    VListRowPaint paint;
+    paint.dc = dc;
+    paint.oldFont = SelectObject(dc, font ? font : GetStockObject(SYSTEM_FONT));
+    paint.brush = CreateSolidBrush(GetSysColor(COLOR_WINDOW));
+    paint.oldBrush = SelectObject(dc, paint.brush);
+    return paint;
+}
+
+void VListEndRowPaint(const VListRowPaint &paint)
+{
+    SelectObject(paint.dc, paint.oldBrush);
+    DeleteObject(paint.brush);
+    SelectObject(paint.dc, paint.oldFont);
+}
+
+void VListCopyArea(HDC dc, const RECT &area, HDC memory)
+{
+    BitBlt(dc, area.left, area.top, area.right - area.left, area.bottom - area.top, memory, area.left,
+           area.top, SRCCOPY);
+}
+
+// ---------------------------------------------------------------- auto scroll
+void VListSetAutoScroll(HWND window, UINT_PTR id, bool &running, bool on)
+{
+    if (running == on)
+        return;
+    if (on)
+        OSSetTimer(window, id, 1, nullptr);
+    else
+        OSKillTimer(window, id);
+    running = on;
+}
+
+void VListReplayMouseMove(HWND window)
+{
+    POINT pt;
+    GetCursorPos(&pt);
+    ScreenToClient(window, &pt);
+    SendMessageA(window, WM_MOUSEMOVE, 0, MAKELPARAM(pt.x, pt.y));
+}

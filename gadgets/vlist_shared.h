@@ -68,3 +68,26 @@ void VListFreeMemoryDC(HDC &memory, HBITMAP saved);
 // Slides `count` entries of `entrySize` bytes by `shift` places (positive:
 // entry `shift` becomes entry 0) and zeroes the places left behind.
 void VListShiftEntries(void *entries, DWORD count, size_t entrySize, long long shift);
+
+// ---------------------------------------------------------------- painting
+// What painting rows selects into a context: the list's font (the system
+// font when null) and a brush of the window colour. VListEndRowPaint puts
+// back what the context held and frees the brush.
+struct VListRowPaint {
+    HDC dc;
+    HGDIOBJ oldFont;
+    HBRUSH brush;
+    HGDIOBJ oldBrush;
+};
+VListRowPaint VListBeginRowPaint(HDC dc, HFONT font);
+void VListEndRowPaint(const VListRowPaint &paint);
+// Copies `area` of the off-screen copy `memory` to the same place on `dc`.
+void VListCopyArea(HDC dc, const RECT &area, HDC memory);
+
+// ---------------------------------------------------------------- auto scroll
+// Starts (`on`) or stops the timer `id`, keeping `running` in step; does
+// nothing when it already is in that state.
+void VListSetAutoScroll(HWND window, UINT_PTR id, bool &running, bool on);
+// Sends the window a mouse move at the cursor's place, so that a drag held
+// outside the rows goes on scrolling while the timer runs.
+void VListReplayMouseMove(HWND window);

@@ -239,9 +239,7 @@ void PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all
 {
     if (!r->callback || r->itemHeight <= 0)
         return;
-    HGDIOBJ oldFont = SelectObject(dc, r->font ? r->font : GetStockObject(SYSTEM_FONT));
-    HBRUSH brush = CreateSolidBrush(GetSysColor(COLOR_WINDOW));
-    HGDIOBJ oldBrush = SelectObject(dc, brush);
+    VListRowPaint paint = VListBeginRowPaint(dc, r->font);
     if (all) {
         RECT client;
         GetClientRect(w, &client);
@@ -251,9 +249,7 @@ void PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all
     }
     for (DWORD row = first; row <= last && row < r->visibleCount; ++row)
         PaintRow(w, r, dc, row);
-    SelectObject(dc, oldBrush);
-    DeleteObject(brush);
-    SelectObject(dc, oldFont);
+    VListEndRowPaint(paint);
 }
 
 void RepaintAll(HWND w, VListRecord *r)
@@ -273,6 +269,16 @@ void RepaintItem(HWND w, VListRecord *r, DWORD index)
     if (r->memoryDC)
         PaintRows(w, r, r->memoryDC, row, row, false);
     InvalidateRect(w, &rect, r->memoryDC ? FALSE : TRUE);
+}
+
+// Moves a mark (the current selection or the caret) to `index`, repainting
+// the row it leaves and then the row it reaches.
+void MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index)
+{
+    DWORD old = mark;
+    mark = index;
+    RepaintItem(w, r, old);
+    RepaintItem(w, r, index);
 }
 
 void UpdateThumb(HWND w, VListRecord *r)
@@ -496,9 +502,7 @@ void OnPaint(HWND w, VListRecord *r)
     PAINTSTRUCT ps;
     HDC dc = BeginPaint(w, &ps);
     if (r->memoryDC)
-        BitBlt(dc, ps.rcPaint.left, ps.rcPaint.top, ps.rcPaint.right - ps.rcPaint.left,
-               ps.rcPaint.bottom - ps.rcPaint.top, r->memoryDC, ps.rcPaint.left, ps.rcPaint.top,
-               SRCCOPY);
+        VListCopyArea(dc, ps.rcPaint, r->memoryDC);
     else
         PaintRows(w, r, dc, 0, 0, true);
     EndPaint(w, &ps);
@@ -656,15 +660,9 @@ void OnMouseMove(HWND w, VListRecord *r, int y)
         lastRow = r->visibleCount;
     if (y >= 0 && y < rowsBottom && (r->totalItems == kUnknown || (DWORD)(y / r->itemHeight) < lastRow)) {
         caret = IndexAt(r, y);
-        if (r->autoScrollRunning) {
-            OSKillTimer(w, kAutoScrollTimer);
-            r->autoScrollRunning = false;
-        }
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
     } else {
-        if (!r->autoScrollRunning) {
-            OSSetTimer(w, kAutoScrollTimer, 1, nullptr);
-            r->autoScrollRunning = true;
-        }
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, true);
         if (y < 0) {
             if (r->topIndex == 0)
                 return;
@@ -702,10 +700,8 @@ void OnLButtonUp(HWND w, VListRecord *r)
         return;
     SelChanged(w, r);
     GadgetNotifyParent(w, kCodeMouseUp);
-    if ((r = Rec(w)) != nullptr && r->autoScrollRunning) {
-        OSKillTimer(w, kAutoScrollTimer);
-        r->autoScrollRunning = false;
-    }
+    if ((r = Rec(w)) != nullptr)
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
 }
 
 void OnSetText(HWND w, VListRecord *r, const char *text)
@@ -755,12 +751,8 @@ LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
         }
         return 0;
     case WM_TIMER:
-        if (wParam == kAutoScrollTimer) {
-            POINT pt;
-            GetCursorPos(&pt);
-            ScreenToClient(w, &pt);
-            SendMessageA(w, WM_MOUSEMOVE, 0, MAKELPARAM(pt.x, pt.y));
-        }
+        if (wParam == kAutoScrollTimer)
+            VListReplayMouseMove(w);
         return 0;
     case WM_VSCROLL: {
         DWORD top = r->topIndex, vis = r->visibleCount;
@@ -992,10 +984,7 @@ extern "C" BOOL WINAPI VListBox_SetCurSel(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r || Multiple(w))
         return FALSE;
-    DWORD old = r->currentSelection;
-    r->currentSelection = index;
-    RepaintItem(w, r, old);
-    RepaintItem(w, r, index);
+    MoveMark(w, r, r->currentSelection, index);
     VListBox_SetTopIndex(w, index);
     if (!(r = Rec(w)))
         return FALSE;
@@ -1019,10 +1008,7 @@ extern "C" BOOL WINAPI VListBox_SetCaretIndex(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    DWORD old = r->caretIndex;
-    r->caretIndex = index;
-    RepaintItem(w, r, old);
-    RepaintItem(w, r, index);
+    MoveMark(w, r, r->caretIndex, index);
     return TRUE;
 }
 

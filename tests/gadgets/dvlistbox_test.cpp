@@ -1,8 +1,7 @@
 // QzDVListBox through its exports and messages, over a fake database host:
 // sorted integer keys, 4-byte references, a host callback that logs every
 // request and answers loads, finds, searches and range selections.
-#include "qz_test.h"
-#include "window_harness.h"
+#include "vlist_test_fixture.h"
 #include "qziso32.h"
 #include <algorithm>
 #include <cstdio>
@@ -171,17 +170,6 @@ LRESULT CALLBACK DbProc(HWND w, UINT code, void *request, LPARAM data)
     return 0;
 }
 
-int RowHeight()
-{
-    HDC dc = GetDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, GetStockObject(SYSTEM_FONT));
-    TEXTMETRICA tm;
-    GetTextMetricsA(dc, &tm);
-    SelectObject(dc, old);
-    ReleaseDC(nullptr, dc);
-    return tm.tmHeight + tm.tmInternalLeading;
-}
-
 std::vector<DWORD> Keys(DWORD count, DWORD step = 10)
 {
     std::vector<DWORD> keys;
@@ -190,23 +178,11 @@ std::vector<DWORD> Keys(DWORD count, DWORD step = 10)
     return keys;
 }
 
-class DVListBox : public GadgetTest {
+class DVListBox : public VListFixture {
 protected:
-    void SetUp() override
-    {
-        GadgetTest::SetUp();
-        parent_ = new RecordingParent(400, 600);
-        parent_->Ignore(WM_CTLCOLORSCROLLBAR);
-    }
-    void TearDown() override
-    {
-        delete parent_;
-        GadgetTest::TearDown();
-    }
     HWND Make(DWORD style, LONG total, DWORD cache = 40, DWORD batch = 20)
     {
-        HWND list = parent_->CreateChild("QzDVListBox", ID_LIST, WS_VSCROLL | style, 0, 0, 200,
-                                         kRows * RowHeight());
+        HWND list = CreateList("QzDVListBox", ID_LIST, style, kRows);
         EXPECT_TRUE(list);
         EXPECT_TRUE(DVListBox_Initialize(list, total, cache, batch, 4, DbProc,
                                          reinterpret_cast<LPARAM>(&db_)));
@@ -232,7 +208,6 @@ protected:
         EXPECT_EQ(0, db_.badReleases);
         EXPECT_TRUE(db_.held.empty()) << "every loaded item is released by the end";
     }
-    RecordingParent *parent_ = nullptr;
     Db db_;
 };
 

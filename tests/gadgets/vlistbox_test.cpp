@@ -1,7 +1,6 @@
 // QzVListBox through its exports and messages, with a host callback that
 // logs every request and answers loads from a list it holds.
-#include "qz_test.h"
-#include "window_harness.h"
+#include "vlist_test_fixture.h"
 #include "qziso32.h"
 #include <algorithm>
 #include <cstdio>
@@ -125,36 +124,13 @@ LRESULT CALLBACK HostProc(HWND w, UINT code, void *request, LPARAM data)
     return 0;
 }
 
-int RowHeight()
-{
-    HDC dc = GetDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, GetStockObject(SYSTEM_FONT));
-    TEXTMETRICA tm;
-    GetTextMetricsA(dc, &tm);
-    SelectObject(dc, old);
-    ReleaseDC(nullptr, dc);
-    return tm.tmHeight + tm.tmInternalLeading;
-}
-
-class VListBox : public GadgetTest {
+class VListBox : public VListFixture {
 protected:
-    void SetUp() override
-    {
-        GadgetTest::SetUp();
-        parent_ = new RecordingParent(400, 600);
-        parent_->Ignore(WM_CTLCOLORSCROLLBAR);
-    }
-    void TearDown() override
-    {
-        delete parent_;
-        GadgetTest::TearDown();
-    }
     // A list of kRows rows, initialised with `total`, a cache of 100 and a
     // batch of 20; the log starts empty.
     HWND Make(DWORD style, DWORD total, Host &host, DWORD cache = 100, DWORD batch = 20)
     {
-        HWND list = parent_->CreateChild("QzVListBox", ID_LIST, WS_VSCROLL | style, 0, 0, 200,
-                                         kRows * RowHeight());
+        HWND list = CreateList("QzVListBox", ID_LIST, style, kRows);
         EXPECT_TRUE(list);
         EXPECT_TRUE(VListBox_Initialize(list, total, cache, batch, HostProc,
                                         reinterpret_cast<LPARAM>(&host)));
@@ -163,7 +139,6 @@ protected:
         parent_->Clear();
         return list;
     }
-    RecordingParent *parent_ = nullptr;
     Host host;  // outlives the lists, which the parent takes down
 };
 
@@ -190,8 +165,7 @@ Log Releases(DWORD first, DWORD last, const char *then)
 
 TEST_F(VListBox, KeepsItsCacheWindowAroundTheView)
 {
-    HWND list = parent_->CreateChild("QzVListBox", ID_LIST, WS_VSCROLL, 0, 0, 200,
-                                     kRows * RowHeight());
+    HWND list = CreateList("QzVListBox", ID_LIST, 0, kRows);
     ASSERT_TRUE(VListBox_Initialize(list, 1000, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
     EXPECT_EQ(Log({"INIT 10 20"}), host.Take());
 
