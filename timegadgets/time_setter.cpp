@@ -8,6 +8,7 @@
 // puts the clock and label on it and copies that to the window. A drag step
 // repaints only the band the label and clock crossed.
 #include "time_gadgets.h"
+#include "clock_face.h"
 #include "../gadgets/gadget_frame.h"
 #include "../core/module_globals.h"
 #include "qziso32.h"
@@ -403,26 +404,10 @@ bool DrawScale(TimeSetterRecord *r)
     return ok;
 }
 
-// Clockwise from twelve, in twelve steps.
-const int kHandX[12] = {0, 5, 8, 10, 8, 5, 0, -5, -8, -10, -8, -5};
-const int kHandY[12] = {-10, -8, -5, 0, 5, 8, 10, 8, 5, 0, -5, -8};
-
 void DrawClock(HDC dc, const TimeSetterRecord *r)
 {
-    const RECT &c = r->rcClock;
-    if (c.top < r->rcFrame.top || c.bottom > r->rcFrame.bottom)
-        return;
-    RECT place = c;
-    GadUtilMaskBltWithFlicker(dc, &place, r->clockBitmap, r->clockMask, kDefaultBack);
-    int cx = c.left + 8, cy = c.top + 8;
-    int hour = (r->value.hour + (r->value.minute > 30 ? 1 : 0)) % 12;
-    int minute = (r->value.minute / 5) % 12;
-    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
-    MoveToEx(dc, cx, cy, nullptr);
-    LineTo(dc, cx + 17 * kHandX[hour] / 30, cy + 17 * kHandY[hour] / 30);
-    MoveToEx(dc, cx, cy, nullptr);
-    LineTo(dc, cx + 17 * kHandX[minute] / 22, cy + 17 * kHandY[minute] / 22);
-    SelectObject(dc, oldPen);
+    DrawClockFace(dc, r->rcClock, r->rcFrame, r->clockBitmap, r->clockMask, kDefaultBack, r->value.hour,
+                  r->value.minute);
 }
 
 void Fill(HDC dc, LONG left, LONG top, LONG right, LONG bottom, COLORREF colour)
