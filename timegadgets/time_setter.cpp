@@ -8,6 +8,8 @@
 // puts the clock and label on it and copies that to the window. A drag step
 // repaints only the band the label and clock crossed.
 #include "time_gadgets.h"
+#include "clock_face.h"
+#include "time_scale_shared.h"
 #include "../gadgets/gadget_frame.h"
 #include "../core/module_globals.h"
 #include "qziso32.h"
@@ -84,40 +86,13 @@ LONG Width(const RECT &r) { return r.right - r.left; }
 LONG Height(const RECT &r) { return r.bottom - r.top; }
 
 // ---------------------------------------------------------------- time
-// The snap step in force: the coarse one while Shift is down.
-BYTE CurrentStep(const TimeSetterRecord *r)
-{
-    return (GetKeyState(VK_SHIFT) & 0x80) ? r->coarseStep : r->fineStep;
-}
+BYTE CurrentStep(const TimeSetterRecord *r) { return HeldStep(r->coarseStep, r->fineStep); }
 
-// Minute down to a multiple of `step`. A step of 0 cannot snap.
-bool SnapTo(DateTimeValue *t, BYTE step)
-{
-    if (step == 0) {
-        OSErrorSetErrorInfo(RV_BadParms, "TimeSetter step");
-        return false;
-    }
-    t->minute = static_cast<BYTE>((t->minute / step) * step);
-    return true;
-}
+bool SnapTo(DateTimeValue *t, BYTE step) { return SnapMinute(t, step, "TimeSetter step"); }
 
 bool Snap(const TimeSetterRecord *r, DateTimeValue *t) { return SnapTo(t, CurrentStep(r)); }
 
-// Moves `t`; a result outside the calendar's years is refused and `t` kept.
-bool Shift(DateTimeValue *t, LONG days, LONG hours, LONG minutes, LONG seconds)
-{
-    DateTimeValue moved = *t;
-    if (!OSAdjustDateTime(&moved, 0, 0, days, hours, minutes, seconds, 0))
-        return false;
-    if (!OSIsValidDateTime(&moved)) {
-        OSWhyIsInvalidDateTime(&moved);
-        return false;
-    }
-    *t = moved;
-    return true;
-}
-
-bool ShiftMinutes(DateTimeValue *t, LONG minutes) { return Shift(t, 0, 0, minutes, 0); }
+bool ShiftMinutes(DateTimeValue *t, LONG minutes) { return ShiftDateTime(t, 0, 0, minutes, 0); }
 
 // Moves `t` by `minutes` and snaps it.
 bool StepSnapped(const TimeSetterRecord *r, DateTimeValue *t, LONG minutes)
@@ -169,7 +144,7 @@ bool YToTime(const TimeSetterRecord *r, LONG y, DateTimeValue *out)
     LONG span = static_cast<LONG>((static_cast<DWORD>(rel) - base) * 60u);
     LONG minutes = static_cast<LONG>(static_cast<long long>(span) / divisor);
     DateTimeValue t = r->viewStart;
-    if (!Shift(&t, 0, h, minutes, 0) || !Snap(r, &t))
+    if (!ShiftDateTime(&t, 0, h, minutes, 0) || !Snap(r, &t))
         return false;
     *out = t;
     return true;
@@ -394,7 +369,7 @@ bool DrawScale(TimeSetterRecord *r)
             }
         }
         // The minute stays 0 from hour to hour, so its snap changes nothing.
-        if (i < r->hoursInView && !Shift(&t, 0, 1, 0, 0)) {
+        if (i < r->hoursInView && !ShiftDateTime(&t, 0, 1, 0, 0)) {
             ok = false;
             break;
         }
@@ -403,26 +378,10 @@ bool DrawScale(TimeSetterRecord *r)
     return ok;
 }
 
-// Clockwise from twelve, in twelve steps.
-const int kHandX[12] = {0, 5, 8, 10, 8, 5, 0, -5, -8, -10, -8, -5};
-const int kHandY[12] = {-10, -8, -5, 0, 5, 8, 10, 8, 5, 0, -5, -8};
-
 void DrawClock(HDC dc, const TimeSetterRecord *r)
 {
-    const RECT &c = r->rcClock;
-    if (c.top < r->rcFrame.top || c.bottom > r->rcFrame.bottom)
-        return;
-    RECT place = c;
-    GadUtilMaskBltWithFlicker(dc, &place, r->clockBitmap, r->clockMask, kDefaultBack);
-    int cx = c.left + 8, cy = c.top + 8;
-    int hour = (r->value.hour + (r->value.minute > 30 ? 1 : 0)) % 12;
-    int minute = (r->value.minute / 5) % 12;
-    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
-    MoveToEx(dc, cx, cy, nullptr);
-    LineTo(dc, cx + 17 * kHandX[hour] / 30, cy + 17 * kHandY[hour] / 30);
-    MoveToEx(dc, cx, cy, nullptr);
-    LineTo(dc, cx + 17 * kHandX[minute] / 22, cy + 17 * kHandY[minute] / 22);
-    SelectObject(dc, oldPen);
+    DrawClockFace(dc, r->rcClock, r->rcFrame, r->clockBitmap, r->clockMask, kDefaultBack, r->value.hour,
+                  r->value.minute);
 }
 
 void Fill(HDC dc, LONG left, LONG top, LONG right, LONG bottom, COLORREF colour)
@@ -641,10 +600,10 @@ void OnKeyDown(HWND window, TimeSetterRecord *r, WPARAM key)
         r->value = t;
     } else if (ok) {
         DateTimeValue last = r->viewStart;
-        ok = Shift(&last, 0, static_cast<LONG>(r->hoursInView), 0, 0);
+        ok = ShiftDateTime(&last, 0, static_cast<LONG>(r->hoursInView), 0, 0);
         if (ok && OSDateTimeCompare(&t, &last) > 0) {
             DateTimeValue view = t;
-            ok = Shift(&view, 0, -static_cast<LONG>(r->hoursInView), 0, 0);
+            ok = ShiftDateTime(&view, 0, -static_cast<LONG>(r->hoursInView), 0, 0);
             if (ok)
                 r->viewStart = view;
         }
@@ -735,7 +694,7 @@ void OnLButtonDown(HWND window, TimeSetterRecord *r, LONG x, LONG y)
     } else if (Inside(r->rcScale, x, y)) {
         // A click goes to the nearest hour.
         DateTimeValue t;
-        if (!YToTime(r, y, &t) || (t.minute > 29 && !Shift(&t, 0, 1, 0, 0))) {
+        if (!YToTime(r, y, &t) || (t.minute > 29 && !ShiftDateTime(&t, 0, 1, 0, 0))) {
             AbortDrag(window, r);
             return;
         }
@@ -764,7 +723,7 @@ void StartAutoScroll(HWND window, TimeSetterRecord *r, BYTE mode, BYTE step)
 bool ValueAtFoot(TimeSetterRecord *r)
 {
     DateTimeValue t = r->viewStart;
-    if (!Shift(&t, 0, static_cast<LONG>(r->hoursInView), 0, 0) || !Snap(r, &t))
+    if (!ShiftDateTime(&t, 0, static_cast<LONG>(r->hoursInView), 0, 0) || !Snap(r, &t))
         return false;
     r->value = t;
     return true;
@@ -789,7 +748,7 @@ bool DragStep(HWND window, TimeSetterRecord *r, LONG y)
         !OSDiffDateTime(&g_drag.anchor, &t, &days, &hours, &minutes, &seconds))
         return false;
     DateTimeValue moved = r->value;
-    if (!Shift(&moved, days, hours, minutes, seconds) || !Snap(r, &moved))
+    if (!ShiftDateTime(&moved, days, hours, minutes, seconds) || !Snap(r, &moved))
         return false;
     r->value = moved;
     g_drag.anchor = t;

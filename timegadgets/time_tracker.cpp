@@ -6,6 +6,7 @@
 // painting, the busy list and the drag have units of their own.
 #include "time_tracker.h"
 #include "time_gadgets.h"
+#include "time_scale_shared.h"
 #include "../gadgets/gadget_frame.h"
 #include "../core/module_globals.h"
 
@@ -14,17 +15,7 @@ TrackerDrag g_trackerDrag = {};
 // ---------------------------------------------------------------- arithmetic
 bool TrackerShift(DateTimeValue *value, LONG days, LONG hours, LONG minutes)
 {
-    DateTimeValue moved = *value;
-    if (!OSAdjustDateTime(&moved, 0, 0, days, hours, minutes, 0, 0))
-        return false;
-    // The calendar ends in 2101: a step past it fails with its reason
-    // rather than leaving a value no later call accepts.
-    if (!OSIsValidDateTime(&moved)) {
-        OSWhyIsInvalidDateTime(&moved);
-        return false;
-    }
-    *value = moved;
-    return true;
+    return ShiftDateTime(value, days, hours, minutes, 0);
 }
 
 bool TrackerDiff(const DateTimeValue *a, const DateTimeValue *b, LONG *hours, LONG *minutes)
@@ -37,19 +28,9 @@ bool TrackerDiff(const DateTimeValue *a, const DateTimeValue *b, LONG *hours, LO
     return true;
 }
 
-DWORD TrackerStep(const TimeTrackerRecord *r)
-{
-    return (GetKeyState(VK_SHIFT) & 0x80) ? r->coarseStep : r->fineStep;
-}
+DWORD TrackerStep(const TimeTrackerRecord *r) { return HeldStep(r->coarseStep, r->fineStep); }
 
-void TrackerSnap(DateTimeValue *value, DWORD step)
-{
-    if (step == 0) {
-        OSErrorSetErrorInfo(RV_BadParms, "TimeTracker step");
-        return;
-    }
-    value->minute = static_cast<BYTE>((value->minute / step) * step);
-}
+void TrackerSnap(DateTimeValue *value, DWORD step) { SnapMinute(value, step, "TimeTracker step"); }
 
 bool TrackerNormalise(TimeTrackerRecord *r, bool fromEnd)
 {

@@ -2,13 +2,12 @@
 // the hour scale rendered once into a one-bit surface, the lanes, and the
 // composition of bar, labels and clocks for each change.
 #include "time_tracker.h"
+#include "clock_face.h"
 #include "../gadgets/gadget_frame.h"
 #include "../core/module_globals.h"
 
 namespace {
 
-const int kDx[12] = {0, 5, 8, 10, 8, 5, 0, -5, -8, -10, -8, -5};
-const int kDy[12] = {-10, -8, -5, 0, 5, 8, 10, 8, 5, 0, -5, -8};
 const COLORREF kBusyColour = 0xFF0000;
 const COLORREF kLabelGrey = 0xC0C0C0;
 const UINT kArrowDown = 2300;
@@ -109,19 +108,7 @@ void PaintLabel(HDC dc, const TimeTrackerRecord *r, const RECT &label, const cha
 
 void PaintClock(HDC dc, const TimeTrackerRecord *r, const RECT &clock, const DateTimeValue &t)
 {
-    if (clock.top < r->rcFrame.top || clock.bottom > r->rcFrame.bottom)
-        return;
-    RECT rect = clock;
-    GadUtilMaskBltWithFlicker(dc, &rect, r->clockBitmap, r->clockMask, kTrackerDefaultBack);
-    LONG cx = clock.left + 8, cy = clock.top + 8;
-    int hour = (t.minute > 30 ? t.hour + 1 : t.hour) % 12;
-    int minute = (t.minute / 5) % 12;
-    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
-    MoveToEx(dc, cx, cy, nullptr);
-    LineTo(dc, cx + 17 * kDx[hour] / 30, cy + 17 * kDy[hour] / 30);
-    MoveToEx(dc, cx, cy, nullptr);
-    LineTo(dc, cx + 17 * kDx[minute] / 22, cy + 17 * kDy[minute] / 22);
-    SelectObject(dc, oldPen);
+    DrawClockFace(dc, clock, r->rcFrame, r->clockBitmap, r->clockMask, kTrackerDefaultBack, t.hour, t.minute);
 }
 
 void PaintBar(HDC dc, const TimeTrackerRecord *r)

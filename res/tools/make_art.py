@@ -11,22 +11,12 @@ The outputs are committed, so a build needs no Python.
 """
 import os
 import struct
+import sys
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from bmp_writer import ROOT, pixel_bitmap as bitmap  # noqa: E402
+
 PLACEABLE_KEY = 0x9AC6CDD7
-
-
-def bitmap(width, height, pixel):
-    """A bottom-up 24-bit .bmp; pixel(x, y) gives (r, g, b) with y from the top."""
-    stride = (width * 3 + 3) & ~3
-    rows = []
-    for y in reversed(range(height)):
-        row = b"".join(bytes((b, g, r)) for r, g, b in (pixel(x, y) for x in range(width)))
-        rows.append(row + b"\0" * (stride - len(row)))
-    bits = b"".join(rows)
-    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(bits), 2835, 2835, 0, 0)
-    header = struct.pack("<2sIHHI", b"BM", 14 + len(info) + len(bits), 0, 0, 14 + len(info))
-    return header + info + bits
 
 
 def record(function, *params):

@@ -9,9 +9,10 @@ committed, so a build needs no Python.
 """
 import math
 import os
-import struct
+import sys
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from bmp_writer import ROOT, mono_cursor  # noqa: E402
 SIZE = 32
 CENTRE = 15.5
 RADIUS = 11.0
@@ -36,26 +37,7 @@ def pixel(frame, x, y):
 
 def cursor(frame):
     """A .cur file: one 32 x 32, 1-bit image with its AND mask."""
-    stride = SIZE // 8
-    xor_rows, and_rows = [], []
-    for y in reversed(range(SIZE)):          # bottom-up rows
-        xor_bits = and_bits = 0
-        for x in range(SIZE):
-            p = pixel(frame, x, y)
-            bit = 1 << (SIZE - 1 - x)
-            if p == ".":
-                and_bits |= bit
-            elif p == "w":
-                xor_bits |= bit
-        xor_rows.append(xor_bits.to_bytes(stride, "big"))
-        and_rows.append(and_bits.to_bytes(stride, "big"))
-    info = struct.pack("<IiiHHIIiiII", 40, SIZE, SIZE * 2, 1, 1, 0, 0, 0, 0, 2, 0)
-    colours = struct.pack("<II", 0x000000, 0xFFFFFF)
-    image = info + colours + b"".join(xor_rows) + b"".join(and_rows)
-    hot = SIZE // 2 - 1
-    directory = struct.pack("<HHH", 0, 2, 1)
-    entry = struct.pack("<BBBBHHII", SIZE, SIZE, 2, 0, hot, hot, len(image), 6 + 16)
-    return directory + entry + image
+    return mono_cursor(SIZE, lambda x, y: pixel(frame, x, y), SIZE // 2 - 1)
 
 
 def main():

@@ -15,7 +15,7 @@ import os
 import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from make_timegadget_art import ROOT, colour_bitmap  # noqa: E402
+from bmp_writer import ROOT, colour_bitmap  # noqa: E402
 
 WIDTH, HEIGHT = 12, 18
 INSETS = [3, 2, 1, 1]  # the rounded top corners, row by row

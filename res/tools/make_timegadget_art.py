@@ -21,42 +21,10 @@ A monochrome glyph is ANDed onto a button face: bit 0 takes the text colour
 and bit 1 the face colour.
 """
 import os
-import struct
+import sys
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-
-
-def mono_bitmap(rows):
-    """A bottom-up 1-bit .bmp from strings of '#' (bit 0) and '.' (bit 1), top row first."""
-    width, height = len(rows[0]), len(rows)
-    stride = ((width + 31) // 32) * 4
-    bits = b""
-    for row in reversed(rows):
-        value = 0
-        for x, c in enumerate(row):
-            if c == ".":
-                value |= 0x80 >> (x % 8) << (8 * (x // 8))
-        line = bytes((value >> (8 * i)) & 0xFF for i in range((width + 7) // 8))
-        bits += line + b"\0" * (stride - len(line))
-    palette = struct.pack("<4B4B", 0, 0, 0, 0, 255, 255, 255, 0)
-    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 1, 0, len(bits), 2835, 2835, 2, 2)
-    offset = 14 + len(info) + len(palette)
-    header = struct.pack("<2sIHHI", b"BM", offset + len(bits), 0, 0, offset)
-    return header + info + palette + bits
-
-
-def colour_bitmap(rows, palette):
-    """A bottom-up 24-bit .bmp from strings of palette keys, top row first."""
-    width, height = len(rows[0]), len(rows)
-    stride = ((width * 3 + 3) // 4) * 4
-    bits = b""
-    for row in reversed(rows):
-        line = b"".join(bytes((b, g, r)) for r, g, b in (palette[c] for c in row))
-        bits += line + b"\0" * (stride - len(line))
-    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(bits), 2835, 2835, 0, 0)
-    offset = 14 + len(info)
-    header = struct.pack("<2sIHHI", b"BM", offset + len(bits), 0, 0, offset)
-    return header + info + bits
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from bmp_writer import ROOT, colour_bitmap, mono_bitmap  # noqa: E402
 
 
 def clock_face(size=17):

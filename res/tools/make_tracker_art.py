@@ -12,24 +12,12 @@ from anywhere; the outputs are committed, so a build needs no Python.
                        start), 83 move one end, 84 and 85 the same at the limits
 """
 import os
-import struct
+import sys
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from bmp_writer import ROOT, colour_bitmap, mono_cursor  # noqa: E402
+
 OUT = os.path.join(ROOT, "res", "art", "tracker")
-
-
-def colour_bitmap(rows, palette):
-    """A bottom-up 24-bit .bmp from strings of palette keys, top row first."""
-    width, height = len(rows[0]), len(rows)
-    stride = ((width * 3 + 3) // 4) * 4
-    bits = b""
-    for row in reversed(rows):
-        line = b"".join(bytes((b, g, r)) for r, g, b in (palette[c] for c in row))
-        bits += line + b"\0" * (stride - len(line))
-    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(bits), 2835, 2835, 0, 0)
-    offset = 14 + len(info)
-    header = struct.pack("<2sIHHI", b"BM", offset + len(bits), 0, 0, offset)
-    return header + info + bits
 
 
 BAR = ["#..##..#", "##..##..", ".##..##.", "..##..##", "#..##..#", "##..##..", ".##..##.", "..##..##"]
@@ -94,26 +82,7 @@ def cursor_pixel(kind, x, y):
 
 
 def cursor(kind):
-    size = 32
-    stride = size // 8
-    xor_rows, and_rows = [], []
-    for y in reversed(range(size)):
-        xor_bits = and_bits = 0
-        for x in range(size):
-            p = cursor_pixel(kind, x, y)
-            bit = 1 << (size - 1 - x)
-            if p == ".":
-                and_bits |= bit
-            elif p == "w":
-                xor_bits |= bit
-        xor_rows.append(xor_bits.to_bytes(stride, "big"))
-        and_rows.append(and_bits.to_bytes(stride, "big"))
-    info = struct.pack("<IiiHHIIiiII", 40, size, size * 2, 1, 1, 0, 0, 0, 0, 2, 0)
-    colours = struct.pack("<II", 0x000000, 0xFFFFFF)
-    image = info + colours + b"".join(xor_rows) + b"".join(and_rows)
-    directory = struct.pack("<HHH", 0, 2, 1)
-    entry = struct.pack("<BBBBHHII", size, size, 2, 0, 15, 15, len(image), 6 + 16)
-    return directory + entry + image
+    return mono_cursor(32, lambda x, y: cursor_pixel(kind, x, y), 15)
 
 
 def main():

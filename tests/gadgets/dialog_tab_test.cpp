@@ -331,11 +331,7 @@ TEST_F(DialogTab, PaintLeavesNoKeyAndRaisesTheCurrentTab)
 
 TEST_F(DialogTab, MonkeyKeepsTheCurrentTabValid)
 {
-#if defined(_WIN64)
-    const int steps = 400;
-#else
-    const int steps = 60;  // the emulated lane runs some 20 times slower
-#endif
+    const int steps = MonkeySteps(400, 60);
     std::mt19937 random(6);
     AddPages();
     DWORD nextId = 10;

@@ -455,11 +455,7 @@ TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
 // ------------------------------------------------------------- monkey
 TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
 {
-#if defined(_WIN64)
-    const int steps = 20000;
-#else
-    const int steps = 1000;  // the emulated lane runs some 20 times slower
-#endif
+    const int steps = MonkeySteps(20000, 1000);
     db_.logLoads = false;
     db_.keys = Keys(400, 3);
     DWORD nextKey = 5000;

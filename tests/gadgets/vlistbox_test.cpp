@@ -710,11 +710,7 @@ void SetShift(bool down)
 
 void Monkey(HWND list, Host &host, Mode mode, unsigned seed)
 {
-#if defined(_WIN64)
-    const int steps = 20000 / 3;  // in each of the three modes
-#else
-    const int steps = 1000 / 3;  // the emulated lane runs some 20 times slower
-#endif
+    const int steps = MonkeySteps(20000 / 3, 1000 / 3);  // in each of the three modes
     std::mt19937 random(seed);
     host.ids.clear();
     for (int i = 0; i < 300; ++i)

@@ -42,6 +42,17 @@ DateTimeValue MakeDate(unsigned year, unsigned month, unsigned day, unsigned hou
 // "YYYY-MM-DD hh:mm:ss+b", for failure messages.
 std::string ToText(const DateTimeValue &value);
 
+// The step count of a monkey test: `native` on x86_64, `emulated` on the
+// i686 lane, which runs under emulation some 20 times slower.
+constexpr int MonkeySteps(int native, int emulated)
+{
+#if defined(_WIN64)
+    return (void)emulated, native;
+#else
+    return (void)native, emulated;
+#endif
+}
+
 inline bool operator==(const DateTimeValue &a, const DateTimeValue &b)
 {
     return memcmp(&a, &b, sizeof a) == 0;

@@ -401,11 +401,7 @@ TEST_F(DateTrackerTest, HeldMonthButtonRepeatsAfterItsDelays)
 // date is in range, the text and size agree with it, and no object stays.
 TEST_F(DateTrackerTest, MonkeyLeavesItConsistent)
 {
-#if defined(_WIN64)
-    const int steps = 10000;
-#else
-    const int steps = 1000;
-#endif
+    const int steps = MonkeySteps(10000, 1000);
     std::mt19937 random(73);
     long before = GdiObjectsInUse();
     HFONT fonts[] = {nullptr, CreateFontA(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, 0, "Arial"),

@@ -381,11 +381,7 @@ TEST_F(TimeSetterTest, BackColourSetsScaleContrast)
 // range and agrees with the text, and no GDI object stays.
 TEST_F(TimeSetterTest, MonkeyLeavesItConsistent)
 {
-#if defined(_WIN64)
-    const int steps = 10000;
-#else
-    const int steps = 800;  // the emulated lane runs far slower
-#endif
+    const int steps = MonkeySteps(10000, 800);
     std::mt19937 random(72);
     DestroyWindow(g);
     PumpMessages();

@@ -470,11 +470,7 @@ TEST_F(TimeTrackerTest, DialogFromTheResourceLibraryEndToEnd)
 // ---------------------------------------------------------------- monkey
 TEST_F(TimeTrackerTest, MonkeyKeepsEveryGetterInRangeAndConsistent)
 {
-#if defined(_WIN64)
-    const int steps = 10000;
-#else
-    const int steps = 1000;  // the emulated lane runs some 20 times slower
-#endif
+    const int steps = MonkeySteps(10000, 1000);
     RecordingParent parent(400, 600);
     for (int id = 1080; id <= 1085; ++id)  // shared once loaded: not the gadget's to free
         LoadCursorA(ResourceGetHandle(), MAKEINTRESOURCEA(id));

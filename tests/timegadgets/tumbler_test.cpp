@@ -294,11 +294,7 @@ TEST_F(TumblerTest, HeldButtonRepeats)
 // once the edit is left, the height is the font's, and no GDI object stays.
 TEST_F(TumblerTest, MonkeyLeavesItConsistent)
 {
-#if defined(_WIN64)
-    const int steps = 10000;
-#else
-    const int steps = 1000;
-#endif
+    const int steps = MonkeySteps(10000, 1000);
     std::mt19937 random(16);
     long before = GdiObjectsInUse();
     {
