@@ -17,10 +17,10 @@
 # Environment: CTEST_PARALLEL_LEVEL (default: the guest's CPUs),
 # QZ_I686_TEST_TIMEOUT (seconds for a test without a TIMEOUT property of its
 # own, default 300), and the QZ_RUN32_* knobs of tools/run32/boot.sh
-# (QZ_RUN32_TIMEOUT: seconds for the whole run, default 1200).
+# (QZ_RUN32_TIMEOUT: seconds for the whole run, default 2400).
 #
 # Exit status: ctest's own (0 all passed, non-zero otherwise);
-#   124  the emulated machine ran out of time (QZ_RUN32_TIMEOUT, default 1200 s)
+#   124  the emulated machine ran out of time (QZ_RUN32_TIMEOUT, default 2400 s)
 #   125  the emulated machine failed, or the lane is not set up
 #   2    BUILD_DIR is not a configured build directory
 # All are explained on stderr.  One-time setup: tools/setup-i686-lane.sh.

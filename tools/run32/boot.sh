@@ -20,7 +20,7 @@
 # emulated machine failed (no result came back).  Both say why on stderr.
 #
 # Environment:
-#   QZ_RUN32_TIMEOUT  seconds for the whole boot (default 1200)
+#   QZ_RUN32_TIMEOUT  seconds for the whole boot (default 2400)
 #   QZ_RUN32_CACHE    initramfs + Wine prefix cache
 #                     (default ${XDG_CACHE_HOME:-$HOME/.cache}/qziso32/run32)
 #   QZ_RUN32_KERNEL   guest kernel (default: newest /boot/vmlinuz-*)
@@ -54,7 +54,7 @@ done
 [ $# -ge 1 ] || usage
 [ -n "$workdir" ] || workdir=${shares[0]:-/}
 
-timeout_s=${QZ_RUN32_TIMEOUT:-1200}
+timeout_s=${QZ_RUN32_TIMEOUT:-2400}
 mem=${QZ_RUN32_MEM:-4096}
 smp=${QZ_RUN32_SMP:-$(nproc)}
 if [ -n "${XDG_CACHE_HOME:-}" ] || [ -n "${HOME:-}" ]; then
