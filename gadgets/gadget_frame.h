@@ -31,6 +31,15 @@ const LRESULT GadgetSuccess = 1;
 // Sends WM_COMMAND to the parent: the control id in the low word of
 // wParam, `code` in the high word, the gadget in lParam.
 LRESULT GadgetNotifyParent(HWND gadget, WORD code);
+// True while `gadget` is a window whose word 0 still holds `record`. A
+// gadget asks this after anything that hands control to the host (a
+// notification, a host callback, a message box), since the host may have
+// destroyed the gadget or its dialog meanwhile; on false it returns at once
+// without touching the record.
+bool GadgetAlive(HWND gadget, const void *record);
+// GadgetNotifyParent, then GadgetAlive; the parent's answer goes to
+// `answer` when given.
+bool GadgetNotifyAlive(HWND gadget, WORD code, const void *record, LRESULT *answer = nullptr);
 
 // ---------------------------------------------------------------- drawing
 // The LCD option, as last given to Gadgets_LCDOption.

@@ -31,6 +31,19 @@ LRESULT GadgetNotifyParent(HWND gadget, WORD code)
     return SendMessageA(GetParent(gadget), WM_COMMAND, wParam, reinterpret_cast<LPARAM>(gadget));
 }
 
+bool GadgetAlive(HWND gadget, const void *record)
+{
+    return IsWindow(gadget) && GetWindowLongPtrA(gadget, 0) == reinterpret_cast<LONG_PTR>(record);
+}
+
+bool GadgetNotifyAlive(HWND gadget, WORD code, const void *record, LRESULT *answer)
+{
+    LRESULT result = GadgetNotifyParent(gadget, code);
+    if (answer)
+        *answer = result;
+    return GadgetAlive(gadget, record);
+}
+
 COLORREF GadgetContrastTextColor(COLORREF background)
 {
     const COLORREF black = RGB(0, 0, 0);
