@@ -29,6 +29,8 @@ extern "C" {
 /* Result codes. The numbers are shared with the host and must stay.   */
 /* Gaps (47, 71, 94, 101, 105-116) have no name.                       */
 /* ------------------------------------------------------------------ */
+/** @defgroup records Shared records and result codes
+ *  @{ */
 typedef enum ResultCode {
     RV_Success = 0,
     RV_Failure = 1,
@@ -257,46 +259,106 @@ typedef struct DateTimeIntlSettings {
 /* ------------------------------------------------------------------ */
 /* Instance frame                                                      */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup instance Instance frame
+ *  @{ */
+/** Starts the library for one client and reads the system's version.
+ *  @return Non-zero on success; 0 only when the system's version cannot be read. Records nothing of
+ *  its own. */
 QZAPI BOOL WINAPI IsolateInstanceStart(DWORD reserved1, DWORD reserved2);
+/** Stops the library for one client.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI IsolateInstanceStop(DWORD reserved);
 
 /* Registration record: "kel.ri" beside the library, stored enciphered and not
  * deciphered here. True when the record is there and opens; false with
  * RV_NoFile (absent) or RV_ReadFailure (unreadable) recorded. The buffer, when
  * given with a positive size, always receives an empty text. */
+/** Opens the installation's registration record "kel.ri" beside the library; the record stays
+ *  enciphered and unread. The buffer, when given with a positive size, receives an empty text.
+ *  @return 1 when the record is there and opens, else 0. Records RV_NoFile when it is absent,
+ *  RV_ReadFailure when it cannot be read. */
 QZAPI BOOL WINAPI OSGetRegInfo(char *buffer, int bufferSize);
+/** Copies the network layer's version text, which is empty, with its terminator into `out`.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI NetDLLGetVersion(char *out);
+/** The system's version as read by the last IsolateInstanceStart.
+ *  @return The library's own record, zeroed before the first start. */
 QZAPI OSVERSIONINFOA *WINAPI OSGetVersionInfo(void);
 
 /* ------------------------------------------------------------------ */
 /* Error state                                                         */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup errors Error state
+ *  @{ */
+/** Records an error: `code` and the details it takes as further arguments. The first error wins
+ *  until OSErrorClearError; a code of mode 0 ends the process with exit status 255 unless the
+ *  registered callback vetoes it. RV_Success changes nothing. */
 QZAPI void __cdecl OSErrorSetErrorInfo(ResultCode code, ...);
+/** The code of the pending error.
+ *  @return The code while an error is pending, otherwise RV_Success (0). */
 QZAPI ResultCode WINAPI OSErrorGetErrorValue(void);
+/** Clears the pending error: the next failure is recorded again. */
 QZAPI void WINAPI OSErrorClearError(void);
+/** The process-wide error record.
+ *  @return The live record, not a copy: the next recording changes it. */
 QZAPI ErrorContext *WINAPI OSErrorGetErrorInfo(void);
+/** Writes word `index` of the error state: a result code's mode (0 ends the process, 1 and 2 only
+ *  record), or at ERRORMODE_INDEX_QUIETINBACKGROUND and ERRORMODE_INDEX_OFFERCLOSE one of the
+ *  record's flags.
+ *  @return The old word. Records RV_BadParms for an index that names no mode or flag word, and
+ *  writes nothing. */
 QZAPI DWORD WINAPI OSErrorSetErrorMode(LONG index, DWORD mode);
+/** Names what is going on: string `stringId` of `module`, shown with the next error. */
 QZAPI void WINAPI OSErrorSetContext(HMODULE module, DWORD stringId);
+/** Whether a context is set.
+ *  @return TRUE when both the module and the string id are non-zero. */
 QZAPI BOOL WINAPI OSErrorIsValidContext(void);
+/** Whether an error waits to be handled or is being shown.
+ *  @return TRUE while an error is pending or being presented. */
 QZAPI BOOL WINAPI OSErrorIsErrorPending(void);
+/** Registers the callback asked before a mode-0 error ends the process; a non-zero answer vetoes
+ *  the end.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSErrorRegisterCallback(LONG_PTR callbackData, ErrorTerminateCallback callback);
+/** Registers the callback that turns a VIRTUALFILE named by an error into a file for presentation.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSErrorRegisterVFToPFCallBack(FARPROC callback);
+/** Kept for old hosts; does nothing. */
 QZAPI void WINAPI DefenceStart(void);
+/** Marks the defensive layer as quitting. */
 QZAPI void WINAPI DefenceQuit(void);
+/** The name of a result code ("RV_NoFile"), or "ErrorNo (n)" for a number without a name, in a
+ *  static buffer that the next call overwrites.
+ *  @return The text. */
 QZAPI const char *WINAPI OSErrorGetRVErrorString(ResultCode code);
 
 /* ------------------------------------------------------------------ */
 /* Error text tables: English names for diagnostics, each in a static  */
 /* buffer of its own that the next call overwrites.                    */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup error_texts Error text tables
+ *  @{ */
+/** The name of a common dialog error code, in a static buffer of its own.
+ *  @return The text. */
 QZAPI const char *WINAPI OSErrorGetCommDlgErrorString(DWORD error);
+/** The name of a DDEML error code, in a static buffer of its own.
+ *  @return The text. */
 QZAPI const char *WINAPI OSErrorGetDDEMLErrorString(DWORD error);
 /* The system's message, or "Error %d(%#x) : name - description". */
+/** The system's message for error `error`, or a text built from its name and description, in a
+ *  static buffer of its own.
+ *  @return The text. */
 QZAPI const char *WINAPI OSErrorGetOSErrorString(DWORD error);
 
 /* ------------------------------------------------------------------ */
 /* Formatted strings and memory                                        */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup strings Formatted strings and memory
+ *  @{ */
 /* The counted forms take wvsprintf's directives (%c %d %i %s %u %x %X %%,
  * flags '-' '#' '0', width, precision, size prefixes h and l) and write at
  * most `limit` characters and a terminator: `dest` holds limit + 1 bytes.
@@ -311,97 +373,243 @@ QZAPI const char *WINAPI OSErrorGetOSErrorString(DWORD error);
  * does anyway. OSrsprintf holds 20 prefixes and may skip positions;
  * OSrvsprintf holds 9 and needs every position before the highest named.
  * Both return 0 if the copy of the format cannot be allocated. */
+/** Formats `args` by `format` into `dest`, at most `limit` characters and a terminator.
+ *  @return The count written, without the terminator. Records RV_BadParms for a negative limit or a
+ *  null destination or format, and writes nothing. */
 QZAPI int WINAPI OScvsprintf(char *dest, LONG limit, const char *format, va_list args);
+/** Formats the arguments by `format` into `dest`, at most `limit` characters and a terminator
+ *  (__cdecl).
+ *  @return The count written, without the terminator. Records RV_BadParms for a negative limit or a
+ *  null destination or format. */
 QZAPI int __cdecl OScsprintf(char *dest, LONG limit, const char *format, ...);
+/** Formats `args` by a format whose directives may name their argument ("@2%s"), at most `limit`
+ *  characters and a terminator.
+ *  @return The count written; 0 if the copy of the format cannot be allocated. Records RV_BadParms
+ *  for bad arguments, RV_OutOfLocalMemory when the copy fails. */
 QZAPI int WINAPI OSrvsprintf(char *dest, LONG limit, const char *format, va_list args);
+/** Formats the arguments by a format whose directives may name their argument ("@2%s"), at most
+ *  `limit` characters and a terminator (__cdecl).
+ *  @return The count written; 0 if the copy of the format cannot be allocated. Records RV_BadParms
+ *  for bad arguments, RV_OutOfLocalMemory when the copy fails. */
 QZAPI int __cdecl OSrsprintf(char *dest, LONG limit, const char *format, ...);
 /* Both always return 1. */
+/** Copies `count` bytes from `source` to `dest`; overlapping blocks are safe.
+ *  @return Always 1. Records RV_BadParms for a null pointer with a count. */
 QZAPI BOOL WINAPI OShmemcpy(void *dest, const void *source, DWORD count);
+/** Fills `count` bytes of `dest` with `value`.
+ *  @return Always 1. Records RV_BadParms for a null pointer with a count. */
 QZAPI BOOL WINAPI OShmemset(void *dest, int value, DWORD count);
 /* At most `count` characters of each, compared by the user's locale
  * (lstrcmp, lstrcmpi). 0 after a failed allocation, with the error recorded. */
+/** Compares at most `count` characters of two texts by the user's locale, case counting (lstrcmp).
+ *  @return Below, at or above zero as `a` sorts before, with or after `b`; 0 after a failed
+ *  allocation. Records RV_OutOfLocalMemory when the copies cannot be made. */
 QZAPI int WINAPI OSstrncmp(const char *a, const char *b, DWORD count);
+/** Compares at most `count` characters of two texts by the user's locale, case ignored (lstrcmpi).
+ *  @return Below, at or above zero as `a` sorts before, with or after `b`; 0 after a failed
+ *  allocation. Records RV_OutOfLocalMemory when the copies cannot be made. */
 QZAPI int WINAPI OSstrncmpi(const char *a, const char *b, DWORD count);
 
 /* ------------------------------------------------------------------ */
 /* Text helpers                                                        */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup text Text helpers
+ *  @{ */
 /* Decimal scanners: skip blanks and tabs, take digits, no sign, wrap.
  * They return the first character not used. */
+/** Reads an unsigned decimal number into `*out`: blanks and tabs skipped, no sign, wrapping on
+ *  overflow.
+ *  @return The first character not used. */
 QZAPI char *WINAPI AtoI(char *text, DWORD *out);
+/** Reads an unsigned decimal number into `*out`: blanks and tabs skipped, no sign, wrapping on
+ *  overflow.
+ *  @return The first character not used. */
 QZAPI char *WINAPI AtoL(char *text, DWORD *out);
+/** Reads an unsigned decimal number into `*out`: blanks and tabs skipped, no sign, wrapping on
+ *  overflow.
+ *  @return The first character not used. */
 QZAPI char *WINAPI AtoUI(char *text, DWORD *out);
+/** Reads an unsigned decimal number into `*out`: blanks and tabs skipped, no sign, wrapping on
+ *  overflow.
+ *  @return The first character not used. */
 QZAPI char *WINAPI AtoDW(char *text, DWORD *out);
+/** Reads an unsigned decimal number into the byte `*out`: blanks and tabs skipped, no sign,
+ *  wrapping on overflow.
+ *  @return The first character not used. */
 QZAPI char *WINAPI AtoB(char *text, BYTE *out);
 /* Scans `text` by `format`: blanks skip blanks, '"' toggles quotes, %d and
  * %l take a DWORD*, %b and %fb a BYTE* (only %fb moves past the number),
  * %s a char* that receives up to a comma outside quotes or a quote inside
  * them. Any other character must match. *count is 1, lowered on a mismatch.
  * Returns where the scan stopped. */
+/** Scans `text` by `format` into the outputs that follow (__cdecl); `*count` is 1, lowered on a
+ *  mismatch.
+ *  @return Where the scan stopped. Records RV_BadParms for an unknown directive. */
 QZAPI char *__cdecl ArgScan(char *text, LONG *count, const char *format, ...);
 /* Ends the text at its first CR or LF, or after `limit` characters. */
+/** Ends the text at its first CR or LF, or after `limit` characters.
+ *  @return The text. Records RV_BadParms for a null text. */
 QZAPI char *WINAPI OneLine(char *text, LONG limit);
 /* Replaces the blanks at the end with NULs. */
+/** Replaces the blanks at the end of the text with NULs.
+ *  @return The same text. */
 QZAPI char *WINAPI StripTrailingSpaces(char *text);
+/** Whether `c` is a carriage return or a line feed.
+ *  @return 1 or 0. */
 QZAPI BOOL WINAPI IsCrLf(char c);
+/** Whether `c` is a blank, a tab, a carriage return or a line feed.
+ *  @return 1 or 0. */
 QZAPI BOOL WINAPI IsWhiteSpace(char c);
+/** Skips white space.
+ *  @return The first character that is not white space. */
 QZAPI char *WINAPI SkipWhiteSpace(char *text);
 /* Roman numerals in lower case, or upper when `upper` is non-zero. With a
  * null buffer the library's own is used (127 steps). A caller's buffer of
  * `size` bytes is never written past; a numeral cut short records
  * RV_BufferTooSmall. */
+/** Writes `number` as a Roman numeral, in lower case or upper case when `upper` is non-zero.
+ *  @return The buffer (the library's own for a null one). Records RV_BufferTooSmall when the
+ *  numeral is cut short. */
 QZAPI char *WINAPI DToRoman(DWORD number, LONG upper, char *buffer, DWORD size);
 /* Seeds the generator from the tick count and returns the seed. */
+/** Seeds the random generator from the tick count.
+ *  @return The seed. */
 QZAPI DWORD WINAPI SeedRnd(void);
 /* A number below `limit`. */
+/** A random number below `limit`.
+ *  @return The number. Records RV_DivideByZero for a limit of 0, and answers 0. */
 QZAPI int WINAPI Rnd(WORD limit);
 /* Scramble a short text into hexadecimal digits with a checksum, and back.
  * Each returns the length written, or 0 with the error recorded. */
+/** Scrambles a short text into hexadecimal digits with a checksum.
+ *  @return The length written, or 0. Records RV_BadParms for a null text or output,
+ *  RV_BufferTooSmall when `size` cannot hold the result. */
 QZAPI int WINAPI CommonSrcDlgProc(const char *plain, char *out, int size);
+/** Unscrambles a text made by CommonSrcDlgProc.
+ *  @return The length written, or 0. Records RV_BadParms for bad arguments, RV_IntegrityFailure
+ *  when the checksum does not match, RV_BufferTooSmall when `size` cannot hold the result. */
 QZAPI int WINAPI CommonDestDlgProc(const char *scrambled, char *out, int size);
 
 /* ------------------------------------------------------------------ */
 /* Calendar: date-time value and arithmetic                            */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup calendar_value Calendar: date-time value and arithmetic
+ *  @{ */
+/** The machine's local time, with an hour bias of 0.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSGetDateTime(DateTimeValue *out);
+/** Stores the fields in `out` without testing them.
+ *  @return 1. Records RV_BadParms for a null record. */
 QZAPI BOOL WINAPI OSSetDateTime(DateTimeValue *out, UINT year, UINT month, UINT day,
                                 UINT hour, UINT minute, UINT second, UINT hourBias);
+/** Sets every field to 1: no date, sorting before every date.
+ *  @return The pointer given. */
 QZAPI DateTimeValue *WINAPI OSSetNoDateLow(DateTimeValue *out);
+/** Sets every field to 2: no date, sorting after every date.
+ *  @return The pointer given. */
 QZAPI DateTimeValue *WINAPI OSSetNoDateHigh(DateTimeValue *out);
+/** The number of days from 1 January 1800 to the date.
+ *  @return The count. Records RV_MonthRange for a month outside 1 to 12. */
 QZAPI LONG WINAPI OSDaysSince01011800(WORD year, WORD month, WORD day);
+/** Whether the value is a valid date and time from 1800 to 2101, or one of the two no-date values.
+ *  @return TRUE or FALSE; records nothing. */
 QZAPI BOOL WINAPI OSIsValidDateTime(const DateTimeValue *value);
+/** Whether the value is a valid date and time, as OSIsValidDateTime.
+ *  @return TRUE or FALSE; records nothing. */
 QZAPI BOOL WINAPI OSDTIsValidDateTime(const DateTimeValue *value);
+/** Tells why a value is invalid, by recording the range code of its first bad field.
+ *  @return 1 if the value is valid, else 0. Records the range code (RV_YearRange, RV_MonthRange,
+ *  RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid value. */
 QZAPI BOOL WINAPI OSWhyIsInvalidDateTime(const DateTimeValue *value);
+/** Adds years, months, days, hours, minutes, seconds and extra hours (each may be negative) to the
+ *  value.
+ *  @return 1, or 0 if the value is invalid. Records the range code (RV_YearRange, RV_MonthRange,
+ *  RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid value. */
 QZAPI BOOL WINAPI OSAdjustDateTime(DateTimeValue *value, LONG years, LONG months, LONG days,
                                    LONG hours, LONG minutes, LONG seconds, LONG extraHours);
+/** Adds `days` (may be negative) to the value.
+ *  @return 1, or 0 if the value is invalid. Records the range code (RV_YearRange, RV_MonthRange,
+ *  RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid value. */
 QZAPI BOOL WINAPI OSAdjustDateTimeByDays(DateTimeValue *value, LONG days);
+/** The time from `first` to `second` in days, hours, minutes and seconds.
+ *  @return 1, or 0 if either value is invalid. Records RV_BadParms for a null pointer; the range
+ *  code (RV_YearRange, RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange)
+ *  for an invalid value. */
 QZAPI BOOL WINAPI OSDiffDateTime(const DateTimeValue *first, const DateTimeValue *second,
                                  LONG *days, LONG *hours, LONG *minutes, LONG *seconds);
+/** Compares two values by date, hour bias and time.
+ *  @return -1, 0 or 1; 0 when either is invalid. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI int WINAPI OSDateTimeCompare(const DateTimeValue *a, const DateTimeValue *b);
+/** Compares the dates of two values, times ignored.
+ *  @return -1, 0 or 1; 0 when either is invalid. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI int WINAPI OSDateCompare(const DateTimeValue *a, const DateTimeValue *b);
+/** Compares the years of two values.
+ *  @return -1, 0 or 1; 0 when either is invalid. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI int WINAPI OSYearCompare(const DateTimeValue *a, const DateTimeValue *b);
+/** The day of the week of the value, 0 for Sunday, into `*weekday`.
+ *  @return 1, or 0 if the value is invalid. Records RV_BadParms for a null output; the range code
+ *  (RV_YearRange, RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for
+ *  an invalid value. */
 QZAPI BOOL WINAPI OSDayOfWeek(const DateTimeValue *value, LONG *weekday, LONG ignored);
+/** Whether the weekday is Saturday or Sunday.
+ *  @return TRUE for 0 and 6. */
 QZAPI BOOL WINAPI OSIsWeekend(LONG weekday);
+/** The number of days in the month of the value.
+ *  @return The days. Records RV_BadParms for a null value, RV_MonthRange for a bad month. */
 QZAPI LONG WINAPI OSDateTimeGetNumDaysInMonth(const DateTimeValue *value);
+/** Whether the time is afternoon on a 12-hour clock.
+ *  @return TRUE when the clock is not the 24-hour one and the hour is 12 or more. */
 QZAPI BOOL WINAPI OSIsDateTimePM(const DateTimeValue *value);
 
 /* ------------------------------------------------------------------ */
 /* Calendar: conventions                                               */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup calendar_conventions Calendar: conventions
+ *  @{ */
+/** Reads the date and time conventions again from the system's regional settings and the product's
+ *  key.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSDateTimeGetWinIniSettings(void);
+/** Copies the conventions in force into `*out`.
+ *  @return Always 1. Records RV_BadParms for a null record. */
 QZAPI BOOL WINAPI OSDateTimeGetIntlSettings(DateTimeIntlSettings *out);
+/** Puts `*settings` in force as the date and time conventions.
+ *  @return Always 1. Records RV_BadParms for a null record. */
 QZAPI BOOL WINAPI OSDateTimeSetIntlSettings(const DateTimeIntlSettings *settings);
 /* Flag 2: the short date format, otherwise the long one. */
+/** Copies the date picture in force into `buffer`: the short one with flag 2, else the long one.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSDateTimeGetDateFormat(char *buffer, DWORD flags, DWORD bufferSize);
 /* Flags 16 with seconds, 64 markers only, 128 no markers. */
+/** Copies the time picture in force into `buffer`, by the DTS_ flags (seconds, markers only, no
+ *  markers).
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSDateTimeGetTimeFormat(char *buffer, DWORD flags, DWORD bufferSize);
+/** The first day of the week, 0 for Sunday.
+ *  @return The day. */
 QZAPI LONG WINAPI OSDateTimeGetWeekStart(void);
+/** Sets the first day of the week, in memory only.
+ *  @return The day given. */
 QZAPI LONG WINAPI OSDateTimeSetWeekStart(LONG day);
+/** Whether hours are shown with a leading zero.
+ *  @return The setting, 0 or 1. */
 QZAPI LONG WINAPI OSDateTimeGetLeadZero(void);
 
 /* ------------------------------------------------------------------ */
 /* Calendar: text forms                                                */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup calendar_text Calendar: text forms
+ *  @{ */
 /* Flags of OSDateTimeToString, used when no format is given. */
 #define DTS_LONGDATE    1
 #define DTS_SHORTDATE   2
@@ -410,106 +618,257 @@ QZAPI LONG WINAPI OSDateTimeGetLeadZero(void);
 #define DTS_MARKERSONLY 64
 #define DTS_NOMARKERS   128
 /* A null buffer means a static one of 200 characters. */
+/** Writes the value as text, by the picture `format` or, without one, by the DTS_ `flags` and the
+ *  conventions in force. A no-date value gives an empty text.
+ *  @return The buffer written (a static one of 200 characters for a null buffer), or null if the
+ *  value is invalid. Records the range code (RV_YearRange, RV_MonthRange, RV_DayRange,
+ *  RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid value. */
 QZAPI char *WINAPI OSDateTimeToString(const DateTimeValue *value, char *buffer, const char *format,
                                       DWORD flags, DWORD bufferSize);
+/** The name of month `month` (1 to 12), long or by `flags` short, from the resource library.
+ *  @return 1. Records RV_MonthRange for a month outside 1 to 12. */
 QZAPI BOOL WINAPI OSMonthToString(LONG month, DWORD flags, char *buffer, DWORD bufferSize);
+/** The name of weekday `weekday` (0 for Sunday), long or by `flags` short, from the resource
+ *  library.
+ *  @return 1. */
 QZAPI BOOL WINAPI OSDayToString(LONG weekday, DWORD flags, char *buffer, DWORD bufferSize);
+/** Reads a date and time from `text` by the conventions in force; missing parts are taken from
+ *  today.
+ *  @return TRUE if the result is a valid value. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI BOOL WINAPI OSStringToDateTime(DateTimeValue *out, const char *text);
+/** As OSStringToDateTime, keeping an hour bias the text carries.
+ *  @return TRUE if the result is a valid value. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI BOOL WINAPI OSStringToDateTimeTimeBias(DateTimeValue *out, const char *text);
+/** As OSStringToDateTime, for a text that must hold a complete date.
+ *  @return TRUE if the result is a valid value. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI BOOL WINAPI OSStringToDateTimeComplete(DateTimeValue *out, const char *text);
+/** Reads a date and time from an imported text, which may hold any of the date orders.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSStringToDateTimeForImport(DateTimeValue *out, const char *text);
 
 /* ------------------------------------------------------------------ */
 /* Calendar: month grid, weeks and zodiac                              */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup calendar_grid Calendar: month grid, weeks and zodiac
+ *  @{ */
 /* Returns -1 to fail the walk, 0 to end it with success, else goes on. */
 typedef LONG (WINAPI *MonthGridCellProc)(const DateTimeValue *cell, LONG column, LONG row,
                                          LONG_PTR data1, LONG_PTR data2);
+/** The grid column of a weekday when weeks start on `weekStart`.
+ *  @return The column, 0 to 6. */
 QZAPI LONG WINAPI OSDateTimeGetColumnForDayOfWeek(LONG weekday, LONG weekStart);
+/** The number of week rows the month of the value needs.
+ *  @return 4 to 6. Records RV_BadParms for a null value. */
 QZAPI LONG WINAPI OSDateTimeCalcNumRowsForMonth(const DateTimeValue *value, LONG weekStart);
+/** Walks the cells of the month grid of the value, calling `callback` for each (the neighbouring
+ *  months' days too unless `skipOtherMonths`).
+ *  @return 1, or 0 on failure or when the callback answers -1. Records the range code
+ *  (RV_YearRange, RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for
+ *  an invalid value. */
 QZAPI BOOL WINAPI OSDateTimeMonthGrid(const DateTimeValue *value, LONG weekStart, BOOL skipOtherMonths,
                                       MonthGridCellProc callback, LONG_PTR data1, LONG_PTR data2);
+/** As OSDateTimeMonthGrid.
+ *  @return 1, or 0 on failure or when the callback answers -1. Records the range code
+ *  (RV_YearRange, RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for
+ *  an invalid value. */
 QZAPI BOOL WINAPI OSDateTimeMonthGridEx(const DateTimeValue *value, LONG weekStart,
                                         BOOL skipOtherMonths, MonthGridCellProc callback,
                                         LONG_PTR data1, LONG_PTR data2);
+/** The week number of the value, weeks starting on `weekStart`, into `*weekNumber`.
+ *  @return 1, or 0 if the value is invalid. Records RV_BadParms for a null output; the range code
+ *  (RV_YearRange, RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for
+ *  an invalid value. */
 QZAPI BOOL WINAPI OSWeekNo(const DateTimeValue *value, LONG weekStart, LONG *weekNumber);
 /* Signs 0 (from 21 March) to 11; 12 is no sign. */
+/** The sign of the zodiac of the date, 0 from 21 March to 11.
+ *  @return The sign, or 12 if the value is invalid. */
 QZAPI LONG WINAPI OSGetZodiacSign(const DateTimeValue *value);
 /* Mode 1 the name, 2 the name and the dates, else the dates. */
+/** The sign's name, its dates, or both by `mode`, from the resource library.
+ *  @return The buffer, or null. Records RV_StringNonExistant when the resource library lacks the
+ *  text. */
 QZAPI char *WINAPI OSZodiacToString(LONG sign, char *buffer, LONG mode, DWORD bufferSize);
+/** Finds the sign whose name is `text`.
+ *  @return 1, or 0 if no name matches. Records RV_BadParms for a null argument. */
 QZAPI BOOL WINAPI OSStringToZodiac(const char *text, LONG *sign);
+/** The character of the sign in the symbol font.
+ *  @return The sign plus 94. */
 QZAPI LONG WINAPI OSGetZodiacSymbol(LONG sign);
 
 /* ------------------------------------------------------------------ */
 /* Calendar: tumbler time strings (minutes of the day, in decimal)     */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup calendar_tumbler Calendar: tumbler time strings
+ *  @{ */
+/** Turns minutes of the day, in decimal, into hours and minutes.
+ *  @return TRUE when written, 0 if the value cannot be written. */
 QZAPI BOOL WINAPI OSConvertTumblerTimeStringToHourMinuteString(const char *text, char *out);
+/** Turns minutes of the day, in decimal, into hours as a real number, at most 5 characters.
+ *  @return TRUE when written. */
 QZAPI BOOL WINAPI OSConvertTumblerTimeStringToRealString(const char *text, char *out);
+/** Turns hours and minutes into minutes of the day, in decimal.
+ *  @return The number of minutes. */
 QZAPI BOOL WINAPI OSConvertHourMinuteStringToTumblerTimeString(const char *text, char *out);
+/** Turns hours as a real number into minutes of the day, in decimal.
+ *  @return The number of minutes. */
 QZAPI BOOL WINAPI OSConvertRealStringToTumblerTimeString(const char *text, char *out);
 
 /* ------------------------------------------------------------------ */
 /* Settings store and resource library                                 */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup settings Settings store and resource library
+ *  @{ */
+/** Reads a text value of the settings store (key path under the current user); a missing key is
+ *  created and a missing value answered by `defaultText`.
+ *  @return The bytes placed in the buffer, terminator counted; 0 for nothing. Records
+ *  RV_ReadFailure, naming `reportName`, when the key cannot be opened. */
 QZAPI DWORD WINAPI OSGetProfileString(const char *keyPath, const char *valueName,
                                      const char *defaultText, char *buffer, DWORD bufferSize,
                                      const char *reportName, BOOL flag);
+/** As OSGetProfileString, under the root `root`.
+ *  @return The bytes placed in the buffer; 0 for nothing. Records RV_ReadFailure, naming
+ *  `reportName`, when the key cannot be opened. */
 QZAPI DWORD WINAPI OSGetProfileStringPassID(const char *keyPath, const char *valueName,
                                            const char *defaultText, char *buffer, DWORD bufferSize,
                                            const char *reportName, BOOL flag, HKEY root);
+/** Reads a number of the settings store, stored as a double word or as text; a missing key is
+ *  created and a missing value answered by `defaultValue`.
+ *  @return The number. Records RV_ReadFailure, naming `reportName`, when the key cannot be opened. */
 QZAPI LONG WINAPI OSGetProfileInt(const char *keyPath, const char *valueName, LONG defaultValue,
                                   const char *reportName, BOOL flag);
+/** Writes a text value to the settings store, creating the key.
+ *  @return 1, or 0 on failure. Records RV_WriteFailure, naming `reportName`, when the key cannot be
+ *  opened or written. */
 QZAPI BOOL WINAPI OSWriteProfileString(const char *keyPath, const char *valueName, const char *text,
                                        const char *reportName, BOOL flag);
+/** Writes a number to the settings store as a double word, creating the key.
+ *  @return 1, or 0 on failure. Records RV_WriteFailure, naming `reportName`, when the key cannot be
+ *  opened or written. */
 QZAPI BOOL WINAPI OSWriteProfileInt(const char *keyPath, const char *valueName, LONG number,
                                     const char *reportName, BOOL flag);
+/** The language in force, two characters ("EN"), into `out`.
+ *  @return 1. */
 QZAPI BOOL WINAPI OSGet2CharacterLanguageString(char *out);
+/** The resource library's file name for the language in force ("KE1C30EN.DLL") into `out`.
+ *  @return 1 on success, 0 if the language could not be had. Records RV_BadParms for a null output. */
 QZAPI BOOL WINAPI OSBuildResourceString(char *out);
+/** Loads the resource library of the language in force.
+ *  @return Its module handle, or null. */
 QZAPI HMODULE WINAPI OSStartResource(void);
+/** Frees the resource library.
+ *  @return The result of FreeLibrary. */
 QZAPI BOOL WINAPI OSStopResource(void);
+/** The resource library's module handle.
+ *  @return The handle; null when none is loaded. */
 QZAPI HMODULE WINAPI ResourceGetHandle(void);
+/** Loads bitmap `id` of `module`.
+ *  @return The bitmap, owned by the caller, or null. */
 QZAPI HBITMAP WINAPI ResourceLoadBitmap(HMODULE module, DWORD id);
 /* A global block holding a METAFILEPICT (MM_ISOTROPIC, extents in 0.01 mm)
  * made from a "META16" resource; the caller owns the block and the metafile. */
+/** Makes a metafile picture from the "META16" resource `name` of `module`.
+ *  @return A global block holding a METAFILEPICT, owned by the caller, or null. Records RV_BadParms
+ *  for a missing resource, RV_BadMetafile for a broken one. */
 QZAPI HGLOBAL WINAPI ResourceLoadMetafile(HMODULE module, const char *name);
 
 /* ------------------------------------------------------------------ */
 /* Locale queries: the system's regional settings                      */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup locale Locale queries
+ *  @{ */
+/** The list separator of the regional settings.
+ *  @return Its first character, "," by default. */
 QZAPI BYTE WINAPI OSGetSeparator(void);
+/** The language abbreviation of the regional settings ("sLanguage").
+ *  @return 1; the buffer gets "en" by default. */
 QZAPI BOOL WINAPI OSGetLanguage(char *buffer, DWORD size);
+/** The country name of the regional settings.
+ *  @return 1, or 0 if the settings cannot be read. Records RV_BadParms for a null buffer,
+ *  RV_ReadFailure when the key cannot be read. */
 QZAPI BOOL WINAPI OSGetCountry(char *buffer, LONG size);
+/** The country code of the regional settings.
+ *  @return The code. */
 QZAPI LONG WINAPI OSGetCountryCode(void);
+/** The system's ANSI code page.
+ *  @return GetACP(). */
 QZAPI UINT WINAPI OSGetCodePage(void);
+/** The measurement system of the regional settings: 0 metric, 1 imperial.
+ *  @return The setting, 1 by default. */
 QZAPI LONG WINAPI OSGetMeasurement(void);
+/** The decimal separator of the regional settings.
+ *  @return Its first character, "." by default. */
 QZAPI BYTE WINAPI OSGetDecimal(void);
+/** The thousands separator of the regional settings.
+ *  @return Its first character, "," by default. */
 QZAPI BYTE WINAPI OSGetThousand(void);
+/** The negative number format of the regional settings.
+ *  @return The format, 1 by default. */
 QZAPI LONG WINAPI OSGetNegNumber(void);
 /* The number and its ending ("1st"), or with `plain` the ordinal word. */
+/** Writes `number` with its ordinal ending ("1st"), or with `plain` the ordinal word, from the
+ *  resource library.
+ *  @return 1 or 0. Records RV_BadParms for a null buffer or a size that cannot hold the text. */
 QZAPI BOOL WINAPI OSSuffix(DWORD number, LONG plain, char *buffer, LONG size);
 
 /* ------------------------------------------------------------------ */
 /* Busy cursor, timers, key buffer and message boxes                   */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup busy Busy cursor, timers, key buffer and message boxes
+ *  @{ */
 /* Loads the eight frames of the turning cursor; 0 if one is missing. */
+/** Loads the eight frames of the turning cursor.
+ *  @return 1; 0 if waits are disabled or a frame is missing. Records RV_UserError when a frame
+ *  cannot be loaded. */
 QZAPI BOOL WINAPI OSWaitInit(void);
 /* Starts (or nests) a wait: the turning cursor shows. Returns the nesting. */
+/** Starts, or nests, a wait: the turning cursor shows.
+ *  @return The nesting depth; the disabled flag when waits are disabled. */
 QZAPI DWORD WINAPI OSWait(void);
 /* Keeps the cursor turning; with checkEscape, asks the user after an Escape
  * press. 1 when the user chose to stop the work, else 0. */
+/** Turns the cursor one step and lets pending title updates through; with `checkEscape`, asks the
+ *  user after an Escape press.
+ *  @return 1 when the user chose to stop the work, else 0. */
 QZAPI BOOL WINAPI OSReWait(BOOL checkEscape);
+/** Ends one level of waiting; the last restores the cursor.
+ *  @return The nesting left. */
 QZAPI DWORD WINAPI OSUnWait(void);
 /* One-way switches: after them waits and boxes do nothing. */
+/** Switches waits off for good. */
 QZAPI void WINAPI OSWaitDisable(void);
+/** Switches message boxes off for good. */
 QZAPI void WINAPI OSMessageDisable(void);
 /* Removes every keyboard message waiting in the thread's queue; returns 0. */
+/** Removes every keyboard message waiting in the thread's queue.
+ *  @return 0. */
 QZAPI BOOL WINAPI OSKeyFlushBuffer(void);
+/** Starts a timer, as SetTimer.
+ *  @return The result of SetTimer. */
 QZAPI UINT_PTR WINAPI OSSetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
+/** Stops a timer, as KillTimer.
+ *  @return The result of KillTimer. */
 QZAPI BOOL WINAPI OSKillTimer(HWND window, UINT_PTR id);
+/** Kept for old hosts.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI OSTimerTestReincarnate(DWORD reserved1, DWORD reserved2);
 /* Shows string `stringId` of `module`, filled in by OSrvsprintf with the
  * arguments, in a box of `style`. Returns the button pressed, 0 if the
  * string is missing or boxes are disabled, 2 when no box could be shown. */
+/** Shows string `stringId` of `module`, filled in by OSrvsprintf with the arguments, in a box of
+ *  `style` (__cdecl).
+ *  @return The button pressed; 0 if the string is missing or boxes are disabled; 2 when no box
+ *  could be shown. */
 QZAPI int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
                             UINT style, ...);
 /* What the Help button of OSMessageWithHelp opens: string `stringId` of
@@ -521,12 +880,19 @@ typedef struct MessageHelpRecord {
     DWORD topic;
 } MessageHelpRecord;
 /* As OSMessage; with a help record the box has a Help button. */
+/** As OSMessage; with a help record the box has a Help button that opens the help it names
+ *  (__cdecl).
+ *  @return The button pressed; 0 if the string is missing or boxes are disabled; 2 when no box
+ *  could be shown. */
 QZAPI int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, HMODULE module,
                                     const char *caption, UINT stringId, UINT style, ...);
 
 /* ------------------------------------------------------------------ */
 /* Trees and sorting                                                   */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup trees Trees and sorting
+ *  @{ */
 /* The head of a record linked into a tree the caller owns. Only a parent's
  * first child is linked from it; the others follow along `next`. */
 typedef struct TreeNode {
@@ -543,25 +909,52 @@ typedef int(__cdecl *SortCompare)(const void *a, const void *b);
 /* A null reference means the root (the last root sibling for After, the
  * deepest first child for Below); into an empty tree the node becomes the
  * root. 0 with RV_TreeBroken when the node is its own reference. */
+/** Links `node` before `reference` in the tree at `*root`.
+ *  @return 1, or 0. Records RV_BadParms for a null root or node, RV_TreeBroken when the node is its
+ *  own reference. */
 QZAPI BOOL WINAPI OSTreeInsertBeforeNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+/** Links `node` after `reference` in the tree at `*root`.
+ *  @return 1, or 0. Records RV_BadParms for a null root or node, RV_TreeBroken when the node is its
+ *  own reference. */
 QZAPI BOOL WINAPI OSTreeInsertAfterNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+/** Links `node` above `reference` in the tree at `*root`.
+ *  @return 1, or 0. Records RV_BadParms for a null root or node, RV_TreeBroken when the node is its
+ *  own reference. */
 QZAPI BOOL WINAPI OSTreeInsertAboveNode(TreeNode **root, TreeNode *reference, TreeNode *node);
+/** Links `node` below `reference` in the tree at `*root`.
+ *  @return 1, or 0. Records RV_BadParms for a null root or node, RV_TreeBroken when the node is its
+ *  own reference. */
 QZAPI BOOL WINAPI OSTreeInsertBelowNode(TreeNode **root, TreeNode *reference, TreeNode *node);
 /* Unlinks the node, which keeps its subtree. 0 with RV_TreeBroken when the
  * node is in no tree. */
+/** Unlinks `node`, which keeps its subtree.
+ *  @return 1, or 0. Records RV_BadParms for a null argument, RV_TreeBroken when the node is in no
+ *  tree. */
 QZAPI BOOL WINAPI OSTreeRemoveNode(TreeNode **root, TreeNode *node);
 /* Post-order walk (children first) along the siblings of `node`, or along what
  * the stepper returns. The visitor's last answer, or 0. */
+/** Walks the tree post-order (children first) along the siblings of `node`, or along what `stepper`
+ *  returns, calling `visitor`.
+ *  @return The visitor's last answer, or 0. Records RV_BadParms for a null visitor, RV_TreeBroken
+ *  when the stepper fails the walk. */
 QZAPI LONG_PTR WINAPI OSTreeNodeEnum(TreeNode *node, TreeStepper stepper, TreeVisitor visitor,
                                      LONG_PTR data);
 /* Sorts in place, not stable, with the busy cursor turning; the result is
  * that of OSUnWait. A compare must not sort. */
+/** Sorts `count` elements of `size` bytes in place by `compare`, not stable, with the busy cursor
+ *  turning.
+ *  @return The result of OSUnWait. */
 QZAPI DWORD WINAPI QSort(void *base, DWORD count, DWORD size, SortCompare compare);
+/** As QSort, for arrays of any length.
+ *  @return The result of OSUnWait. */
 QZAPI DWORD WINAPI QSortLong(void *base, DWORD count, DWORD size, SortCompare compare);
 
 /* ------------------------------------------------------------------ */
 /* Help                                                                */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup help Help
+ *  @{ */
 /* Sent as WM_KEL_HELP (the registered message) with lParam pointing here;
  * the answer is the help context, 0 for none. */
 typedef struct HelpRequest {
@@ -573,9 +966,17 @@ typedef struct HelpRequest {
 /* Opens the language's help file (or the administrator's) through WinHelpA,
  * after telling "tvhlpn31.dll" which file belongs to the application. Data
  * -1 and -2 only register and return 1. */
+/** Opens the language's help file through WinHelpA, after telling "tvhlpn31.dll" which file belongs
+ *  to the application.
+ *  @return The result of WinHelpA, or 1 for the register-only data -1 and -2. */
 QZAPI BOOL WINAPI ResourceHelp(HWND window, UINT command, DWORD data, const char *windowName);
+/** As ResourceHelp, with the administrator's help file.
+ *  @return The result of WinHelpA, or 1 for the register-only data -1 and -2. */
 QZAPI BOOL WINAPI ResourceAdminHelp(HWND window, UINT command, DWORD data, const char *windowName);
 /* Asks the window and its parents for a help context and opens it. */
+/** Asks the window and its parents for a help context with WM_KEL_HELP and opens it.
+ *  @return 1 or 0. Records RV_BadParms for a null window, RV_UserError when no help could be
+ *  opened. */
 QZAPI BOOL WINAPI OSHelp(HWND window);
 
 /* ------------------------------------------------------------------ */
@@ -583,52 +984,102 @@ QZAPI BOOL WINAPI OSHelp(HWND window);
 /* Each returns the box's answer: IDOK, IDCANCEL, IDRETRY, IDYES or     */
 /* IDNO; 2 (IDCANCEL) when nothing is shown.                            */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup error_presentation Error presentation
+ *  @{ */
 /* Shows message `messageId` of `module`, filled in with the arguments. */
 typedef int (__cdecl *UIErrorPresenter)(HWND window, HMODULE module, const char *caption,
                                         UINT messageId, UINT flags, ...);
 /* Offered the error before it is shown; non-zero means it was dealt with. */
 typedef LONG (WINAPI *UIErrorCallback)(HWND window, ErrorContext *context);
+/** Shows the pending error as a message box from the resource library, then clears it.
+ *  @return The box's answer; 2 (IDCANCEL) when nothing is shown. */
 QZAPI int WINAPI UIHandleError(HWND window);
+/** As UIHandleError; with `useWindowCaption` the box takes the window's caption.
+ *  @return The box's answer; 2 (IDCANCEL) when nothing is shown. */
 QZAPI int WINAPI UIHandleErrorEx(HWND window, DWORD useWindowCaption);
+/** As UIHandleErrorEx, shown through `presenter`.
+ *  @return The presenter's answer; 2 (IDCANCEL) when nothing is shown. */
 QZAPI int WINAPI UIHandleErrorFunc(HWND window, DWORD useWindowCaption, UIErrorPresenter presenter);
 /* Presents with the window's caption and the Retry and Cancel buttons. */
+/** Shows the pending error with the window's caption and the Retry and Cancel buttons.
+ *  @return The box's answer; 2 (IDCANCEL) when nothing is shown. */
 QZAPI int WINAPI UIHandleErrorRetry(HWND window);
 /* Only the first callback registered is ever called. */
+/** Registers a callback offered each error before it is shown.
+ *  @return 1, or 0 if out of memory. Records RV_BadParms for a null callback, RV_OutOfLocalMemory
+ *  when it cannot be kept. */
 QZAPI BOOL WINAPI UIErrorRegisterCallback(DWORD ignored, UIErrorCallback callback);
 /* Does nothing and returns 1. */
+/** Kept for old hosts; does nothing.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI UIErrorUnRegisterCallback(DWORD ignored);
 
 /* ------------------------------------------------------------------ */
 /* Feedback: a worker thread that shows progress in the main window's  */
 /* title. The host starts Feedback_Thread with that window.            */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup feedback Feedback
+ *  @{ */
 #define FEEDBACK_FORMATS 8          /* strings 53000 to 53007 */
 typedef struct FeedbackMessage {
     DWORD Kind;     /* 0: format Index with Text; 1: format Index alone; else Text alone */
     DWORD Index;    /* 0 to 7 */
     char *Text;     /* may be null */
 } FeedbackMessage;
+/** Sets one of the worker's three timings, in milliseconds; values set before the worker starts
+ *  stay in force.
+ *  @return 1. */
 QZAPI BOOL WINAPI Feedback_SetX(DWORD milliseconds);
+/** Sets one of the worker's three timings, in milliseconds; values set before the worker starts
+ *  stay in force.
+ *  @return 1. */
 QZAPI BOOL WINAPI Feedback_SetY(DWORD milliseconds);
+/** Sets one of the worker's three timings, in milliseconds; values set before the worker starts
+ *  stay in force.
+ *  @return 1. */
 QZAPI BOOL WINAPI Feedback_SetZ(DWORD milliseconds);
+/** Starts (or nests) long work: the title blinks; a message, when given, is queued.
+ *  @return 1, or 0 if the worker is not running. */
 QZAPI BOOL WINAPI Feedback_Begin(const FeedbackMessage *message);
+/** Ends one level of long work.
+ *  @return 1, or 0 if the worker is not running or no work is under way. */
 QZAPI BOOL WINAPI Feedback_End(void);
+/** Queues a message for the title, one per step of the work.
+ *  @return 1 if queued, else 0. Records RV_BadParms for a bad message, RV_OutOfLocalMemory when it
+ *  cannot be copied. */
 QZAPI BOOL WINAPI Feedback_PostMsg(const FeedbackMessage *message);
 /* Shows the message at once; always 0. */
+/** Shows the message in the title at once.
+ *  @return Always 0. */
 QZAPI BOOL WINAPI Feedback_SendMsg(const FeedbackMessage *message);
 /* Drops the queue and the count; always 0. */
+/** Drops the queue and the nesting count.
+ *  @return Always 0. */
 QZAPI BOOL WINAPI Feedback_CleanupAll(void);
+/** Stops the worker and waits for it, taking its titles.
+ *  @return 1, or 0 if the worker is not running. */
 QZAPI BOOL WINAPI Feedback_TerminateThread(void);
 /* The worker: run it on a thread of its own with the main window. */
+/** The worker: run it on a thread of its own with the main window as the argument.
+ *  @return Never: it ends with ExitThread(0). */
 QZAPI DWORD WINAPI Feedback_Thread(LPVOID window);
+/** Sets the application's caption shown in the title.
+ *  @return 1, or 0 if out of memory. Records RV_BadParms for a null caption, RV_OutOfLocalMemory
+ *  when it cannot be copied. */
 QZAPI BOOL WINAPI Feedback_SetCaption(const char *caption);
+/** Sets the file name shown in the title; null for none.
+ *  @return 1, or 0 if out of memory. Records RV_OutOfLocalMemory when it cannot be copied. */
 QZAPI BOOL WINAPI Feedback_SetFilename(const char *filename);
 /* Lets one pending title update through; call it often during long work. */
+/** Lets one pending title update through; call it often during long work. */
 QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
 /* Drawing: mask blits and bitmap helpers. A mask is 1 bit per pixel,  */
 /* set (white) where the image is transparent. Pictures given with a   */
 /* rectangle are centred in it (offsets truncated toward zero).        */
 /* ------------------------------------------------------------------ */
+/** @} */
 QZAPI HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent);
 QZAPI DWORD WINAPI UIMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
                              COLORREF transparent);
