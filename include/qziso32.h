@@ -1080,44 +1080,99 @@ QZAPI void WINAPI Feedback_Flush_WM_SETTEXT(void);
 /* rectangle are centred in it (offsets truncated toward zero).        */
 /* ------------------------------------------------------------------ */
 /** @} */
+/** @defgroup draw_mask Drawing: mask blits and bitmap helpers
+ *  @{ */
+/** Makes the mask of `image`: set (white) where it has the colour `transparent`.
+ *  @return A new mask, owned by the caller, or null. Records RV_GDIError when a drawing object
+ *  cannot be made. */
 QZAPI HBITMAP WINAPI UICreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent);
+/** Copies a rectangle of `src` to `dst`, leaving the pixels of colour `transparent` out.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI UIMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
                              COLORREF transparent);
+/** Draws `image` centred in `rect` through `mask` (made from `transparent` when null), straight
+ *  onto the device.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI UIMaskBltWithFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                         COLORREF transparent);
+/** Draws `image` centred in `rect` through `mask` (made from `transparent` when null), composed
+ *  off-screen first.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI BOOL WINAPI UIMaskBltNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                      COLORREF transparent);
 /* Leaves the caller's image inverted: a second call draws it as it was. */
+/** As UIMaskBltNoFlicker, drawing the image inverted; the caller's image is left inverted.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI BOOL WINAPI UIMaskBltInvertNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                            COLORREF transparent);
 /* Transparent is the colour of the image's top-left pixel. */
+/** As UIMaskBltNoFlicker, transparent being the colour of the image's top-left pixel.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI BOOL WINAPI UIMaskBltNoFlickerTLC(HDC hdc, RECT *rect, HBITMAP image);
+/** Draws `image` centred in `rect`.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI UIBitBlt(HDC hdc, RECT *rect, HBITMAP image);
+/** Draws a monochrome `image` centred in `rect` in the device's text and background colours.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI UIMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
+/** Copies a rectangle of `src` to `dst` through a monochrome `mask` by `rop`, mirrored when
+ *  `mirror` is non-zero.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI LONG WINAPI OSMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
                             DWORD rop, HBITMAP mask, int mirror);
+/** As OSMaskBlt, composing over `background`.
+ *  @return 1 or 0. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI LONG WINAPI MaskBltWithBitmap(HDC dst, int x, int y, int w, int h, HDC src, int srcX,
                                     int srcY, DWORD rop, HBITMAP mask, int mirror,
                                     HBITMAP background);
+/** Makes a copy of `image` dithered with `colour`, as for a disabled face.
+ *  @return A new bitmap, owned by the caller, or null. Records RV_GDIError, or RV_UserError for a
+ *  null image. */
 QZAPI HBITMAP WINAPI UICreateDitheredBitmap(HDC hdc, HBITMAP image, COLORREF colour);
+/** Makes a copy of `image` with the pixels of colour `from` turned to `to`.
+ *  @return A new bitmap, owned by the caller, or null. Records RV_GDIError when a drawing object
+ *  cannot be made. */
 QZAPI HBITMAP WINAPI UIChangeBitmapColor(HBITMAP image, COLORREF from, COLORREF to);
+/** Fills `rect` with copies of `image`.
+ *  @return 1 or 0. Records RV_BadParms for a null rectangle or image, RV_GDIError when drawing
+ *  fails. */
 QZAPI DWORD WINAPI UITileBitmap(HDC hdc, RECT *rect, HBITMAP image);
+/** The colour halfway to black.
+ *  @return The colour. */
 QZAPI COLORREF WINAPI UICalcHalfIntensity(COLORREF colour);
+/** Fills `rect` with `fill` and frames it with the two edge brushes.
+ *  @return 1 or 0. Records RV_BadParms for a null rectangle, RV_GDIError when drawing fails. */
 QZAPI BOOL WINAPI UIFrameAndFillRect(HDC hdc, RECT *rect, HBRUSH fill, HBRUSH topLeft,
                                      HBRUSH bottomRight);
+/** Draws `rect` as a sunken trough in the system's 3D colours.
+ *  @return 1 or 0. Records RV_BadParms for a null rectangle, RV_GDIError when drawing fails. */
 QZAPI DWORD WINAPI UITroughRect(HDC hdc, RECT *rect);
 /* Flags: 4 top, 1 left, 2 right, 8 bottom, 0x1000 bottom shortened by 2. */
+/** Draws the edges of `rect` chosen by `flags` in the two colours.
+ *  @return The device's earlier background colour. Records RV_BadParms for a null rectangle. */
 QZAPI COLORREF WINAPI Draw3DFrame(HDC hdc, RECT *rect, COLORREF topLeft, COLORREF bottomRight,
                                   LONG flags);
 
 /* ------------------------------------------------------------------ */
 /* Drawing: regions, owned by the caller                               */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup draw_regions Drawing: regions
+ *  @{ */
 /* The pixels of `colour`, the rows flipped left to right with mirror. */
+/** Makes the region of the pixels of `colour` in `bitmap`.
+ *  @return The region, owned by the caller, or null. Records RV_GDIError when a drawing object
+ *  cannot be made. */
 QZAPI HRGN WINAPI UICreateBitmapRegion(HBITMAP bitmap, COLORREF colour, DWORD mirror);
 /* All but the background `colour` (-1: the top-left pixel) of a picture
  * symmetrical in both axes, read from its top-left quarter. */
+/** Makes the region of a picture symmetrical in both axes from its top-left quarter.
+ *  @return The region, owned by the caller, or null. Records RV_GDIError when a drawing object
+ *  cannot be made. */
 QZAPI HRGN WINAPI UICreateMirroredBitmapRegion(HBITMAP bitmap, COLORREF colour);
+/** Makes a rounded rectangle region.
+ *  @return The region, owned by the caller, or null. Records RV_GDIError when a drawing object
+ *  cannot be made. */
 QZAPI HRGN WINAPI UICreateRoundRectRegion(LONG left, LONG top, LONG right, LONG bottom,
                                           LONG cornerWidth, LONG cornerHeight);
 
@@ -1126,52 +1181,125 @@ QZAPI HRGN WINAPI UICreateRoundRectRegion(LONG left, LONG top, LONG right, LONG 
 /* global block holding a packed bitmap (40-byte header, colour table, */
 /* rows); the caller frees it with DIB_Destroy.                        */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup dib Drawing: device-independent bitmaps
+ *  @{ */
+/** Reads a bitmap file into a DIB.
+ *  @return A DIB handle, or null. Records RV_NoFile when the file cannot be opened, RV_BadDIB when
+ *  it is no bitmap file, RV_OutOfGlobalMemory when no block can be had. */
 QZAPI HGLOBAL WINAPI DIB_OpenDIB(const char *name);
+/** Makes a DIB from the image of a bitmap file in memory.
+ *  @return A DIB handle, or null. Records RV_BadDIB for an image that is no bitmap file,
+ *  RV_OutOfGlobalMemory when no block can be had. */
 QZAPI HGLOBAL WINAPI DIB_FileStreamToDIB(const BYTE *image);
+/** Makes a DIB from a stream written by DIB_DIBToStream.
+ *  @return A DIB handle, or null. Records RV_BadDIB for a broken stream, RV_OutOfGlobalMemory when
+ *  no block can be had. */
 QZAPI HGLOBAL WINAPI DIB_StreamToDIB(const BYTE *stream);
 /* Writes DIB_DIBSize bytes. */
+/** Writes the DIB as a stream of DIB_DIBSize bytes.
+ *  @return 1. Records RV_BadParms for a null output or handle. */
 QZAPI BOOL WINAPI DIB_DIBToStream(BYTE *out, HGLOBAL dib);
+/** The size of the DIB's stream.
+ *  @return The size in bytes, 0 for a null handle. */
 QZAPI DWORD WINAPI DIB_DIBSize(HGLOBAL dib);
+/** The DIB's width and height into `*size`.
+ *  @return 1, or 0 for a null handle or a failed lock. */
 QZAPI BOOL WINAPI DIB_GetDimensions(HGLOBAL dib, SIZE *size);
+/** Makes a palette from the DIB's colour table.
+ *  @return The palette, owned by the caller, or null. Records RV_BadDIB for a broken DIB,
+ *  RV_OutOfLocalMemory, RV_GDIError. */
 QZAPI HPALETTE WINAPI DIB_CreateDibPalette(HGLOBAL dib);
+/** Makes a device-dependent bitmap from the DIB, through `palette` when given.
+ *  @return The bitmap, owned by the caller, or null. Records RV_Failure for a null handle,
+ *  RV_GDIError. */
 QZAPI HBITMAP WINAPI DIB_BitmapFromDib(HGLOBAL dib, HPALETTE palette);
+/** Makes a DIB from `bitmap` with `bits` per pixel and compression `style`.
+ *  @return A DIB handle, or null. Records RV_BadDIB, RV_OutOfGlobalMemory, RV_GDIError. */
 QZAPI HGLOBAL WINAPI DIB_DibFromBitmap(HBITMAP bitmap, DWORD style, DWORD bits, HPALETTE palette);
+/** Makes a run-length compressed copy of the DIB, freeing the source when `freeSource` is non-zero.
+ *  @return A new DIB handle, or null. Records RV_BadDIB or RV_OutOfGlobalMemory. */
 QZAPI HGLOBAL WINAPI DIB_CompressDIB(HGLOBAL dib, LONG freeSource);
+/** Makes an uncompressed copy of the DIB, freeing the source when `freeSource` is non-zero.
+ *  @return A new DIB handle, or null. Records RV_BadDIB or RV_OutOfGlobalMemory. */
 QZAPI HGLOBAL WINAPI DIB_ExpandDIB(HGLOBAL dib, LONG freeSource);
+/** Draws the DIB at (x, y) by `rop`; a null DIB paints the rectangle by `rop` alone.
+ *  @return 1, or what PatBlt returned. Records RV_Failure when the DIB cannot be locked. */
 QZAPI BOOL WINAPI DIB_DibBlt(HDC hdc, int x, int y, int w, int h, HGLOBAL dib, int srcX, int srcY,
                              DWORD rop);
+/** Draws a rectangle of the DIB stretched into (x, y, w, h) by `rop`.
+ *  @return What StretchDIBits returned. Records RV_Failure when the DIB cannot be locked. */
 QZAPI int WINAPI DIB_StretchBlt(HDC hdc, int x, int y, int w, int h, HGLOBAL dib, int srcX,
                                 int srcY, int srcW, int srcH, DWORD rop);
+/** Reads a bitmap file into a device-dependent bitmap.
+ *  @return The bitmap, owned by the caller, or null, with the cause recorded as by DIB_OpenDIB. */
 QZAPI HBITMAP WINAPI DIB_FiletoBM(const char *name);
+/** Copies a bitmap.
+ *  @return A new bitmap, owned by the caller, or null. Records RV_Failure for a null bitmap,
+ *  RV_GDIError. */
 QZAPI HBITMAP WINAPI DIB_CopyBitmap(HBITMAP bitmap);
+/** Copies a DIB.
+ *  @return A new DIB handle, or null. Records RV_OutOfGlobalMemory when no block can be had. */
 QZAPI HGLOBAL WINAPI DIB_CopyDIB(HGLOBAL dib);
+/** Frees a DIB.
+ *  @return What GlobalFree returned: null on success. */
 QZAPI HGLOBAL WINAPI DIB_Destroy(HGLOBAL dib);
 
 /* ------------------------------------------------------------------ */
 /* Drawing: metafiles. A metafile handle is a movable global block     */
 /* holding a METAFILEPICT; the caller frees it with MF_Destroy.        */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup metafiles Drawing: metafiles
+ *  @{ */
+/** Reads a placeable metafile file.
+ *  @return A metafile handle, or null. Records RV_NoFile when the file cannot be opened,
+ *  RV_BadMetafile for a broken file. */
 QZAPI HGLOBAL WINAPI MF_OpenMetaFile(const char *name);
 /* New form: four u32 (mode, xExt, yExt, handle) then the bits; old form
  * (or oldForm non-zero): four 16-bit words then the bits. */
+/** Makes a metafile from a stream, in its new form or, with `oldForm`, its old one.
+ *  @return A metafile handle, or null. Records RV_BadMetafile for a broken stream. */
 QZAPI HGLOBAL WINAPI MF_StreamToMF(const BYTE *stream, DWORD oldForm);
+/** Writes the metafile as a stream of MF_Size bytes.
+ *  @return 1, or 0 if there is nothing to write. Records RV_BadParms for a null output. */
 QZAPI BOOL WINAPI MF_MFToStream(BYTE *out, HGLOBAL metafile);
+/** The size of the metafile's stream.
+ *  @return The size in bytes, 0 with no metafile. Records RV_BadMetafile for a broken handle. */
 QZAPI DWORD WINAPI MF_Size(HGLOBAL metafile);
 /* `size` comes in with a fall-back and leaves with the size in device units. */
+/** The metafile's size in device units of `hdc` into `*size`, which comes in with a fall-back.
+ *  @return The height placed in the size. Records RV_BadParms for a null argument. */
 QZAPI LONG WINAPI MF_GetDimensions(HDC hdc, HGLOBAL metafile, SIZE *size);
+/** Plays the metafile into `rect`.
+ *  @return What EnumMetaFile returned. Records RV_BadParms for a null argument, RV_BadMetafile for
+ *  a broken handle. */
 QZAPI BOOL WINAPI MF_Play(HDC hdc, RECT *rect, HGLOBAL metafile);
+/** Frees a metafile handle and its metafile.
+ *  @return What GlobalFree returned: null on success. */
 QZAPI HGLOBAL WINAPI MF_Destroy(HGLOBAL metafile);
 
 /* ------------------------------------------------------------------ */
 /* Drawing: vertical and indented text                                 */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup vertical_text Drawing: vertical and indented text
+ *  @{ */
+/** Counts a user of vertical text and makes its fonts on first use.
+ *  @return The new user count, or 0 if out of memory. Records RV_OutOfLocalMemory. */
 QZAPI LONG WINAPI UIVertDrawTextInit(void);
+/** Releases one user of vertical text; the last frees its fonts. */
 QZAPI void WINAPI UICleanUpVertDrawText(void);
+/** Forgets the vertical font made for `font`. */
 QZAPI BOOL WINAPI UITrashVertFont(HFONT font);
 /* Flags: 1 centre across, 2 right, 4 centre along, 8 bottom, 256 no clip.
  * Direction 0 upwards, 1 downwards. */
+/** Draws text turned upwards or downwards in `rect`, placed by `flags`.
+ *  @return 1 or 0. Records RV_BadParms for a null argument, RV_GDIError when a font cannot be made. */
 QZAPI BOOL WINAPI UIVertDrawText(HDC hdc, const char *text, int length, RECT *rect, DWORD flags,
                                  int direction);
+/** Draws text whose lines after the first are indented by `indent`, as DrawText with `format`.
+ *  @return The height drawn. Records RV_BadParms for a null argument, RV_GDIError. */
 QZAPI int WINAPI DrawTextWithIndent(HDC hdc, const char *text, DWORD ignored, RECT *rect,
                                     UINT format, int indent, int leastNextTop, int measureEmpty);
 /* Dialog creation from a template of a module, and the one-time       */
@@ -1179,39 +1307,70 @@ QZAPI int WINAPI DrawTextWithIndent(HDC hdc, const char *text, DWORD ignored, RE
 /* of its own; those macros are removed here, so a host that includes  */
 /* this header calls the wrappers by these names.                      */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup dialogs Dialog creation and the one-time notice
+ *  @{ */
 #undef DialogBox
 #undef DialogBoxParam
 #undef CreateDialog
 #undef CreateDialogParam
+/** Runs a modal dialog from template `templateName` of `module` with `param`.
+ *  @return The dialog's result, or -1. Records RV_UserError when the dialog cannot be made. */
 QZAPI INT_PTR WINAPI DialogBoxParam(HMODULE module, const char *templateName, HWND owner,
                                     DLGPROC procedure, LPARAM param);
+/** Makes a modeless dialog from template `templateName` of `module` with `param`.
+ *  @return The dialog, or null. Records RV_UserError when the dialog cannot be made. */
 QZAPI HWND WINAPI CreateDialogParam(HMODULE module, const char *templateName, HWND owner,
                                     DLGPROC procedure, LPARAM param);
+/** Runs a modal dialog from template `templateName` of `module`.
+ *  @return The dialog's result, or -1. Records RV_UserError when the dialog cannot be made. */
 QZAPI INT_PTR WINAPI DialogBox(HMODULE module, const char *templateName, HWND owner,
                                DLGPROC procedure);
+/** Makes a modeless dialog from template `templateName` of `module`.
+ *  @return The dialog, or null. Records RV_UserError when the dialog cannot be made. */
 QZAPI HWND WINAPI CreateDialog(HMODULE module, const char *templateName, HWND owner,
                                DLGPROC procedure);
 /* Shows the "EIGHTEEN" notice for ten seconds, once per `key` (every
  * time for a null key). 1 if it was shown before, otherwise 0. */
+/** Shows the "EIGHTEEN" notice for ten seconds, once per `key` (every time for a null key).
+ *  @return 1 if it was shown before, otherwise 0. */
 QZAPI BOOL WINAPI Eighteen(HWND owner, const char *key);
 
 /* ------------------------------------------------------------------ */
 /* Dialog skin: the grey face, centring and bitmap check boxes         */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup dialog_skin Dialog skin
+ *  @{ */
+/** The dialog skin's procedure for a dialog: the grey face and centring.
+ *  @return What the message's handling returns. */
 QZAPI LRESULT CALLBACK UIDialogSubclassProc(HWND window, UINT message, WPARAM wParam,
                                             LPARAM lParam);
+/** The dialog skin's procedure for a bitmap check box.
+ *  @return What the message's handling returns. */
 QZAPI LRESULT CALLBACK UIButtonSubclassProc(HWND window, UINT message, WPARAM wParam,
                                             LPARAM lParam);
+/** Starts the dialog skin for `mainWindow`'s thread: every dialog made from then on is subclassed.
+ *  @return 1 or 0. Records RV_OutOfLocalMemory, or RV_UserError when the hook cannot be set. */
 QZAPI BOOL WINAPI UIGrayDialogInit(HWND mainWindow);
+/** Stops the dialog skin for `mainWindow`.
+ *  @return 1, or 0. Records RV_Failure when the skin was not started. */
 QZAPI BOOL WINAPI UIGrayDialogUnInit(HWND mainWindow);
+/** Draws check box `button` with `bitmap`'s faces.
+ *  @return 1 or 0. Records RV_OutOfLocalMemory. */
 QZAPI BOOL WINAPI UIBitmapCheckBox(HWND button, HBITMAP bitmap);
+/** The dialog face colour in force.
+ *  @return The button face colour when the grey skin is on, else the window colour. */
 QZAPI COLORREF WINAPI UIGetDlgColor(void);
 /* The id of the first checked button from `first` to `last`, or `first`. */
+/** The first checked radio button from `first` to `last`.
+ *  @return Its id, or `first` when none is checked. */
 QZAPI UINT WINAPI UIGetCurrentRadioButton(HWND dialog, UINT first, UINT last);
 
 /* ------------------------------------------------------------------ */
 /* Gadget registration                                                 */
 /* ------------------------------------------------------------------ */
+/** @} */
 /* 1 on success, 0 on failure. Nested: only the first call registers. */
 QZAPI BOOL WINAPI RegisterGadgets(DWORD ignored);
 /* The count left, or -1 when nothing was registered. */
@@ -1235,97 +1394,193 @@ QZAPI DWORD WINAPI GadUtilMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, 
 
 /* Files and locking, over the system's own handles                    */
 /* ------------------------------------------------------------------ */
+/** @defgroup files Files and locking
+ *  @{ */
+/** Writes the file's buffers to disk.
+ *  @return 1, or 0. Records RV_OSError, naming `name`, when the system refuses. */
 QZAPI BOOL WINAPI OSCommitFile(HANDLE file, const char *name);
+/** Deletes the file `name`.
+ *  @return 1, or 0. Records RV_OSError, naming the file, when the system refuses. */
 QZAPI BOOL WINAPI OSDeleteFile(const char *name);
 /* Always 0, with RV_Failure recorded: redirection cannot be told. */
+/** Whether a handle is redirected, which cannot be told.
+ *  @return Always 0. Records RV_Failure. */
 QZAPI BOOL WINAPI OSIsRedirectedHandle(HANDLE file);
+/** Gives `destination` the time stamps of `source`.
+ *  @return Whether the time could be set. */
 QZAPI BOOL WINAPI OSFileSetStampSame(HANDLE source, HANDLE destination);
 /* Copies `count` bytes (0xFFFFFFFF: all) from the start of `source` to the
    start of `destination`, with less memory if need be, and copies the stamps. */
+/** Copies `count` bytes (0xFFFFFFFF: all) from the start of `source` to the start of `destination`,
+ *  with less memory if need be, and copies the stamps.
+ *  @return 1, or 0. Records RV_OSError naming the file that failed, RV_KernelError when no buffer
+ *  can be had. */
 QZAPI BOOL WINAPI OSCopyFileSize(HANDLE destination, const char *destinationName, HANDLE source,
                                  const char *sourceName, DWORD count);
 /* Locks (or unlocks) a byte range: 1 done, 2 held by another, 0 failed.
    A failure reports `reportName` in place of the file name's stem. */
+/** Locks (or unlocks) a byte range of the file.
+ *  @return 1 done, 2 held by another, 0 failed. Records RV_Failure or RV_ForceOSError naming
+ *  `reportName` in place of the file name's stem. */
 QZAPI LONG WINAPI OSLocking(HANDLE file, DWORD offset, DWORD length, BOOL unlock,
                             const char *fileName, const char *reportName);
 
 /* ------------------------------------------------------------------ */
 /* Launch: other programs, found with the user's help when missing     */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup launch Launch
+ *  @{ */
 /* The program named by `key` in "Tarvo Applications" of "TARVO.INI". */
+/** Starts the program named by `key` in "Tarvo Applications" of "TARVO.INI", asking the user for it
+ *  when it is missing.
+ *  @return 1 or 0. Records RV_ExecuteError when it cannot be started. */
 QZAPI BOOL WINAPI TarvoLaunch(HWND window, const char *key, char *defaultPath, LONG show);
+/** Starts the program at `path` with `parameters`, asking the user for it when it is missing.
+ *  @return 1 or 0. Records RV_ExecuteError when it cannot be started. */
 QZAPI BOOL WINAPI CustomLaunch(HWND window, char *path, LONG show, const char *parameters);
 
 /* ------------------------------------------------------------------ */
 /* Dialog field values: lengths in tenths of a millimetre, shown in    */
 /* centimetres (metric) or inches; range checks that tell the user     */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup fields Dialog field values and ranges
+ *  @{ */
+/** Shows a length in tenths of a millimetre in control `control`, in centimetres (`metric`) or
+ *  inches.
+ *  @return The result of SetDlgItemTextA. */
 QZAPI BOOL WINAPI SetDlgItemReal(HWND dialog, LONG control, DWORD value, LONG metric);
+/** Reads a length shown in centimetres or inches from control `control`.
+ *  @return The length in tenths of a millimetre. */
 QZAPI DWORD WINAPI GetDlgItemReal(HWND dialog, LONG control, LONG metric);
+/** Checks that `text` is a whole number from `low` to `high`, telling the user when not.
+ *  @return 1 or 0. */
 QZAPI BOOL WINAPI RANGEIsUINTValid(HWND window, char *text, DWORD low, DWORD high);
+/** Checks that `text` is a real number from `low` to `high` (hundredths), telling the user when
+ *  not.
+ *  @return 1 or 0. Records RV_OutOfLocalMemory. */
 QZAPI BOOL WINAPI RANGEIsREALValid(HWND window, char *text, DWORD low, DWORD high);
+/** Checks that `text` reads as a date, telling the user when not.
+ *  @return Non-zero or 0. */
 QZAPI BOOL WINAPI RANGEIsDATEValid(HWND window, char *text);
+/** Checks that `text` reads as a time, telling the user when not.
+ *  @return Non-zero or 0. */
 QZAPI BOOL WINAPI RANGEIsTIMEValid(HWND window, char *text);
 /* ------------------------------------------------------------------ */
 /* Telephony: the service "TAPI32.DLL", loaded at run time             */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup telephony Telephony
+ *  @{ */
 /* Line application, line and call handles are 32-bit values; the service's
  * records (LINEDEVCAPS and so on) are passed as the service defines them. */
 /* Loads the service at attach; 1 always, the service being optional. */
+/** Loads the telephony service; run at attach.
+ *  @return 1 always, the service being optional. */
 QZAPI BOOL WINAPI TelephonyStart(DWORD reserved);
 /* Uses `library` as the service from now on (null switches telephony off). */
+/** Uses `library` as the telephony service from now on; null switches telephony off.
+ *  @return 1 always. */
 QZAPI BOOL WINAPI Telephony_Initialize(HMODULE library);
 /* Registers the application with the service once its main window exists;
  * a failure switches telephony off for good. */
+/** Registers the application with the service once its main window exists; a failure switches
+ *  telephony off for good. */
 QZAPI void WINAPI TelephonyClientStart(HWND window);
+/** Whether telephony is on.
+ *  @return Non-zero when it is. */
 QZAPI DWORD WINAPI IsTelephonyEnabled(void);
+/** The number of line devices.
+ *  @return The count. */
 QZAPI DWORD WINAPI Telephony_GetNumDevices(void);
 /* Looks at line `device` without keeping it: 0 usable, 1 failed, 2 no
  * voice, 4 cannot make calls, 5 in use elsewhere, 6 cannot call now. */
+/** Looks at line `device` without keeping it.
+ *  @return 0 usable, 1 failed, 2 no voice, 4 cannot make calls, 5 in use elsewhere, 6 cannot call
+ *  now. */
 QZAPI DWORD WINAPI Telephony_VerifyUsableLine(HWND window, DWORD device);
 /* The version agreed between 1.3 and 1.4, or 0. */
+/** Agrees a version between 1.3 and 1.4 with line `device`.
+ *  @return The version, or 0. */
 QZAPI DWORD WINAPI Telephony_lineNegotiateLegacyAPIVersion(HWND window, DWORD device);
 /* Wrappers: 0 while telephony is off, else the service's result. The first
  * argument stands where the service takes its line application; the
  * library's own goes in its place. */
+/** Calls the service's lineGetDevCaps with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineGetDevCaps(DWORD lineApp, DWORD device, DWORD version,
                                            DWORD extensionVersion, void *caps);
+/** Calls the service's lineGetAddressCaps with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineGetAddressCaps(DWORD lineApp, DWORD device, DWORD address,
                                                DWORD version, DWORD extensionVersion, void *caps);
+/** Calls the service's lineOpen with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineOpen(DWORD lineApp, DWORD device, DWORD *line, DWORD version,
                                      DWORD extensionVersion, DWORD_PTR callbackInstance,
                                      DWORD privileges, DWORD mediaModes, const void *callParams);
+/** Calls the service's lineNegotiateAPIVersion with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineNegotiateAPIVersion(DWORD lineApp, DWORD device, DWORD lowVersion,
                                                     DWORD highVersion, DWORD *version,
                                                     void *extensionId);
+/** Calls the service's lineTranslateAddress with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineTranslateAddress(DWORD lineApp, DWORD device, DWORD version,
                                                  const char *address, DWORD card, DWORD flags,
                                                  void *output);
+/** Calls the service's lineGetTranslateCaps with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineGetTranslateCaps(DWORD lineApp, DWORD version, void *caps);
+/** Calls the service's lineSetCurrentLocation with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineSetCurrentLocation(DWORD lineApp, DWORD location);
+/** Calls the service's lineTranslateDialog with the library's own line application.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineTranslateDialog(DWORD device, DWORD version, HWND owner,
                                                 const char *address);
+/** Calls the service's lineConfigDialogEdit.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineConfigDialogEdit(DWORD device, HWND owner, const char *deviceClass,
                                                  const void *config, DWORD size, void *configOut);
 /* The first argument of these four is not used. */
+/** Calls the service's lineClose; the first argument is not used.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineClose(DWORD unused, DWORD line);
+/** Calls the service's lineSetDevConfig; the first argument is not used.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineSetDevConfig(DWORD unused, DWORD device, const void *config,
                                              DWORD size, const char *deviceClass);
+/** Calls the service's lineGetDevConfig; the first argument is not used.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineGetDevConfig(DWORD unused, DWORD device, void *config,
                                              const char *deviceClass);
+/** Calls the service's lineGetCountry; the first argument is not used.
+ *  @return 0 while telephony is off, else the service's result. */
 QZAPI LONG WINAPI Telephony_lineGetCountry(DWORD unused, DWORD country, DWORD version, void *list);
 /* Dials `number` on line `device` (-1: none chosen), piece by piece at its
  * dial modifiers, asking the user at each stop; the call stays open. 1 when
  * the call is under way or telephony is off. */
+/** Dials `number` on line `device` (-1: none chosen), piece by piece at its dial modifiers, asking
+ *  the user at each stop; the call stays open.
+ *  @return 1 when the call is under way or telephony is off, 0 otherwise. Records RV_BadParms for a
+ *  null number, RV_OutOfLocalMemory. */
 QZAPI BOOL WINAPI Telephony_DialNumber(HWND window, LONG device, DWORD address, const char *number,
                                        const char *displayName);
 /* Takes the call and its line down and sends the hang-up message with
  * `reason`, the call state that ended the call. */
+/** Takes the call and its line down and sends the hang-up message with `reason`, the call state
+ *  that ended the call.
+ *  @return 1, or 0 if the call status could not be read. */
 QZAPI BOOL WINAPI Telephony_HangupCall(HWND window, DWORD reason);
 /* A hang-up sends `message` to `window` with the reason in lParam. */
+/** A hang-up sends `message` to `window`, with the reason in lParam.
+ *  @return The message. */
 QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 /* Time gadgets: Tumbler, a spin field for integers, times and reals   */
 /* ------------------------------------------------------------------ */
+/** @} */
 /* Styles. 0x10 wins over 0x20 when both are set. */
 #define TUS_SELF31 0x01      /* sends itself WM_USER at create; no effect */
 #define TUS_SELF32 0x02      /* the same with another lParam */
