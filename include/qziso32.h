@@ -31,6 +31,7 @@ extern "C" {
 /* ------------------------------------------------------------------ */
 /** @defgroup records Shared records and result codes
  *  @{ */
+/** The causes of failure the library records; RV_Success is 0. */
 typedef enum ResultCode {
     RV_Success = 0,
     RV_Failure = 1,
@@ -161,6 +162,7 @@ typedef int (WINAPI *ErrorTextFormatter)(char *out, int limit, const char *forma
 /* VIRTUALFILE: a file-like block that stands wherever an error names  */
 /* a file. Its first byte is 255, which no file name begins with.      */
 /* ------------------------------------------------------------------ */
+/** The first byte of a VIRTUALFILE. */
 #define VIRTUALFILE_MARKER 255
 
 #ifdef __cplusplus
@@ -176,8 +178,10 @@ typedef int (WINAPI *ErrorTextFormatter)(char *out, int limit, const char *forma
 #endif
 #define QZ_VIRTUALFILE_CLEAR void Clear() QZ_VIRTUALFILE_CLEAR_NAME
 #else
+/** Declares VIRTUALFILE::Clear as the library exports it. */
 #define QZ_VIRTUALFILE_CLEAR QZAPI void Clear()
 #endif
+/** A file-like block, accepted wherever an error names a file. */
 struct VIRTUALFILE {
     unsigned char marker;   /* 255 */
     void *data;             /* locked global block, or null */
@@ -197,8 +201,10 @@ typedef struct VIRTUALFILE {
 /* ErrorContext: the one process-wide error record, handed out live.   */
 /* ------------------------------------------------------------------ */
 struct ErrorContext;
+/** Asked before an error of mode 0 ends the process; non-zero vetoes the end. */
 typedef BOOL (WINAPI *ErrorTerminateCallback)(LONG_PTR callbackData, struct ErrorContext *context);
 
+/** The one process-wide error record, handed out live by OSErrorGetErrorInfo. */
 typedef struct ErrorContext {
     ResultCode errorCode;       /* the code recorded; 0 when none was ever set */
     DWORD contextStringId;      /* string that names what was going on */
@@ -206,35 +212,49 @@ typedef struct ErrorContext {
     BOOL isPending;             /* set from recording until cleared */
     char itemText[256];         /* the name of what failed, at most 255 characters */
     ULONG_PTR functionAddress;  /* common dialog function with RV_CommDlgError */
+    /** First detail: the size asked for with RV_OutOfGlobalMemory, and the like. */
     DWORD detail1;
+    /** Second detail of the codes that take two. */
     DWORD detail2;
+    /** The offending value: the size with RV_OutOfLocalMemory, the field with a range code. */
     DWORD itemValue;
     ULONG_PTR address;          /* offending pointer or record address */
+    /** The lowest value allowed, with a range code. */
     DWORD rangeLow;
+    /** The highest value allowed, with a range code. */
     DWORD rangeHigh;
+    /** The stage reached, with RV_StageFailure. */
     DWORD stage;
+    /** The system's error code, with RV_OSError and RV_ForceOSError. */
     DWORD osError;
     char memberName[41];        /* at most 39 characters */
     char detailText[1025];      /* longer text or formatter output */
     FARPROC presenter;          /* presenter in force during an error callback */
     BOOL isPresenting;          /* set while an error is being shown; blocks recording */
     BOOL quietInBackground;     /* word index 476 of OSErrorSetErrorMode */
+    /** The virtual file an error named, copied. */
     struct VIRTUALFILE *virtualFileCopy;
+    /** Set by OSErrorRegisterVFToPFCallBack. */
     FARPROC vfToPfCallback;
     BOOL offerClose;            /* word index 479 of OSErrorSetErrorMode */
+    /** Given to the terminate callback. */
     LONG_PTR callbackData;
+    /** Set by OSErrorRegisterCallback. */
     ErrorTerminateCallback terminateCallback;
 } ErrorContext;
 
 /* Word indexes of OSErrorSetErrorMode that reach past the mode table. */
 #define ERRORMODE_INDEX_QUIETINBACKGROUND 476
+/** The word of OSErrorSetErrorMode that sets ErrorContext::offerClose. */
 #define ERRORMODE_INDEX_OFFERCLOSE 479
 
 /* ------------------------------------------------------------------ */
 /* DateTimeValue: eight bytes, a stored format shared with the host.   */
 /* Valid years 1800 to 2101. All fields 1: no date low; all 2: high.   */
 /* ------------------------------------------------------------------ */
+/** A date and time: eight bytes, stored and shared with the host. */
 typedef struct DateTimeValue {
+    /** 1800 to 2101. */
     WORD year;
     BYTE month;     /* 1..12 */
     BYTE day;       /* 1..days in month */
@@ -253,6 +273,7 @@ typedef struct DateTimeIntlSettings {
     char sDate[2];                  /* date separator */
     LONG iDate;                     /* 0 month first, 1 day first, 2 year first */
     LONG weekStart;                 /* first day of the week, 0 for Sunday */
+    /** The code page translation named in the product's key. */
     char codePageTranslation[260];
 } DateTimeIntlSettings;
 
@@ -612,10 +633,15 @@ QZAPI LONG WINAPI OSDateTimeGetLeadZero(void);
  *  @{ */
 /* Flags of OSDateTimeToString, used when no format is given. */
 #define DTS_LONGDATE    1
+/** The short date. */
 #define DTS_SHORTDATE   2
+/** Seconds with the time. */
 #define DTS_SECONDS     16
+/** The time. */
 #define DTS_TIME        32
+/** The morning and afternoon markers alone. */
 #define DTS_MARKERSONLY 64
+/** No morning and afternoon markers. */
 #define DTS_NOMARKERS   128
 /* A null buffer means a static one of 200 characters. */
 /** Writes the value as text, by the picture `format` or, without one, by the DTS_ `flags` and the
@@ -874,9 +900,13 @@ QZAPI int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UI
 /* What the Help button of OSMessageWithHelp opens: string `stringId` of
  * `module` names the help window; `admin` chooses the administrator's file. */
 typedef struct MessageHelpRecord {
+    /** The module holding the help window's name. */
     HMODULE module;
+    /** That name's string. */
     DWORD stringId;
+    /** Non-zero: the administrator's help file. */
     DWORD admin;
+    /** The help topic. */
     DWORD topic;
 } MessageHelpRecord;
 /* As OSMessage; with a help record the box has a Help button. */
@@ -898,6 +928,7 @@ QZAPI int __cdecl OSMessageWithHelp(const MessageHelpRecord *help, HWND parent, 
 typedef struct TreeNode {
     struct TreeNode *prev;      /* previous sibling */
     struct TreeNode *next;      /* next sibling */
+    /** The parent, null at the root. */
     struct TreeNode *parent;
     struct TreeNode *child;     /* first child */
 } TreeNode;
@@ -905,6 +936,7 @@ typedef struct TreeNode {
 typedef LONG_PTR(WINAPI *TreeVisitor)(TreeNode *node, LONG_PTR data);
 /* The node after `node`, null to end, or (TreeNode *)-1 to fail the walk. */
 typedef TreeNode *(WINAPI *TreeStepper)(TreeNode *node, TreeVisitor visitor, LONG_PTR data);
+/** Compares two elements for QSort: below, at or above zero. */
 typedef int(__cdecl *SortCompare)(const void *a, const void *b);
 /* A null reference means the root (the last root sibling for After, the
  * deepest first child for Below); into an empty tree the node becomes the
@@ -961,6 +993,7 @@ typedef struct HelpRequest {
     HMODULE Instance;   /* module holding the help window's name */
     DWORD StringId;     /* that name's string, or 0 */
     DWORD Admin;        /* non-zero: the administrator's help file */
+    /** Not used. */
     DWORD Reserved;
 } HelpRequest;
 /* Opens the language's help file (or the administrator's) through WinHelpA,
@@ -1023,6 +1056,7 @@ QZAPI BOOL WINAPI UIErrorUnRegisterCallback(DWORD ignored);
 /** @defgroup feedback Feedback
  *  @{ */
 #define FEEDBACK_FORMATS 8          /* strings 53000 to 53007 */
+/** A message for the title, as given to the Feedback_ calls. */
 typedef struct FeedbackMessage {
     DWORD Kind;     /* 0: format Index with Text; 1: format Index alone; else Text alone */
     DWORD Index;    /* 0 to 7 */
@@ -1371,29 +1405,52 @@ QZAPI UINT WINAPI UIGetCurrentRadioButton(HWND dialog, UINT first, UINT last);
 /* Gadget registration                                                 */
 /* ------------------------------------------------------------------ */
 /** @} */
+/** @defgroup gadgets Gadget registration and shared gadget drawing
+ *  @{ */
 /* 1 on success, 0 on failure. Nested: only the first call registers. */
+/** Registers the gadget classes (and the colour controls); nested calls count.
+ *  @return 1 on success, 0 on failure, with the cause recorded. */
 QZAPI BOOL WINAPI RegisterGadgets(DWORD ignored);
 /* The count left, or -1 when nothing was registered. */
+/** Undoes one RegisterGadgets; the last unregisters the classes.
+ *  @return The count left, or -1 when nothing was registered. */
 QZAPI LONG WINAPI UnRegisterGadgets(void);
 /* Non-zero selects the LCD rule for text on coloured backgrounds. */
+/** Selects the rule for text on coloured gadget backgrounds: non-zero the LCD one.
+ *  @return The flag as given. */
 QZAPI LONG WINAPI Gadgets_LCDOption(LONG flag);
 /* The mask blits under the gadgets' names: as the UI functions, except that
  * GadUtilCreateMaskBitmap leaves a new mask it cannot select, and
  * GadUtilMaskBltWithFlicker does not free a mask it made itself. */
+/** As UICreateMaskBitmap.
+ *  @return A new one-bit mask, or null. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI HBITMAP WINAPI GadUtilCreateMaskBitmap(HDC hdc, HBITMAP image, COLORREF transparent);
+/** As UIMaskBltNoFlicker.
+ *  @return 1 on success, 0 on failure. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI BOOL WINAPI GadUtilMaskBltNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                           COLORREF transparent);
+/** As UIMaskBltInvertNoFlicker.
+ *  @return 1 on success, 0 on failure. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI BOOL WINAPI GadUtilMaskBltInvertNoFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                                 COLORREF transparent);
+/** As UIMaskBltWithFlicker.
+ *  @return 1 on success, 0 on failure. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI BOOL WINAPI GadUtilMaskBltWithFlicker(HDC hdc, RECT *rect, HBITMAP image, HBITMAP mask,
                                             COLORREF transparent);
+/** As UIBitBlt.
+ *  @return 1 on success, 0 on failure. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI GadUtilBitBlt(HDC hdc, RECT *rect, HBITMAP image);
+/** As UIMonoBlt.
+ *  @return 1 on success, 0 on failure. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI GadUtilMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
+/** As UIMaskBlt.
+ *  @return 1 on success, 0 on failure. Records RV_GDIError when a drawing object cannot be made. */
 QZAPI DWORD WINAPI GadUtilMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
                                   COLORREF transparent);
 
 /* Files and locking, over the system's own handles                    */
 /* ------------------------------------------------------------------ */
+/** @} */
 /** @defgroup files Files and locking
  *  @{ */
 /** Writes the file's buffers to disk.
@@ -1581,6 +1638,8 @@ QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 /* Time gadgets: Tumbler, a spin field for integers, times and reals   */
 /* ------------------------------------------------------------------ */
 /** @} */
+/** @defgroup tumbler Tumbler gadget
+ *  @{ */
 /* Styles. 0x10 wins over 0x20 when both are set. */
 #define TUS_SELF31 0x01      /* sends itself WM_USER at create; no effect */
 #define TUS_SELF32 0x02      /* the same with another lParam */
@@ -1594,6 +1653,9 @@ QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 /* ------------------------------------------------------------------ */
 /* Time gadgets: TimeSetter, an hour scale with one clock and label     */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup time_setter TimeSetter gadget
+ *  @{ */
 /* Messages; results are 1 or -1 unless noted. No style bits. */
 #define TSM_SETVIEWSTART   0x401  /* lParam: const DateTimeValue*, the top of the scale */
 #define TSM_SETHOURSINVIEW 0x402  /* wParam: hours, at most 24 */
@@ -1610,13 +1672,20 @@ QZAPI WORD WINAPI Telephony_SetHangupMessage(HWND window, WORD message);
 /* Notifications (WM_COMMAND, code in the high word of wParam). */
 #define TSN_ERROR       100  /* a step failed; the error state has the reason */
 #define TSN_TIMECHANGED 200  /* the window text is the new time; also every timer tick */
+/** The gadget gained the focus. */
 #define TSN_SETFOCUS    300
+/** The gadget lost the focus. */
 #define TSN_KILLFOCUS   400
 /* The class procedure, for a host's own subclass. */
+/** The TimeSetter class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
 QZAPI LRESULT WINAPI GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 /* Time gadgets: DateTracker, a month calendar                         */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup date_tracker DateTracker gadget
+ *  @{ */
 /* lParam: const DateTimeValue*. Years above 2100 are refused. Sets the
  * date and the window text and repaints. 1, or 100 when refused. */
 #define DTKM_SETDATE 0x402
@@ -1626,13 +1695,18 @@ QZAPI LRESULT WINAPI GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPAR
 /* Notifications. */
 #define DTKN_ERROR 100        /* WM_SETTEXT with a text that is no date */
 #define DTKN_DATECHOSEN 200   /* Enter, Tab, or a release on a day cell */
+/** The gadget gained the focus. */
 #define DTKN_SETFOCUS 300
+/** The gadget lost the focus. */
 #define DTKN_KILLFOCUS 400
 #define DTKN_DATECHANGED 500  /* the date moved by key, button, drag or text */
 /* The failure answer of the two messages. */
 #define DTK_FAILURE 100
 /* Time gadgets: TimeTracker, an hour scale with one appointment       */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup time_tracker TimeTracker gadget
+ *  @{ */
 /* Styles. */
 #define TTS_LIVETEXT    0x01  /* every drag move sets the text, TTN_TIMECHANGED */
 #define TTS_SINGLEDAY   0x02  /* appointment and view stay on their day */
@@ -1656,26 +1730,35 @@ QZAPI LRESULT WINAPI GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPAR
 #define TTM_GETCOARSESTEP  0x40D  /* minutes, 255 without a record */
 #define TTM_SETFINESTEP    0x40E  /* wParam low byte: minutes, not checked */
 #define TTM_SETCOARSESTEP  0x40F  /* wParam low byte: minutes, 1 to 59 */
+/** The hours in view. */
 #define TTM_GETHOURSINVIEW 0x410
 #define TTM_SETSTARTKEEP   0x411  /* lParam: const DateTimeValue*; keeps the duration */
 #define TTM_ADDBUSY        0x412  /* wParam: id; lParam: const BusyInterval* */
 #define TTM_REMOVEBUSY     0x413  /* wParam: id */
 #define TTM_GETIDEALSIZE   0x414  /* MAKELONG(width, height) */
 #define TTM_SETBUSYLIST    0x415  /* wParam: count; lParam: const BusyInterval array */
+/** Removes every busy time. */
 #define TTM_CLEARBUSY      0x416
 #define TTM_TIMETOY        0x417  /* lParam: const DateTimeValue*; client y or -1 */
 #define TTM_GETOWNBARCOLOUR 0x418 /* 0x00FF00 free, 0x0000FF clashing */
 #define TTM_FINDFREESLOT   0x419  /* lParam: FreeSlotRequest*; 0 done, 1 at the limit, -1 */
 /* Notifications (high word of WM_COMMAND's wParam). */
 #define TTN_ERROR       100  /* also after an arrow button is released */
+/** The start or end changed; the window text is the new time. */
 #define TTN_TIMECHANGED 200
+/** The gadget gained the focus. */
 #define TTN_SETFOCUS    300
+/** The gadget lost the focus; a running drag was ended first. */
 #define TTN_KILLFOCUS   400
+/** The view has settled at a new place. */
 #define TTN_VIEWCHANGED 500
+/** A drag step under TTS_TRACKNOTIFY. */
 #define TTN_TRACKING    600
+/** Each scroll step, and the end of an automatic scroll. */
 #define TTN_SCROLLED    700
 /* A busy time of the lanes, 24 bytes, filled by the host. */
 typedef struct BusyInterval {
+    /** When the busy time starts. */
     DateTimeValue start;
     DWORD lengthMinutes;  /* 0: overlaps nothing */
     DWORD id;             /* the host's key for TTM_REMOVEBUSY */
@@ -1686,30 +1769,48 @@ typedef struct BusyInterval {
 typedef struct FreeSlotRequest {
     DateTimeValue limit;     /* overwritten: time cleared, less the fine step */
     DWORD dayOpen;           /* minutes from midnight */
+    /** Minutes from midnight at which the working day ends. */
     DWORD dayClose;
     DWORD weekdayOpen[7];    /* 1440 or more: the day is not worked */
+    /** Per weekday, the minutes at which it ends. */
     DWORD weekdayClose[7];
+    /** Non-zero: the per-weekday hours hold, not dayOpen and dayClose. */
     DWORD useWeekdayHours;
     DWORD found;             /* out: 1 if a slot was set */
     DWORD longestGap;        /* at the limit: take the longest gap */
+    /** Non-zero: Saturdays and Sundays are worked too. */
     DWORD includeWeekends;
 } FreeSlotRequest;
 typedef char BusyInterval_is_24_bytes[sizeof(BusyInterval) == 24 ? 1 : -1];
 typedef char FreeSlotRequest_is_88_bytes[sizeof(FreeSlotRequest) == 88 ? 1 : -1];
 /* The class procedure, for a host's subclass. */
+/** The TimeTracker class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
 QZAPI LRESULT WINAPI GadTTWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /* ------------------------------------------------------------------ */
 /* Virtual list box ("QzVListBox")                                     */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup vlistbox Virtual list box (QzVListBox)
+ *  @{ */
 /* Style bits (the low word of the window style). */
+/** Rows are measured and drawn by the callback. */
 #define VLS_OWNERDRAW     0x0001
+/** VLN_SELCHANGE and VLN_DBLCLK go to the callback. */
 #define VLS_NOTIFY        0x0004
+/** Extended selection: Ctrl and Shift with mouse and keys. */
 #define VLS_EXTENDEDSEL   0x0010
+/** With VLS_OWNERDRAW: the list keeps texts. */
 #define VLS_STRINGS       0x0020
+/** Each click or Space toggles one item. */
 #define VLS_MULTIPLESEL   0x0040
+/** WM_CHAR goes to the callback as VLN_CHAR. */
 #define VLS_WANTCHARS     0x0100
+/** The list moves at the thumb's release, not while it is dragged. */
 #define VLS_NOTHUMBTRACK  0x0200
+/** QzDVListBox: paint through a memory bitmap. */
 #define VLS_DOUBLEBUFFER  0x0400
+/** QzDVListBox: the thumb stands for a place in the alphabet. */
 #define VLS_ALPHATHUMB    0x0800
 /* Callback codes; the third argument points at the request record named. */
 #define VLN_INIT       1   /* VLINITREQUEST */
@@ -1727,21 +1828,84 @@ QZAPI LRESULT WINAPI GadTTWndProc(HWND window, UINT message, WPARAM wParam, LPAR
 #define VLN_GETTEXT    16  /* VLGETTEXTREQUEST */
 #define VLN_DESTROY    19  /* null */
 /* VLN_DRAW state bits. */
+/** The row is selected. */
 #define VLDS_SELECTED  0x01
+/** The row has the focus rectangle. */
 #define VLDS_FOCUS     0x10
+/** VLN_INIT: the rows to load first and the load batch. */
 typedef struct VLINITREQUEST { DWORD firstRows; DWORD loadBatch; } VLINITREQUEST;
+/** @var VLINITREQUEST::firstRows
+ *  Rows loaded first. */
+/** @var VLINITREQUEST::loadBatch
+ *  Items per load. */
+/** VLN_LOAD: the items to put in the cache. */
 typedef struct VLLOADREQUEST { DWORD first; DWORD last; } VLLOADREQUEST;
+/** @var VLLOADREQUEST::first
+ *  The first item to load. */
+/** @var VLLOADREQUEST::last
+ *  The last item to load. */
+/** VLN_RELEASE: an item leaves the cache. */
 typedef struct VLRELEASEREQUEST { DWORD index; LPARAM itemData; LPSTR text; } VLRELEASEREQUEST;
+/** @var VLRELEASEREQUEST::index
+ *  The item. */
+/** @var VLRELEASEREQUEST::itemData
+ *  Its item data. */
+/** @var VLRELEASEREQUEST::text
+ *  Its text, or null. */
+/** VLN_MEASURE: the callback sets the row size. */
 typedef struct VLMEASUREREQUEST {
     HDC dc; DWORD reserved1; LONG width; LONG height; DWORD reserved2;
 } VLMEASUREREQUEST;
+/** @var VLMEASUREREQUEST::dc
+ *  A device context of the list. */
+/** @var VLMEASUREREQUEST::reserved1
+ *  Not used. */
+/** @var VLMEASUREREQUEST::width
+ *  The row width. */
+/** @var VLMEASUREREQUEST::height
+ *  The row height. */
+/** @var VLMEASUREREQUEST::reserved2
+ *  Not used. */
+/** VLN_DRAW: the callback draws a row. */
 typedef struct VLDRAWREQUEST {
     DWORD index; DWORD state; HDC dc; RECT rect; LPARAM itemData; LPCSTR text;
 } VLDRAWREQUEST;
+/** @var VLDRAWREQUEST::index
+ *  The item. */
+/** @var VLDRAWREQUEST::state
+ *  VLDS_ bits. */
+/** @var VLDRAWREQUEST::dc
+ *  Where to draw. */
+/** @var VLDRAWREQUEST::rect
+ *  The row. */
+/** @var VLDRAWREQUEST::itemData
+ *  The item data. */
+/** @var VLDRAWREQUEST::text
+ *  The text, or null. */
+/** VLN_SETFOCUS and VLN_KILLFOCUS: the other window. */
 typedef struct VLFOCUSREQUEST { HWND window; } VLFOCUSREQUEST;
+/** @var VLFOCUSREQUEST::window
+ *  The window that lost or gains the focus. */
+/** VLN_CHAR: a character typed into the list. */
 typedef struct VLCHARREQUEST { DWORD character; DWORD repeat; } VLCHARREQUEST;
+/** @var VLCHARREQUEST::character
+ *  The character. */
+/** @var VLCHARREQUEST::repeat
+ *  The repeat count. */
+/** VLN_FIND: the callback finds the item that starts with a text. */
 typedef struct VLFINDREQUEST { LPCSTR text; DWORD index; } VLFINDREQUEST;
+/** @var VLFINDREQUEST::text
+ *  The text typed. */
+/** @var VLFINDREQUEST::index
+ *  Out: the item found. */
+/** VLN_GETTEXT: the callback copies an item's text. */
 typedef struct VLGETTEXTREQUEST { LPSTR buffer; DWORD index; DWORD size; } VLGETTEXTREQUEST;
+/** @var VLGETTEXTREQUEST::buffer
+ *  Where the text goes. */
+/** @var VLGETTEXTREQUEST::index
+ *  The item. */
+/** @var VLGETTEXTREQUEST::size
+ *  The buffer's size. */
 #if !defined(_WIN64)
 typedef char VLRELEASEREQUEST_is_12_bytes[sizeof(VLRELEASEREQUEST) == 12 ? 1 : -1];
 typedef char VLMEASUREREQUEST_is_20_bytes[sizeof(VLMEASUREREQUEST) == 20 ? 1 : -1];
@@ -1752,36 +1916,80 @@ typedef char VLGETTEXTREQUEST_is_12_bytes[sizeof(VLGETTEXTREQUEST) == 12 ? 1 : -
 /* The host's callback: window, code, request record, callback data. */
 typedef LRESULT(CALLBACK *VLISTBOXPROC)(HWND window, UINT code, void *request, LPARAM data);
 /* A total or cache size of (DWORD)-1 means unknown or the default (4096). */
+/** Gives the list its item count, cache size, load batch and callback; the list asks the callback
+ *  for rows as they come into view.
+ *  @return Success. Records RV_OutOfLocalMemory when the cache cannot be had. */
 QZAPI BOOL WINAPI VListBox_Initialize(HWND list, DWORD total, DWORD cacheSize, DWORD loadBatch,
                                       VLISTBOXPROC callback, LPARAM data);
+/** Puts the item data of item `index` in the cache, during VLN_LOAD.
+ *  @return Success. */
 QZAPI BOOL WINAPI VListBox_AddItemData(HWND list, DWORD index, LPARAM itemData);
 /* The text is copied into the list's cache. */
+/** Puts the text and item data of item `index` in the cache, during VLN_LOAD; the text is copied.
+ *  @return Success. Records RV_OutOfLocalMemory when the copy cannot be had. */
 QZAPI BOOL WINAPI VListBox_AddString(HWND list, DWORD index, LPCSTR text, LPARAM itemData);
+/** Changes the number of items.
+ *  @return Success. */
 QZAPI BOOL WINAPI VListBox_SetNumItems(HWND list, DWORD total);
+/** The number of items.
+ *  @return The count; -1 for a window without a list record. */
 QZAPI DWORD WINAPI VListBox_GetNumItems(HWND list);
+/** The selected item of a single-selection list.
+ *  @return Its index; -1 on a multiple-selection list. */
 QZAPI DWORD WINAPI VListBox_GetCurSel(HWND list);
+/** Selects item `index` of a single-selection list.
+ *  @return Success; fails on a multiple-selection list. */
 QZAPI BOOL WINAPI VListBox_SetCurSel(HWND list, DWORD index);
+/** The item with the focus rectangle.
+ *  @return Its index; -1 for a window without a list record. */
 QZAPI DWORD WINAPI VListBox_GetCaretIndex(HWND list);
+/** Moves the focus rectangle to item `index`.
+ *  @return Success. */
 QZAPI BOOL WINAPI VListBox_SetCaretIndex(HWND list, DWORD index);
 /* The flag is not used: the item is always selected. */
+/** Adds item `index` to the selection of a multiple-selection list; `flag` is not used.
+ *  @return Success; fails on a single-selection list. */
 QZAPI BOOL WINAPI VListBox_SetSel(HWND list, BOOL flag, DWORD index);
+/** Whether item `index` is selected.
+ *  @return TRUE or FALSE. */
 QZAPI BOOL WINAPI VListBox_GetSel(HWND list, DWORD index);
+/** The number of selected items.
+ *  @return The count. */
 QZAPI DWORD WINAPI VListBox_GetSelCount(HWND list);
 /* The buffer must hold VListBox_GetSelCount indices. */
+/** Copies the selected indices, ascending, into `buffer`.
+ *  @return Success. Records RV_Failure when the selection cannot be read. */
 QZAPI BOOL WINAPI VListBox_GetSelItems(HWND list, DWORD *buffer);
 /* The array must be sorted ascending. */
+/** Replaces the selection by `count` indices sorted ascending.
+ *  @return Success. */
 QZAPI BOOL WINAPI VListBox_SetSelItems(HWND list, DWORD count, const DWORD *items);
+/** The item in the top row.
+ *  @return Its index. */
 QZAPI DWORD WINAPI VListBox_GetTopIndex(HWND list);
+/** Scrolls item `index` to the top row.
+ *  @return Success. */
 QZAPI BOOL WINAPI VListBox_SetTopIndex(HWND list, DWORD index);
+/** The item data of item `index`, loading it if need be.
+ *  @return The data, or -1. */
 QZAPI LPARAM WINAPI VListBox_GetItemData(HWND list, DWORD index);
+/** Whether item `index` is in the cache.
+ *  @return TRUE or FALSE. */
 QZAPI BOOL WINAPI VListBox_IsItemCached(HWND list, DWORD index);
 /* The buffer must hold VListBox_GetTextLen + 1 characters. */
+/** Copies the text of item `index` into `buffer`, if it has one.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI VListBox_GetText(HWND list, DWORD index, LPSTR buffer);
+/** The length of the text of item `index`.
+ *  @return The length, 0 if none. */
 QZAPI DWORD WINAPI VListBox_GetTextLen(HWND list, DWORD index);
 
 /* ------------------------------------------------------------------ */
 /* Dynamic virtual list box ("QzDVListBox")                            */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup dvlistbox Dynamic virtual list box (QzDVListBox)
+ *  @{ */
 /* Items are known by references (blocks of a fixed size the host gives
  * at DVListBox_Initialize); indices are signed positions that the list
  * re-bases when the host reports an end of its data. The style bits and
@@ -1794,95 +2002,241 @@ QZAPI DWORD WINAPI VListBox_GetTextLen(HWND list, DWORD index);
 #define VLN_SEARCH     17  /* DVLSEARCHREQUEST */
 /* VLN_INIT carries a VLINITREQUEST, VLN_DRAW a VLDRAWREQUEST (the index
  * signed), VLN_RELEASE a DVLRELEASEREQUEST. */
+/** VLN_LOAD: the items to put in the cache. */
 typedef struct DVLLOADREQUEST { LONG first; DWORD count; LONG effectiveCount; } DVLLOADREQUEST;
+/** @var DVLLOADREQUEST::first
+ *  The first item to load, or a sentinel. */
+/** @var DVLLOADREQUEST::count
+ *  How many to load. */
+/** @var DVLLOADREQUEST::effectiveCount
+ *  Out: how many the host loaded. */
+/** VLN_RELEASE: an item leaves the cache. */
 typedef struct DVLRELEASEREQUEST { LONG index; LPARAM itemData; LPSTR text; } DVLRELEASEREQUEST;
+/** @var DVLRELEASEREQUEST::index
+ *  The item. */
+/** @var DVLRELEASEREQUEST::itemData
+ *  Its item data. */
+/** @var DVLRELEASEREQUEST::text
+ *  Its text, or null. */
+/** VLN_FIND: the host places an item given by its reference. */
 typedef struct DVLFINDREQUEST { const void *ref; LONG index; DWORD reload; } DVLFINDREQUEST;
+/** @var DVLFINDREQUEST::ref
+ *  The reference. */
+/** @var DVLFINDREQUEST::index
+ *  Out: the item's index. */
+/** @var DVLFINDREQUEST::reload
+ *  Out: non-zero to load the cache again. */
+/** VLN_SELRANGE: a range of items changes selection. */
 typedef struct DVLSELRANGEREQUEST { LONG first; DWORD count; DWORD mode; } DVLSELRANGEREQUEST;
+/** @var DVLSELRANGEREQUEST::first
+ *  The first item. */
+/** @var DVLSELRANGEREQUEST::count
+ *  How many. */
+/** @var DVLSELRANGEREQUEST::mode
+ *  0 deselect, 1 select, else toggle. */
+/** VLN_SEARCH: the host finds an item by a text. */
 typedef struct DVLSEARCHREQUEST {
     LPCSTR text; DWORD mode; LONG index; DWORD reload; void *refBuffer;
 } DVLSEARCHREQUEST;
+/** @var DVLSEARCHREQUEST::text
+ *  The text. */
+/** @var DVLSEARCHREQUEST::mode
+ *  How to match. */
+/** @var DVLSEARCHREQUEST::index
+ *  Out: the item's index. */
+/** @var DVLSEARCHREQUEST::reload
+ *  Out: non-zero to load the cache again. */
+/** @var DVLSEARCHREQUEST::refBuffer
+ *  Out: the item's reference. */
 #if defined(_M_IX86) || defined(__i386__)
 typedef char DVLRELEASEREQUEST_is_12_bytes[sizeof(DVLRELEASEREQUEST) == 12 ? 1 : -1];
 typedef char DVLFINDREQUEST_is_12_bytes[sizeof(DVLFINDREQUEST) == 12 ? 1 : -1];
 typedef char DVLSEARCHREQUEST_is_20_bytes[sizeof(DVLSEARCHREQUEST) == 20 ? 1 : -1];
 #endif
+/** The QzDVListBox class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
 QZAPI LRESULT WINAPI DVListBox_WndProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam);
 /* Total -1: unknown; cache size -1: 4096. */
+/** Gives the list its item count, cache size, load batch, reference size and callback.
+ *  @return Success. Records RV_OutOfLocalMemory when the cache cannot be had. */
 QZAPI BOOL WINAPI DVListBox_Initialize(HWND list, LONG total, DWORD cacheSize, DWORD loadBatch,
                                        DWORD refSize, VLISTBOXPROC callback, LPARAM data);
+/** Puts the reference and item data of item `index` in the cache, during VLN_LOAD.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_AddItemData(HWND list, LONG index, const void *ref, LPARAM itemData);
+/** Puts the reference, text and item data of item `index` in the cache, during VLN_LOAD; the text
+ *  is copied.
+ *  @return Success. Records RV_OutOfLocalMemory when the copy cannot be had. */
 QZAPI BOOL WINAPI DVListBox_AddString(HWND list, LONG index, const void *ref, LPCSTR text,
                                       LPARAM itemData);
+/** Changes the number of items; -1 for unknown.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetNumItems(HWND list, LONG total);
+/** The effective number of items.
+ *  @return The count; -1 for a window without a list record. */
 QZAPI LONG WINAPI DVListBox_GetNumItems(HWND list);
+/** The selected item of a single-selection list.
+ *  @return Its index; DVL_NOINDEX on a multiple-selection list or without a record. */
 QZAPI LONG WINAPI DVListBox_GetCurSel(HWND list);
+/** Selects item `index` of a single-selection list.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetCurSel(HWND list, LONG index);
+/** Copies the reference of the selected item into `buffer`.
+ *  @return Success; 0 on a multiple-selection list or with nothing selected. */
 QZAPI BOOL WINAPI DVListBox_GetCurSelRef(HWND list, void *buffer);
+/** Selects the item with reference `ref` of a single-selection list.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetCurSelRef(HWND list, const void *ref);
+/** The item with the focus rectangle.
+ *  @return Its index; -1 for a window without a list record. */
 QZAPI LONG WINAPI DVListBox_GetCaretIndex(HWND list);
+/** Moves the focus rectangle to item `index`.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetCaretIndex(HWND list, LONG index);
+/** Copies the reference of the item with the focus rectangle into `buffer`.
+ *  @return Success; 0 if there is none. */
 QZAPI BOOL WINAPI DVListBox_GetCaretRef(HWND list, void *buffer);
+/** Moves the focus rectangle to the item with reference `ref`.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetCaretRef(HWND list, const void *ref);
+/** As DVListBox_SetCaretRef; with `reload` the cache is loaded again around it.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetCaretRefNReload(HWND list, const void *ref, BOOL reload);
+/** Whether the item with reference `ref` is selected, on a multiple-selection list.
+ *  @return TRUE or FALSE. */
 QZAPI BOOL WINAPI DVListBox_GetSelRef(HWND list, const void *ref);
 /* Mode 0 deselects, 1 selects, any other value toggles. */
+/** Deselects (0), selects (1) or toggles the item with reference `ref`, on a multiple-selection
+ *  list.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetSelRef(HWND list, DWORD mode, const void *ref);
+/** Whether item `index` is selected; loads the item.
+ *  @return TRUE or FALSE. */
 QZAPI BOOL WINAPI DVListBox_GetSel(HWND list, LONG index);
+/** Deselects (0), selects (1) or toggles item `index`.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetSel(HWND list, DWORD mode, LONG index);
+/** The number of selected items.
+ *  @return The count. */
 QZAPI DWORD WINAPI DVListBox_GetSelCount(HWND list);
 /* The buffer must hold DVListBox_GetSelCount references. */
+/** Copies the references of the selected items into `buffer`.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_GetSelItems(HWND list, void *buffer);
 /* The references must be sorted ascending by their unsigned bytes. */
+/** Replaces the selection by `count` references sorted ascending by their bytes.
+ *  @return Success. Records RV_OutOfGlobalMemory when the selection cannot be kept. */
 QZAPI BOOL WINAPI DVListBox_SetSelItems(HWND list, DWORD count, const void *refs);
+/** The item in the top row.
+ *  @return Its index. */
 QZAPI LONG WINAPI DVListBox_GetTopIndex(HWND list);
+/** Scrolls item `index` to the top row; with `reload` the cache is loaded again.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_SetTopIndex(HWND list, LONG index, BOOL reload);
+/** The item data of item `index`.
+ *  @return The data; -1 on failure or when the list is empty. */
 QZAPI LPARAM WINAPI DVListBox_GetItemData(HWND list, LONG index);
+/** Copies the reference of item `index` into `buffer`.
+ *  @return Success; 0 when the reference size or the count is 0. */
 QZAPI BOOL WINAPI DVListBox_GetItemRef(HWND list, LONG index, void *buffer);
+/** Whether item `index` is in the cache.
+ *  @return TRUE or FALSE. */
 QZAPI BOOL WINAPI DVListBox_IsItemCached(HWND list, LONG index);
+/** Whether the row of item `index` is on screen.
+ *  @return TRUE or FALSE. */
 QZAPI BOOL WINAPI DVListBox_IsItemVisible(HWND list, LONG index);
+/** Copies the text of item `index` into `buffer`, if it has one.
+ *  @return Always 1. */
 QZAPI BOOL WINAPI DVListBox_GetText(HWND list, LONG index, LPSTR buffer);
+/** The length of the text of item `index`.
+ *  @return The length, or 0. */
 QZAPI DWORD WINAPI DVListBox_GetTextLen(HWND list, LONG index);
 /* Called by the host inside VLN_LOAD when it meets an end of its data. */
+/** Tells the list, inside VLN_LOAD, that item `index` is the first of the host's data.
+ *  @return 1. */
 QZAPI BOOL WINAPI DVListBox_SetAbsoluteTop(HWND list, LONG index);
+/** Tells the list, inside VLN_LOAD, that item `index` is the last of the host's data.
+ *  @return 1. */
 QZAPI BOOL WINAPI DVListBox_SetAbsoluteBottom(HWND list, LONG index);
+/** Tells the list, inside VLN_LOAD, that the load ran past the top of the host's data.
+ *  @return 1. */
 QZAPI BOOL WINAPI DVListBox_SetPastTop(HWND list, LONG unused);
+/** Tells the list, inside VLN_LOAD, that the load ran past the bottom of the host's data.
+ *  @return 1. */
 QZAPI BOOL WINAPI DVListBox_SetPastBottom(HWND list, LONG unused);
+/** Finds the item with reference `ref` in the cache, its index into `*index`.
+ *  @return Whether it was found. */
 QZAPI BOOL WINAPI DVListBox_FindItemInCache(HWND list, const void *ref, LONG *index);
+/** Repaints every row.
+ *  @return Success. */
 QZAPI BOOL WINAPI DVListBox_Invalidate(HWND list);
+/** Repaints the row of item `index`.
+ *  @return Success; 1 also when the row is off screen. */
 QZAPI BOOL WINAPI DVListBox_InvalidateItem(HWND list, LONG index);
 /* Dialog tabs ("DialogTab"): a strip of tabs over a page whose        */
 /* controls are children of the gadget's parent. A tab is a dialog     */
 /* template, or a list of existing controls shown (inclusion) or       */
 /* hidden (exclusion) while it is current. Identifier lists end in 0.  */
 /* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup dialog_tabs Dialog tabs (DialogTab)
+ *  @{ */
 #define TABS_KEEPTEXT       0x0002  /* a change of tab leaves the texts of statics and buttons */
 #define TABS_OWNCONTROLS    0x0004  /* every tab makes its own controls; none are shared by id */
 #define TABN_CHANGING       0x64    /* before any request to change tab, even one that changes nothing */
 #define TABN_CHANGED        0xC8    /* the current tab has changed */
 #define TAB_LAST            ((DWORD)-1)  /* stands for the last tab */
 /* label: text, or a string id (below 65536) in `module`. */
+/** Adds a tab whose page is dialog template `templateName` of `module`.
+ *  @return 1 on success, 0 on failure. Records RV_BadParms, RV_OutOfLocalMemory, or RV_UserError
+ *  when the page cannot be made. */
 QZAPI BOOL WINAPI Tab_AddDialogTab(HWND tabs, LPCSTR label, DWORD tabId, HMODULE module,
                                    LPCSTR templateName);
+/** Adds a tab that shows the controls `ids` (0-terminated) of the parent while it is current.
+ *  @return 1, or 0. Records RV_BadParms or RV_OutOfLocalMemory. */
 QZAPI BOOL WINAPI Tab_AddInclusionTab(HWND tabs, LPCSTR label, DWORD tabId, const DWORD *ids,
                                       BOOL flag);
+/** Adds a tab that hides the controls `ids` (0-terminated) of the parent while it is current.
+ *  @return 1, or 0. Records RV_BadParms or RV_OutOfLocalMemory. */
 QZAPI BOOL WINAPI Tab_AddExclusionTab(HWND tabs, LPCSTR label, DWORD tabId, const DWORD *ids);
 /* Replaces the template behind tab `oldId`, which becomes `newId`. */
+/** Replaces the template behind tab `oldId`, which becomes `newId`.
+ *  @return 1, or 0. Records RV_Failure when there is no such tab. */
 QZAPI BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD oldId, DWORD newId,
                                             HMODULE module, LPCSTR templateName);
 /* The parent's answer to TABN_CHANGED; 0 when the current tab stays. */
+/** Makes tab `tabId` (TAB_LAST: the last) current, with TABN_CHANGING and TABN_CHANGED to the
+ *  parent.
+ *  @return The parent's answer to TABN_CHANGED; 0 when the current tab stays. */
 QZAPI LRESULT WINAPI Tab_SetCurrentTab(HWND tabs, DWORD tabId);
+/** As Tab_SetCurrentTab.
+ *  @return The parent's answer to TABN_CHANGED; 0 when the current tab stays. */
 QZAPI LRESULT WINAPI Tab_SetCurrentTabEx(HWND tabs, DWORD tabId);
+/** As Tab_SetCurrentTab.
+ *  @return The parent's answer to TABN_CHANGED; 0 when the current tab stays. */
 QZAPI LRESULT WINAPI Tab_SetCurrentTabExEx(HWND tabs, DWORD tabId);
 /* The current tab's id, or -1. */
+/** The current tab.
+ *  @return Its id, or -1. */
 QZAPI LONG WINAPI Tab_GetCurrentTab(HWND tabs);
 /* True when the tab was found. */
+/** Hides tab `tabId` from the strip.
+ *  @return TRUE when the tab was found. */
 QZAPI BOOL WINAPI Tab_HideTab(HWND tabs, DWORD tabId);
+/** Shows tab `tabId` in the strip again.
+ *  @return TRUE when the tab was found. */
 QZAPI BOOL WINAPI Tab_ShowTab(HWND tabs, DWORD tabId);
 /* The id of the tab at zero-based `position`, hidden tabs counting; -1. */
+/** The tab at zero-based `position`, hidden tabs counting.
+ *  @return Its id, or -1. */
 QZAPI LONG WINAPI Tab_GetTabFromPosition(HWND tabs, LONG position);
 /* The strip's height; 0 with RV_GDIError when the tab picture is missing. */
+/** The height of the strip.
+ *  @return The height; 0 when the tab picture is missing. Records RV_GDIError when the tab picture
+ *  will not load. */
 QZAPI LONG WINAPI Tab_GetTabHeight(HWND tabs);
 
+/** @} */
 #ifdef __cplusplus
 }
 #endif
