@@ -4,7 +4,10 @@
 set -euo pipefail
 
 packages=(cmake make mingw-w64 g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix
-          binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 googletest wine wine64 ccache)
+          binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 googletest wine wine64 ccache
+          # the host's kit: the MSVC-ABI host and import library, the API
+          # reference, the package
+          clang lld llvm doxygen zip unzip)
 
 missing=()
 for p in "${packages[@]}"; do
