@@ -1,7 +1,8 @@
 // The demo host: a gallery of the library's gadgets and dialogs, one page
 // per family. Run it with /LDE for German.
 //
-//   demo_host                 a live window: a button per page
+//   demo_host                 a live window: a button per page; under the
+//                             page a log of what its gadgets notify
 //   demo_host --png FOLDER    each page painted off-screen and written as
 //                             FOLDER\<page>.png; prints the paths
 //   demo_host --check         each page painted off-screen; exit status 1
@@ -33,6 +34,7 @@ void ShowPage(HWND host, int index)
     SetWindowPos(g_currentPage, nullptr, hostFrame.right + 8, hostFrame.top, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER);
     ShowWindow(g_currentPage, SW_SHOWNOACTIVATE);
+    AttachNotificationLog(g_currentPage);
 }
 
 LRESULT CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)

@@ -27,3 +27,7 @@ HWND MakePageWindow(HWND host, const char *title, int width, int height);
 // Writes `pixels` (0x00RRGGBB, top-down, `width` x `height`) as a PNG
 // through the system's image encoder. False on any failure.
 bool WritePng(const wchar_t *path, int width, int height, const DWORD *pixels);
+
+// Live gallery only: puts a log pane under `page` that lists every
+// notification its gadgets send it (class, control id, code by name).
+bool AttachNotificationLog(HWND page);
