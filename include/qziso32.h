@@ -537,12 +537,14 @@ QZAPI LONG WINAPI OSDaysSince01011800(WORD year, WORD month, WORD day);
 /** Whether the value is a valid date and time from 1800 to 2101, or one of the two no-date values.
  *  @return TRUE or FALSE; records nothing. */
 QZAPI BOOL WINAPI OSIsValidDateTime(const DateTimeValue *value);
-/** Whether the value is a valid date and time, as OSIsValidDateTime.
+/** Whether the value is a valid date, as OSIsValidDateTime but from 1801 and with the seconds
+ *  not checked.
  *  @return TRUE or FALSE; records nothing. */
 QZAPI BOOL WINAPI OSDTIsValidDateTime(const DateTimeValue *value);
 /** Tells why a value is invalid, by recording the range code of its first bad field.
- *  @return 1 if the value is valid, else 0. Records the range code (RV_YearRange, RV_MonthRange,
- *  RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid value. */
+ *  @return 1 if the value is valid, else 0. Records RV_BadParms for a null value, else the range
+ *  code (RV_YearRange, RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or
+ *  RV_SecondRange) of the first bad field. */
 QZAPI BOOL WINAPI OSWhyIsInvalidDateTime(const DateTimeValue *value);
 /** Adds years, months, days, hours, minutes, seconds and extra hours (each may be negative) to the
  *  value.
@@ -660,19 +662,13 @@ QZAPI BOOL WINAPI OSMonthToString(LONG month, DWORD flags, char *buffer, DWORD b
 QZAPI BOOL WINAPI OSDayToString(LONG weekday, DWORD flags, char *buffer, DWORD bufferSize);
 /** Reads a date and time from `text` by the conventions in force; missing parts are taken from
  *  today.
- *  @return TRUE if the result is a valid value. Records the range code (RV_YearRange,
- *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
- *  value. */
+ *  @return TRUE if the result is a valid value. Records RV_BadParms for a null output. */
 QZAPI BOOL WINAPI OSStringToDateTime(DateTimeValue *out, const char *text);
 /** As OSStringToDateTime, keeping an hour bias the text carries.
- *  @return TRUE if the result is a valid value. Records the range code (RV_YearRange,
- *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
- *  value. */
+ *  @return TRUE if the result is a valid value. Records RV_BadParms for a null output. */
 QZAPI BOOL WINAPI OSStringToDateTimeTimeBias(DateTimeValue *out, const char *text);
 /** As OSStringToDateTime, for a text that must hold a complete date.
- *  @return TRUE if the result is a valid value. Records the range code (RV_YearRange,
- *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
- *  value. */
+ *  @return TRUE if the result is a valid value. Records RV_BadParms for a null output. */
 QZAPI BOOL WINAPI OSStringToDateTimeComplete(DateTimeValue *out, const char *text);
 /** Reads a date and time from an imported text, which may hold any of the date orders.
  *  @return Always 1. */
@@ -714,7 +710,9 @@ QZAPI BOOL WINAPI OSDateTimeMonthGridEx(const DateTimeValue *value, LONG weekSta
 QZAPI BOOL WINAPI OSWeekNo(const DateTimeValue *value, LONG weekStart, LONG *weekNumber);
 /* Signs 0 (from 21 March) to 11; 12 is no sign. */
 /** The sign of the zodiac of the date, 0 from 21 March to 11.
- *  @return The sign, or 12 if the value is invalid. */
+ *  @return The sign, or 12 if the value is invalid. Records the range code (RV_YearRange,
+ *  RV_MonthRange, RV_DayRange, RV_HourRange, RV_MinuteRange or RV_SecondRange) for an invalid
+ *  value. */
 QZAPI LONG WINAPI OSGetZodiacSign(const DateTimeValue *value);
 /* Mode 1 the name, 2 the name and the dates, else the dates. */
 /** The sign's name, its dates, or both by `mode`, from the resource library.
@@ -1349,19 +1347,19 @@ QZAPI int WINAPI DrawTextWithIndent(HDC hdc, const char *text, DWORD ignored, RE
 #undef CreateDialog
 #undef CreateDialogParam
 /** Runs a modal dialog from template `templateName` of `module` with `param`.
- *  @return The dialog's result, or -1. Records RV_UserError when the dialog cannot be made. */
+ *  @return The dialog's result, or -1; records nothing. */
 QZAPI INT_PTR WINAPI DialogBoxParam(HMODULE module, const char *templateName, HWND owner,
                                     DLGPROC procedure, LPARAM param);
 /** Makes a modeless dialog from template `templateName` of `module` with `param`.
- *  @return The dialog, or null. Records RV_UserError when the dialog cannot be made. */
+ *  @return The dialog, or null; records nothing. */
 QZAPI HWND WINAPI CreateDialogParam(HMODULE module, const char *templateName, HWND owner,
                                     DLGPROC procedure, LPARAM param);
 /** Runs a modal dialog from template `templateName` of `module`.
- *  @return The dialog's result, or -1. Records RV_UserError when the dialog cannot be made. */
+ *  @return The dialog's result, or -1; records nothing. */
 QZAPI INT_PTR WINAPI DialogBox(HMODULE module, const char *templateName, HWND owner,
                                DLGPROC procedure);
 /** Makes a modeless dialog from template `templateName` of `module`.
- *  @return The dialog, or null. Records RV_UserError when the dialog cannot be made. */
+ *  @return The dialog, or null; records nothing. */
 QZAPI HWND WINAPI CreateDialog(HMODULE module, const char *templateName, HWND owner,
                                DLGPROC procedure);
 /* Shows the "EIGHTEEN" notice for ten seconds, once per `key` (every
