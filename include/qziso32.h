@@ -423,12 +423,12 @@ QZAPI BOOL WINAPI OShmemset(void *dest, int value, DWORD count);
 /* At most `count` characters of each, compared by the user's locale
  * (lstrcmp, lstrcmpi). 0 after a failed allocation, with the error recorded. */
 /** Compares at most `count` characters of two texts by the user's locale, case counting (lstrcmp).
- *  @return Below, at or above zero as `a` sorts before, with or after `b`; 0 after a failed
- *  allocation. Records RV_OutOfLocalMemory when the copies cannot be made. */
+ *  @return Below, at or above zero as `a` sorts before, with or after `b`; 0 on failure. Records
+ *  RV_BadParms for a null text, RV_OutOfLocalMemory when the copies cannot be made. */
 QZAPI int WINAPI OSstrncmp(const char *a, const char *b, DWORD count);
 /** Compares at most `count` characters of two texts by the user's locale, case ignored (lstrcmpi).
- *  @return Below, at or above zero as `a` sorts before, with or after `b`; 0 after a failed
- *  allocation. Records RV_OutOfLocalMemory when the copies cannot be made. */
+ *  @return Below, at or above zero as `a` sorts before, with or after `b`; 0 on failure. Records
+ *  RV_BadParms for a null text, RV_OutOfLocalMemory when the copies cannot be made. */
 QZAPI int WINAPI OSstrncmpi(const char *a, const char *b, DWORD count);
 
 /* ------------------------------------------------------------------ */
@@ -466,7 +466,8 @@ QZAPI char *WINAPI AtoB(char *text, BYTE *out);
  * Returns where the scan stopped. */
 /** Scans `text` by `format` into the outputs that follow (__cdecl); `*count` is 1, lowered on a
  *  mismatch.
- *  @return Where the scan stopped. Records RV_BadParms for an unknown directive. */
+ *  @return Where the scan stopped. Records RV_BadParms for a null text or format, or a directive it
+ *  does not know. */
 QZAPI char *__cdecl ArgScan(char *text, LONG *count, const char *format, ...);
 /* Ends the text at its first CR or LF, or after `limit` characters. */
 /** Ends the text at its first CR or LF, or after `limit` characters.
@@ -499,7 +500,7 @@ QZAPI char *WINAPI DToRoman(DWORD number, LONG upper, char *buffer, DWORD size);
 QZAPI DWORD WINAPI SeedRnd(void);
 /* A number below `limit`. */
 /** A random number below `limit`.
- *  @return The number. Records RV_DivideByZero for a limit of 0, and answers 0. */
+ *  @return The number; 0 for a limit of 0, with RV_BadParms recorded. */
 QZAPI int WINAPI Rnd(WORD limit);
 /* Scramble a short text into hexadecimal digits with a checksum, and back.
  * Each returns the length written, or 0 with the error recorded. */
@@ -1079,8 +1080,8 @@ QZAPI BOOL WINAPI Feedback_Begin(const FeedbackMessage *message);
  *  @return 1, or 0 if the worker is not running or no work is under way. */
 QZAPI BOOL WINAPI Feedback_End(void);
 /** Queues a message for the title, one per step of the work.
- *  @return 1 if queued, else 0. Records RV_BadParms for a bad message, RV_OutOfLocalMemory when it
- *  cannot be copied. */
+ *  @return 1 if queued, else 0. Records RV_BadParms for a format index out of range,
+ *  RV_OutOfLocalMemory when the message cannot be copied. */
 QZAPI BOOL WINAPI Feedback_PostMsg(const FeedbackMessage *message);
 /* Shows the message at once; always 0. */
 /** Shows the message in the title at once.
@@ -1468,8 +1469,8 @@ QZAPI BOOL WINAPI OSFileSetStampSame(HANDLE source, HANDLE destination);
    start of `destination`, with less memory if need be, and copies the stamps. */
 /** Copies `count` bytes (0xFFFFFFFF: all) from the start of `source` to the start of `destination`,
  *  with less memory if need be, and copies the stamps.
- *  @return 1, or 0. Records RV_OSError naming the file that failed, RV_KernelError when no buffer
- *  can be had. */
+ *  @return 1, or 0. Records RV_OSError naming the file that failed, RV_OutOfGlobalMemory when it
+ *  falls back to a smaller buffer, RV_KernelError when its buffer cannot be freed. */
 QZAPI BOOL WINAPI OSCopyFileSize(HANDLE destination, const char *destinationName, HANDLE source,
                                  const char *sourceName, DWORD count);
 /* Locks (or unlocks) a byte range: 1 done, 2 held by another, 0 failed.
