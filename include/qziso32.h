@@ -1287,7 +1287,8 @@ QZAPI HGLOBAL WINAPI DIB_Destroy(HGLOBAL dib);
  *  @{ */
 /** Reads a placeable metafile file.
  *  @return A metafile handle, or null. Records RV_NoFile when the file cannot be opened,
- *  RV_BadMetafile for a broken file. */
+ *  RV_ReadFailure when it cannot be read, RV_WrongMetafileFormat when it is no placeable metafile,
+ *  RV_BadMetafile for a broken one. */
 QZAPI HGLOBAL WINAPI MF_OpenMetaFile(const char *name);
 /* New form: four u32 (mode, xExt, yExt, handle) then the bits; old form
  * (or oldForm non-zero): four 16-bit words then the bits. */
