@@ -277,14 +277,6 @@ TEST_F(ErrorState, ModeIndexesOnPointersOrPastTheRecordAreRefused)
     EXPECT_NE(nullptr, Ctx().virtualFileCopy);
 }
 
-TEST_F(ErrorState, NamesOfCodes)
-{
-    EXPECT_STREQ("RV_NoFile", OSErrorGetRVErrorString(RV_NoFile));
-    EXPECT_STREQ("RV_WrongCodePage", OSErrorGetRVErrorString(RV_WrongCodePage));
-    EXPECT_STREQ("ErrorNo (47)", OSErrorGetRVErrorString(static_cast<ResultCode>(47)));
-    EXPECT_STREQ("ErrorNo (129)", OSErrorGetRVErrorString(static_cast<ResultCode>(129)));
-}
-
 struct Scenario {
     const char *name;
     DWORD status;

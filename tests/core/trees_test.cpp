@@ -69,6 +69,7 @@ TEST_F(Trees, SiblingInsertsRelinkNeighboursParentAndRoot)
     ASSERT_EQ(1, OSTreeInsertBeforeNode(&root, N(3), N(2)));       // 0 1 2 3
     EXPECT_EQ(N(0), root);
     EXPECT_EQ((std::vector<int>{-1, 1, -1, -1}), Links(0));
+    EXPECT_EQ((std::vector<int>{0, 2, -1, -1}), Links(1));
     EXPECT_EQ((std::vector<int>{1, 3, -1, -1}), Links(2));
     EXPECT_EQ((std::vector<int>{2, -1, -1, -1}), Links(3));
     ASSERT_EQ(1, OSTreeInsertBelowNode(&root, N(2), N(4)));        // 2 has child 4
