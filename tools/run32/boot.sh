@@ -31,8 +31,8 @@
 #   QZ_RUN32_APPEND   extra guest kernel arguments (e.g. loglevel=7 to debug a boot)
 #   QZ_RUN32_VERBOSE=1  after the run: guest console, boot timings, host wall time
 #   QZ_RUN32_KEEP=1     keep the per-run directory (job.env, logs, console)
-#   QZ_RUN32_PREFIX_ONLY=1  make the Wine prefix if it is missing, run nothing
-#                       else of COMMAND's (give `true`); return at once if it exists
+#   QZ_RUN32_PREFIX_ONLY=1  return at once when the Wine prefix exists; else boot,
+#                       make it and run COMMAND (tools/test.sh gives `true`)
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
