@@ -104,6 +104,15 @@ if [ "${QZ_TEST_SERIAL:-0}" = 1 ]; then
   phase "i686 lane" run_lane32
   i686=$?
 else
+  # A line every two minutes while the lane is still running, so a silent
+  # wait is not taken for a hang.
+  waited=0
+  while kill -0 "$lane32_pid" 2>/dev/null; do
+    sleep 5
+    waited=$((waited + 5))
+    [ $((waited % 120)) = 0 ] &&
+      echo "== i686 lane still running: $(grep -c 'Test *#' "$work/lane32.log" 2>/dev/null) programs done"
+  done
   wait "$lane32_pid"
   lane32_pid=
   cat "$work/lane32.log"
