@@ -18,4 +18,7 @@ static_assert(offsetof(ErrorState, context.offerClose) == ERRORMODE_INDEX_OFFERC
               "word 479 must be offerClose");
 static_assert(sizeof(ErrorContext) == 1408, "ErrorContext keeps its 32-bit layout");
 static_assert(sizeof(VIRTUALFILE) == 12, "VIRTUALFILE keeps its 32-bit layout");
+static_assert(offsetof(ErrorContext, itemText) == 16 && offsetof(ErrorContext, functionAddress) == 272 &&
+                  offsetof(ErrorContext, memberName) == 308 && offsetof(ErrorContext, detailText) == 349,
+              "the host reads the texts and the function address at these offsets");
 #endif

@@ -60,13 +60,15 @@ HBITMAP SamplePicture(COLORREF colour, int width, int height)
     return bitmap;
 }
 
+// A visible child of the page with its control id, in the dialog font unless
+// `guiFont` is false (the gadget's own font then stands).
 HWND Child(HWND page, const char *className, const char *text, DWORD style, int id, int x, int y,
-           int width, int height)
+           int width, int height, bool guiFont = true)
 {
     HWND child = CreateWindowExA(0, className, text, WS_CHILD | WS_VISIBLE | style, x, y, width,
                                  height, page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                                  GetModuleHandleA(nullptr), nullptr);
-    if (child)
+    if (child && guiFont)
         SendMessageA(child, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
     return child;
 }
@@ -239,17 +241,11 @@ HWND BuildTumblerPage(HWND host)
         {"Hours and minutes", TUS_HOURMINUTE, {0, 1439, 570, 15}, true},
         {"Disabled", 0, {0, 99, 42, 1}, false},
     };
-    HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
     for (int i = 0; i < 3; ++i) {
         const int y = 10 + i * 36;
-        HWND label = CreateWindowExA(0, "static", rows[i].label, WS_CHILD | WS_VISIBLE, 10, y + 4, 140, 18,
-                                     page, nullptr, GetModuleHandleA(nullptr), nullptr);
-        HWND tumbler = CreateWindowExA(0, "Tumbler", "", WS_CHILD | WS_VISIBLE | WS_BORDER | rows[i].style,
-                                       150, y, 100, 24, page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
-                                       GetModuleHandleA(nullptr), nullptr);
+        HWND label = Child(page, "static", rows[i].label, 0, 0, 10, y + 4, 140, 18);
+        HWND tumbler = Child(page, "Tumbler", "", WS_BORDER | rows[i].style, 100 + i, 150, y, 100, 24);
         if (!label || !tumbler) return nullptr;
-        SendMessageA(label, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
-        SendMessageA(tumbler, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
         SetWindowPos(tumbler, nullptr, 0, 0, 100, 24, SWP_NOMOVE | SWP_NOZORDER);  // height from the font
         SendMessageA(tumbler, TUM_SETRANGE, 0, reinterpret_cast<LPARAM>(rows[i].range));
         EnableWindow(tumbler, rows[i].enabled);
@@ -273,9 +269,7 @@ HWND BuildTimeSetterPage(HWND host)
         {95, 12, RGB(255, 255, 255), {2026, 3, 10, 7, 0, 0, 0}, {2026, 3, 10, 14, 0, 0, 0}},
     };
     for (const auto &row : rows) {
-        HWND setter = CreateWindowExA(0, "TimeSetter", "", WS_CHILD | WS_VISIBLE, row.x, 10, 60, 320, page,
-                                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(200 + row.x)),
-                                      GetModuleHandleA(nullptr), nullptr);
+        HWND setter = Child(page, "TimeSetter", "", 0, 200 + row.x, row.x, 10, 60, 320, false);
         if (!setter) return nullptr;
         SendMessageA(setter, TSM_SETHOURSINVIEW, row.hours, 0);
         SendMessageA(setter, TSM_SETBACKCOLOUR, 0, static_cast<LPARAM>(row.back));
@@ -294,9 +288,7 @@ HWND BuildDateTrackerPage(HWND host)
     if (!page) return nullptr;
     HWND trackers[2];
     for (int i = 0; i < 2; ++i) {
-        trackers[i] = CreateWindowExA(0, "DateTracker", "", WS_CHILD | WS_VISIBLE, 10 + i * 215, 10, 100, 100,
-                                      page, reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
-                                      GetModuleHandleA(nullptr), nullptr);
+        trackers[i] = Child(page, "DateTracker", "", 0, 100 + i, 10 + i * 215, 10, 100, 100, false);
         if (!trackers[i]) return DestroyWindow(page), nullptr;
     }
     DateTimeValue chosen;
@@ -339,9 +331,7 @@ HWND BuildTimeTrackerPage(HWND host)
         {GalleryTime(14, 30), 30, 5, 0, 0},
     };
     for (int i = 0; i < 2; ++i) {
-        HWND tracker = CreateWindowExA(0, "TimeTracker", "", WS_CHILD | WS_VISIBLE, rows[i].x, 10, 120, 310, page,
-                                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(100 + i)),
-                                       GetModuleHandleA(nullptr), nullptr);
+        HWND tracker = Child(page, "TimeTracker", "", 0, 100 + i, rows[i].x, 10, 120, 310, false);
         if (!tracker) return nullptr;
         DateTimeValue view = GalleryTime(rows[i].viewHour, 0);
         DateTimeValue start = GalleryTime(rows[i].startHour, rows[i].startMinute);
@@ -385,9 +375,8 @@ HWND BuildVirtualListPage(HWND host)
 {
     HWND page = MakePageWindow(host, "Virtual list", 340, 242);
     if (!page) return nullptr;
-    HWND list = CreateWindowExA(0, "QzVListBox", "", WS_CHILD | WS_VISIBLE | WS_VSCROLL |
-                                VLS_EXTENDEDSEL | VLS_NOTIFY, 10, 10, 320, 222, page,
-                                reinterpret_cast<HMENU>(1), GetModuleHandleA(nullptr), nullptr);
+    HWND list = Child(page, "QzVListBox", "", WS_VSCROLL | VLS_EXTENDEDSEL | VLS_NOTIFY, 1, 10, 10, 320, 222,
+                      false);
     if (!list || !VListBox_Initialize(list, 1000000, 200, 40, MillionListProc, 0)) return nullptr;
     VListBox_SetTopIndex(list, 499995);
     const DWORD chosen[] = {499997, 499998, 499999, 500002};
@@ -512,16 +501,13 @@ HWND BuildDynamicListPage(HWND host)
     HWND page = MakePageWindow(host, "Dynamic list", 340, 272);
     if (!page) return nullptr;
     MakeNames();
-    HWND list = CreateWindowExA(0, "QzDVListBox", "", WS_CHILD | WS_VISIBLE | WS_VSCROLL |
-                                VLS_NOTIFY | VLS_DOUBLEBUFFER, 10, 10, 320, 222, page,
-                                reinterpret_cast<HMENU>(1), GetModuleHandleA(nullptr), nullptr);
+    HWND list = Child(page, "QzDVListBox", "", WS_VSCROLL | VLS_NOTIFY | VLS_DOUBLEBUFFER, 1, 10, 10, 320, 222,
+                      false);
     if (!list || !DVListBox_Initialize(list, static_cast<LONG>(g_names.size()), 200, 40, 4,
                                        NameListProc, 0))
         return nullptr;
-    CreateWindowExA(0, "BUTTON", "Insert", WS_CHILD | WS_VISIBLE, 10, 240, 90, 24, page,
-                    reinterpret_cast<HMENU>(kInsertButton), GetModuleHandleA(nullptr), nullptr);
-    CreateWindowExA(0, "BUTTON", "Delete", WS_CHILD | WS_VISIBLE, 110, 240, 90, 24, page,
-                    reinterpret_cast<HMENU>(kDeleteButton), GetModuleHandleA(nullptr), nullptr);
+    Child(page, "BUTTON", "Insert", 0, kInsertButton, 10, 240, 90, 24, false);
+    Child(page, "BUTTON", "Delete", 0, kDeleteButton, 110, 240, 90, 24, false);
     g_dynamicPageBase = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(page, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DynamicPageProc)));
     // Open in the middle, select a record, then let the data change around

@@ -13,25 +13,21 @@ std::string Minutes(BOOL(WINAPI *convert)(const char *, char *), const char *tex
     return out;
 }
 
-TEST_F(TumblerStrings, ReadsHourAndMinuteStrings)
+// Hour-and-minute texts are clamped to the day's last minute: at, one below
+// and one above it; real times read by the clock.
+TEST_F(TumblerStrings, ReadsHourMinuteAndRealStrings)
 {
     IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
+    const auto hm = OSConvertHourMinuteStringToTumblerTimeString, real = OSConvertRealStringToTumblerTimeString;
     const struct {
+        BOOL(WINAPI *convert)(const char *, char *);
         const char *text, *minutes;
-    } rows[] = {{"90", "90"}, {"2000", "1439"}, {"30h", "1439"}, {"2 30", "150"}, {"2h 30m", "150"},
-                {"5h", "300"}, {"   ", ""}};
+    } rows[] = {{hm, "90", "90"},       {hm, "1438", "1438"}, {hm, "1439", "1439"}, {hm, "1440", "1439"},
+                {hm, "2000", "1439"},   {hm, "30h", "1439"},  {hm, "23h 59m", "1439"}, {hm, "2 30", "150"},
+                {hm, "2h 30m", "150"},  {hm, "5h", "300"},    {hm, "   ", ""},       {real, "14:30", "840"},
+                {real, "5 PM", "1020"}, {real, "noon", "720"}, {real, "", ""}};
     for (const auto &row : rows)
-        EXPECT_EQ(row.minutes, Minutes(OSConvertHourMinuteStringToTumblerTimeString, row.text)) << row.text;
-}
-
-TEST_F(TumblerStrings, ReadsRealStrings)
-{
-    IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
-    const struct {
-        const char *text, *minutes;
-    } rows[] = {{"14:30", "840"}, {"5 PM", "1020"}, {"noon", "720"}, {"", ""}};
-    for (const auto &row : rows)
-        EXPECT_EQ(row.minutes, Minutes(OSConvertRealStringToTumblerTimeString, row.text)) << row.text;
+        EXPECT_EQ(row.minutes, Minutes(row.convert, row.text)) << row.text;
 }
 
 TEST_F(TumblerStrings, WritesByTheClockAndRoundTrips)

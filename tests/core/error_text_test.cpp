@@ -19,7 +19,10 @@ TEST_F(ErrorText, CommonDialogAndDdeNames)
                   {16402, "DDEML ErrorNo 16402"}, {16383, "DDEML ErrorNo 16383"}};
     for (const Case &c : dde)
         EXPECT_STREQ(c.text, OSErrorGetDDEMLErrorString(c.number));
+    EXPECT_STREQ("RV_NoFile", OSErrorGetRVErrorString(RV_NoFile));
+    EXPECT_STREQ("RV_WrongCodePage", OSErrorGetRVErrorString(RV_WrongCodePage));
     EXPECT_STREQ("ErrorNo (47)", OSErrorGetRVErrorString(static_cast<ResultCode>(47)));
+    EXPECT_STREQ("ErrorNo (129)", OSErrorGetRVErrorString(static_cast<ResultCode>(129)));
 }
 
 // The system's message where it has one; the built text where it has none.

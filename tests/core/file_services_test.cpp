@@ -236,21 +236,4 @@ TEST_F(CopyFileSize, ReportsTheFileThatFailed)
         CloseHandle(file);
 }
 
-TEST(VirtualFile, ClearFreesItsBlockAndEmptiesIt)
-{
-    VIRTUALFILE empty = {VIRTUALFILE_MARKER, nullptr, 0};
-    empty.Clear();
-    EXPECT_EQ(nullptr, empty.data);
-    EXPECT_EQ(0u, empty.size);
-    EXPECT_EQ(VIRTUALFILE_MARKER, empty.marker);
-
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 64);
-    VIRTUALFILE held = {VIRTUALFILE_MARKER, GlobalLock(block), 64};
-    ASSERT_NE(nullptr, held.data);
-    held.Clear();
-    EXPECT_EQ(nullptr, held.data);
-    EXPECT_EQ(0u, held.size);
-    EXPECT_EQ(UINT(GMEM_INVALID_HANDLE), GlobalFlags(block)) << "the block is freed";
-}
-
 } // namespace

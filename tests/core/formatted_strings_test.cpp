@@ -96,7 +96,7 @@ TEST_F(FormattedStrings, LongOutputStopsAtTheBoundLikeWsprintf)
 TEST_F(FormattedStrings, LimitCutsAndTerminates)
 {
     struct Case { LONG limit; const char *expected; int count; } cases[] = {
-        {5, "01234", 5}, {0, "", 0}, {10, "0123456789", 10}, {11, "0123456789", 10}, {5000, "0123456789", 10}};
+        {5, "01234", 5}, {0, "", 0}, {9, "012345678", 9}, {10, "0123456789", 10}, {11, "0123456789", 10}, {5000, "0123456789", 10}};
     for (const Case &c : cases) {
         Guarded dest(64);
         EXPECT_EQ(c.count, OScsprintf(dest.data(), c.limit, "%s", "0123456789"));

@@ -30,7 +30,9 @@ TEST(VirtualFileClear, HostCallsTheMemberThroughTheImportLibrary)
     // compiler would; this call links against the import library.
     VIRTUALFILE file = FileWithData(64);
     ASSERT_NE(nullptr, file.data);
+    HGLOBAL block = GlobalHandle(file.data);
     file.Clear();
+    EXPECT_EQ(UINT(GMEM_INVALID_HANDLE), GlobalFlags(block)) << "the block is freed";
     EXPECT_EQ(VIRTUALFILE_MARKER, file.marker);
     EXPECT_EQ(nullptr, file.data);
     EXPECT_EQ(0u, file.size);

@@ -25,32 +25,6 @@ TEST(MessageBoxDriver, ReadsTheBoxAndPressesTheAnswer)
     EXPECT_EQ(0u, boxes.Seen()[2].icon);
 }
 
-TEST(MessageBoxDriver, SeesOwnerHelpButtonAndTaskModality)
-{
-    HWND window = CreateWindowA("STATIC", "host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100,
-                                nullptr, nullptr, nullptr, nullptr);
-    ASSERT_NE(nullptr, window);
-    MessageBoxDriver boxes;
-    boxes.AnswerOthers(IDOK, false);
-
-    MessageBoxA(window, "owned", "c", MB_OK | MB_HELP | MB_ICONASTERISK);
-    MessageBoxA(nullptr, "task", "c", MB_OK | MB_TASKMODAL);
-    MessageBoxA(nullptr, "system", "c", MB_OK | MB_SYSTEMMODAL | MB_ICONEXCLAMATION);
-
-    ASSERT_EQ(3u, boxes.Seen().size());
-    const SeenBox &owned = boxes.Seen()[0];
-    EXPECT_EQ(window, owned.owner);
-    EXPECT_EQ(UINT(MB_OK | MB_HELP), owned.buttons);
-    EXPECT_EQ(UINT(MB_ICONASTERISK), owned.icon);
-    EXPECT_EQ(0, owned.disabledThreadWindows);
-    EXPECT_EQ(nullptr, boxes.Seen()[1].owner);
-    EXPECT_GE(boxes.Seen()[1].disabledThreadWindows, 1);
-    EXPECT_FALSE(boxes.Seen()[1].topmost);
-    EXPECT_TRUE(boxes.Seen()[2].topmost);
-    EXPECT_TRUE(IsWindowEnabled(window));
-    DestroyWindow(window);
-}
-
 TEST(MessageBoxDriver, ReportsWrongAndMissingBoxes)
 {
     EXPECT_NONFATAL_FAILURE(
@@ -72,33 +46,6 @@ TEST(MessageBoxDriver, ReportsWrongAndMissingBoxes)
             EXPECT_EQ(IDCANCEL, MessageBoxA(nullptr, "stray", "c", MB_OKCANCEL));
         },
         "unexpected message box");
-}
-
-INT_PTR CALLBACK PlainDialog(HWND, UINT message, WPARAM, LPARAM)
-{
-    return message == WM_INITDIALOG;
-}
-
-TEST(MessageBoxDriver, HandsOtherDialogsToTheHandler)
-{
-    MessageBoxDriver boxes;
-    HWND seen = nullptr;
-    boxes.OnDialog([&seen](HWND dialog) {
-        seen = dialog;
-        EndDialog(dialog, 42);
-    });
-    // The smallest dialog template: a caption-less "#32770" with no controls.
-    struct {
-        DLGTEMPLATE header;
-        WORD menu, windowClass, title;
-    } tmpl = {};
-    tmpl.header.style = WS_POPUP | WS_VISIBLE | DS_MODALFRAME;
-    tmpl.header.cx = 50;
-    tmpl.header.cy = 20;
-    INT_PTR result = DialogBoxIndirectParamA(nullptr, &tmpl.header, nullptr, PlainDialog, 0);
-    EXPECT_EQ(42, result);
-    EXPECT_NE(nullptr, seen);
-    EXPECT_TRUE(boxes.Seen().empty());
 }
 
 } // namespace

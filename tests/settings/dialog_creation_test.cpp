@@ -23,33 +23,27 @@ INT_PTR CALLBACK KeepParam(HWND, UINT message, WPARAM, LPARAM lParam)
     return message == WM_INITDIALOG;
 }
 
+// Each wrapper from the resource library's template, its parameter handed to
+// WM_INITDIALOG; a missing template fails without recording.
 TEST(DialogCreation, TheFourWrappersMakeDialogsFromTheResourceLibrary)
 {
     HMODULE resources = ResourceGetHandle();
+    OSErrorClearError();
     EXPECT_EQ(42, DialogBox(resources, "EIGHTEEN", nullptr, EndWithParam));
     EXPECT_EQ(7, DialogBoxParam(resources, "EIGHTEEN", nullptr, EndWithParam, 7));
-
-    g_initParam = -1;
-    HWND made = CreateDialog(resources, "EIGHTEEN", nullptr, KeepParam);
-    ASSERT_TRUE(made);
-    EXPECT_EQ(0, g_initParam);
-    char text[64] = {};
-    GetDlgItemTextA(made, 100, text, sizeof text);
-    EXPECT_STREQ("New in this version", text);
-    DestroyWindow(made);
-
-    made = CreateDialogParam(resources, "EIGHTEEN", nullptr, KeepParam, 99);
-    ASSERT_TRUE(made);
-    EXPECT_EQ(99, g_initParam);
-    DestroyWindow(made);
-}
-
-TEST(DialogCreation, AMissingTemplateFailsWithoutRecording)
-{
-    OSErrorClearError();
-    HMODULE resources = ResourceGetHandle();
     EXPECT_EQ(-1, DialogBox(resources, "NOSUCHDIALOG", nullptr, EndWithParam));
     EXPECT_EQ(-1, DialogBoxParam(resources, MAKEINTRESOURCEA(4711), nullptr, EndWithParam, 1));
+    for (LPARAM param : {LPARAM(0), LPARAM(99)}) {
+        g_initParam = -1;
+        HWND made = param ? CreateDialogParam(resources, "EIGHTEEN", nullptr, KeepParam, param)
+                          : CreateDialog(resources, "EIGHTEEN", nullptr, KeepParam);
+        ASSERT_TRUE(made);
+        EXPECT_EQ(param, g_initParam);
+        char text[64] = {};
+        GetDlgItemTextA(made, 100, text, sizeof text);
+        EXPECT_STREQ("New in this version", text);
+        DestroyWindow(made);
+    }
     EXPECT_EQ(nullptr, CreateDialog(resources, "NOSUCHDIALOG", nullptr, KeepParam));
     EXPECT_EQ(nullptr, CreateDialogParam(nullptr, "NOSUCHDIALOG", nullptr, KeepParam, 1));
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());

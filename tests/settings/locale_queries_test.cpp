@@ -6,146 +6,137 @@
 namespace {
 
 const char kIntlKey[] = "Control Panel\\International";
+using LocaleQueries = ErrorStateTest;
 
-class LocaleQueries : public ErrorStateTest {};
+LONG Separator() { return OSGetSeparator(); }
+LONG Decimal() { return OSGetDecimal(); }
+LONG Thousand() { return OSGetThousand(); }
 
-}  // namespace
-
-TEST_F(LocaleQueries, SeparatorAndMeasurementFollowTheRegistry)
+// Each reader walks its value: text, raw bytes of the edge sizes, absent.
+// A type of 0 removes the value. One byte, as from the profile, counts as
+// nothing found; the number readers take at most 12 bytes, the country code 4.
+TEST_F(LocaleQueries, EachReaderAtItsValueSizes)
 {
-    SavedValue list(HKEY_CURRENT_USER, kIntlKey, "sList");
-    SavedValue measure(HKEY_CURRENT_USER, kIntlKey, "iMeasure");
-    list.SetText(";");
-    EXPECT_EQ(';', OSGetSeparator());
-    list.Set(REG_SZ, "", 0);  // no bytes: the default
-    EXPECT_EQ(',', OSGetSeparator());
-    list.Remove();
-    EXPECT_EQ(',', OSGetSeparator());
-    measure.SetText("0");
-    EXPECT_EQ(0, OSGetMeasurement());
-    measure.Set(REG_BINARY, "00000000002", 11);  // longer than its 10 bytes, no terminator
-    EXPECT_EQ(0, OSGetMeasurement());
-    measure.Remove();
-    EXPECT_EQ(1, OSGetMeasurement());
+    const DWORD two = 2;
+    const struct {
+        const char *value;
+        LONG(WINAPI *reader)();
+        LONG(*plain)();
+        DWORD type;
+        const void *data;
+        DWORD size;
+        LONG expected;
+    } rows[] = {
+        {"sList", nullptr, Separator, REG_SZ, ";", 2, ';'},
+        {"sList", nullptr, Separator, REG_SZ, "", 0, ','},
+        {"sList", nullptr, Separator, 0, nullptr, 0, ','},
+        {"sDecimal", nullptr, Decimal, REG_SZ, ":;", 3, ':'},
+        {"sDecimal", nullptr, Decimal, REG_BINARY, "", 0, '.'},
+        {"sThousand", nullptr, Thousand, REG_SZ, ".", 2, '.'},
+        {"sThousand", nullptr, Thousand, REG_BINARY, "'", 1, ','},
+        {"sThousand", nullptr, Thousand, 0, nullptr, 0, ','},
+        {"iMeasure", OSGetMeasurement, nullptr, REG_SZ, "0", 2, 0},
+        {"iMeasure", OSGetMeasurement, nullptr, REG_SZ, "000000000", 10, 0},
+        {"iMeasure", OSGetMeasurement, nullptr, REG_BINARY, "00000000002", 11, 0},
+        {"iMeasure", OSGetMeasurement, nullptr, 0, nullptr, 0, 1},
+        {"iNegNumber", OSGetNegNumber, nullptr, REG_SZ, "3", 2, 3},
+        {"iNegNumber", OSGetNegNumber, nullptr, REG_DWORD, &two, 4, 2},
+        {"iNegNumber", OSGetNegNumber, nullptr, REG_SZ, "00000000042", 12, 42},
+        {"iNegNumber", OSGetNegNumber, nullptr, REG_SZ, "123456789012", 13, 0},
+        {"iNegNumber", OSGetNegNumber, nullptr, 0, nullptr, 0, 1},
+        {"sLanguage", OSGetCountryCode, nullptr, REG_SZ, "DEU", 4, 0},
+        {"sLanguage", OSGetCountryCode, nullptr, REG_SZ, "12", 3, 12},
+        {"sLanguage", OSGetCountryCode, nullptr, REG_SZ, "123456789", 10, 1234},
+    };
+    for (const auto &row : rows) {
+        SavedValue saved(HKEY_CURRENT_USER, kIntlKey, row.value);
+        if (row.type)
+            saved.Set(row.type, row.data, row.size);
+        else
+            saved.Remove();
+        EXPECT_EQ(row.expected, row.reader ? row.reader() : row.plain())
+            << row.value << " " << row.size;
+    }
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    EXPECT_EQ(GetACP(), OSGetCodePage());
 }
 
-TEST_F(LocaleQueries, LanguageAndItsMisreadCountryCode)
+TEST_F(LocaleQueries, LanguageNameOrItsDefault)
 {
     SavedValue language(HKEY_CURRENT_USER, kIntlKey, "sLanguage");
-    char buffer[8];
-    language.SetText("DEU");
-    memset(buffer, kGuard, sizeof buffer);
-    EXPECT_EQ(1, OSGetLanguage(buffer, 6));
-    EXPECT_STREQ("DEU", buffer);
-    EXPECT_EQ(0, OSGetCountryCode());  // a language name has no digits
-    language.SetText("12");
-    EXPECT_EQ(12, OSGetCountryCode());
-    language.SetText("123456789");
-    EXPECT_EQ(1234, OSGetCountryCode());  // four bytes read, no terminator among them
-    language.Remove();
-    memset(buffer, kGuard, sizeof buffer);
-    EXPECT_EQ(1, OSGetLanguage(buffer, 6));
-    EXPECT_STREQ("en", buffer);
-    EXPECT_TRUE(GuardIntact(buffer, 3, sizeof buffer));
-    EXPECT_EQ(GetACP(), OSGetCodePage());
+    for (const char *stored : {"DEU", static_cast<const char *>(nullptr)}) {
+        if (stored)
+            language.SetText(stored);
+        else
+            language.Remove();
+        char buffer[8];
+        memset(buffer, kGuard, sizeof buffer);
+        EXPECT_EQ(1, OSGetLanguage(buffer, 6));
+        EXPECT_STREQ(stored ? stored : "en", buffer);
+        EXPECT_TRUE(GuardIntact(buffer, strlen(buffer) + 1, sizeof buffer));
+    }
 }
 
 TEST_F(LocaleQueries, CountryByTable)
 {
     SavedValue country(HKEY_CURRENT_USER, kIntlKey, "iCountry");
-    struct Case {
+    const struct {
         const char *stored;
         LONG size;
         BOOL result;
         const char *expected;  // null: the buffer stays as it was
     } cases[] = {
         {"1", 8, 1, "US"},    {"49", 8, 1, "DE"},  {"358", 8, 1, "FI"}, {"41", 8, 1, "**"},
-        {"44", 2, 1, "G"},    {"1000", 8, 0, nullptr}, {nullptr, 8, 0, nullptr},
+        {"44", 2, 1, "G"},    {"44", 3, 1, "GB"},  {"1000", 8, 0, nullptr}, {nullptr, 8, 0, nullptr},
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         SCOPED_TRACE(c.stored ? c.stored : "(absent)");
-        if (c.stored)
-            country.SetText(c.stored);
-        else
-            country.Remove();
+        c.stored ? country.SetText(c.stored) : country.Remove();
         char buffer[12];
         memset(buffer, kGuard, sizeof buffer);
         EXPECT_EQ(c.result, OSGetCountry(buffer, c.size));
         if (c.expected) {
             EXPECT_STREQ(c.expected, buffer);
-            EXPECT_TRUE(GuardIntact(buffer, strlen(c.expected) + 1, sizeof buffer));
-        } else {
-            EXPECT_TRUE(GuardIntact(buffer, 0, sizeof buffer));
         }
+        EXPECT_TRUE(GuardIntact(buffer, c.expected ? strlen(c.expected) + 1 : 0, sizeof buffer));
     }
-}
-
-// The profile's "Intl" section is the same key on this platform, so the
-// fallback finds nothing the key has not: the fixed answers stand in.
-TEST_F(LocaleQueries, MarksFromTheRegistryOrTheirFixedAnswers)
-{
-    SavedValue decimal(HKEY_CURRENT_USER, kIntlKey, "sDecimal");
-    SavedValue thousand(HKEY_CURRENT_USER, kIntlKey, "sThousand");
-    decimal.SetText(",");
-    thousand.SetText(".");
-    EXPECT_EQ(',', OSGetDecimal());
-    EXPECT_EQ('.', OSGetThousand());
-    decimal.SetText(":;");
-    EXPECT_EQ(':', OSGetDecimal());
-    // One byte, as from the profile, counts as nothing found.
-    thousand.Set(REG_BINARY, "'", 1);
-    EXPECT_EQ(',', OSGetThousand());
-    decimal.Set(REG_BINARY, "", 0);
-    thousand.Remove();
-    EXPECT_EQ('.', OSGetDecimal());
-    EXPECT_EQ(',', OSGetThousand());
-    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
-}
-
-TEST_F(LocaleQueries, NegativeNumberForm)
-{
-    SavedValue negative(HKEY_CURRENT_USER, kIntlKey, "iNegNumber");
-    negative.SetText("3");
-    EXPECT_EQ(3, OSGetNegNumber());
-    DWORD two = 2;
-    negative.Set(REG_DWORD, &two, sizeof two);
-    EXPECT_EQ(2, OSGetNegNumber());
-    negative.SetText("1234567890123");  // does not fit the 12 bytes
-    EXPECT_EQ(0, OSGetNegNumber());
-    negative.Remove();
-    EXPECT_EQ(1, OSGetNegNumber());
 }
 
 TEST_F(LocaleQueries, OrdinalSuffixes)
 {
-    struct Case {
+    const struct {
         DWORD number;
         LONG plain, size;
-        const char *expected;
+        BOOL result;
+        const char *expected;  // null: nothing written
+        ResultCode code;
+        DWORD item;
     } cases[] = {
-        {1, 0, 16, "1st"},   {2, 0, 16, "2nd"},    {11, 0, 16, "11th"},  {22, 0, 16, "22nd"},
-        {31, 0, 16, "31st"}, {3, 1, 16, "third"},  {22, 0, 3, "22"},     {21, 1, 7, "twenty"},
-        {0, 0, 16, "@2%s"},  // string 2600 is both the format and the ordinal text
+        {1, 0, 16, 1, "1st", RV_Success, 0},     {2, 0, 16, 1, "2nd", RV_Success, 0},
+        {11, 0, 16, 1, "11th", RV_Success, 0},   {22, 0, 16, 1, "22nd", RV_Success, 0},
+        {31, 0, 16, 1, "31st", RV_Success, 0},   {3, 1, 16, 1, "third", RV_Success, 0},
+        {22, 0, 3, 1, "22", RV_Success, 0},      {22, 0, 4, 1, "22n", RV_Success, 0},
+        {21, 1, 7, 1, "twenty", RV_Success, 0},
+        {0, 0, 16, 1, "@2%s", RV_Success, 0},  // string 2600 is both the format and the ordinal text
+        {99, 0, 8, 0, nullptr, RV_StringNonExistant, 2699},
+        {99, 1, 8, 0, nullptr, RV_StringNonExistant, 3099},
+        {1, 0, 0, 0, nullptr, RV_BadParms, 0},
     };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.expected);
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::to_string(c.number) + "/" + std::to_string(c.size));
+        OSErrorClearError();
         char buffer[24];
         memset(buffer, kGuard, sizeof buffer);
-        EXPECT_EQ(1, OSSuffix(c.number, c.plain, buffer, c.size));
-        EXPECT_STREQ(c.expected, buffer);
-        EXPECT_TRUE(GuardIntact(buffer, strlen(c.expected) + 1, sizeof buffer));
+        EXPECT_EQ(c.result, OSSuffix(c.number, c.plain, buffer, c.size));
+        if (c.expected) {
+            EXPECT_STREQ(c.expected, buffer);
+        }
+        EXPECT_TRUE(GuardIntact(buffer, c.expected ? strlen(c.expected) + 1 : 0, sizeof buffer));
+        EXPECT_EQ(c.code, OSErrorGetErrorValue());
+        if (c.item) {
+            EXPECT_EQ(c.item, OSErrorGetErrorInfo()->itemValue);
+        }
     }
-    char buffer[8];
-    memset(buffer, kGuard, sizeof buffer);
-    EXPECT_EQ(0, OSSuffix(99, 0, buffer, sizeof buffer));
-    EXPECT_EQ(RV_StringNonExistant, OSErrorGetErrorValue());
-    EXPECT_EQ(2699u, OSErrorGetErrorInfo()->itemValue);
-    OSErrorClearError();
-    EXPECT_EQ(0, OSSuffix(99, 1, buffer, sizeof buffer));
-    EXPECT_EQ(3099u, OSErrorGetErrorInfo()->itemValue);
-    OSErrorClearError();
-    EXPECT_EQ(0, OSSuffix(1, 0, buffer, 0));
-    EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
-    EXPECT_TRUE(GuardIntact(buffer, 0, sizeof buffer));
 }
+
+}  // namespace

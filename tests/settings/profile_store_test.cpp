@@ -27,10 +27,12 @@ TEST_F(ProfileStore, TextsAreCountedWithTheirTerminatorAndCutWithout)
         DWORD bufferSize, expected;
         const char *bytes;  // what the buffer must start with
     } cases[] = {
-        {"Text", "", 32, 12, "hello world"},      // whole, terminator counted
-        {"Text", "", 5, 5, "hello"},              // cut, no terminator
+        {"Text", "", 13, 12, "hello world"},      // whole, terminator counted
+        {"Text", "", 12, 12, "hello world"},      // exactly
+        {"Text", "", 11, 11, "hello world"},      // cut, no terminator
         {"Missing", "", 8, 0, ""},                // empty default: one zero byte
-        {"Missing", "abcdefg", 4, 4, "abcd"},     // long default cut, no terminator
+        {"Missing", "abcdefg", 7, 7, "abcdefg"},  // long default cut, no terminator
+        {"Missing", "abcdefg", 8, 8, "abcdefg"},
         {"Missing", "x", 8, 2, "x"},
     };
     for (const Case &c : cases) {

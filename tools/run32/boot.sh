@@ -31,6 +31,8 @@
 #   QZ_RUN32_APPEND   extra guest kernel arguments (e.g. loglevel=7 to debug a boot)
 #   QZ_RUN32_VERBOSE=1  after the run: guest console, boot timings, host wall time
 #   QZ_RUN32_KEEP=1     keep the per-run directory (job.env, logs, console)
+#   QZ_RUN32_PREFIX_ONLY=1  return at once when the Wine prefix exists; else boot,
+#                       make it and run COMMAND (tools/test.sh gives `true`)
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -105,6 +107,9 @@ if [ ! -s "$image" ]; then
   find "$cache" -maxdepth 1 -name 'prefix-win32-*.part.*' -mmin +120 -delete
   echo "$prog: no Wine prefix for $wine_version yet; making one in this boot (about a minute)" >&2
 fi
+# QZ_RUN32_PREFIX_ONLY=1: only make sure the prefix exists (tools/test.sh makes
+# it while the trees build); with one there already, nothing boots.
+[ "${QZ_RUN32_PREFIX_ONLY:-0}" = 1 ] && [ "$prefix_mode" = use ] && exit 0
 
 run=$(mktemp -d /tmp/qz-run32.XXXXXX)
 disk_file=
