@@ -2,7 +2,9 @@
 // peers, measured in the same run. A ratio above 1 means the library is
 // faster than the platform.
 #include <windows.h>
+#include <cctype>
 #include <cstdio>
+#include <string>
 #include "qziso32.h"
 #include "bench_timing.h"
 
@@ -46,15 +48,23 @@ int main()
     });
     ReportRates("OSrsprintf (4 reordered arguments)", ours, "FormatMessageA (argument array)", peer);
 
-    const char *a = "Quarterly planning meeting, room 4";
-    const char *b = "QUARTERLY PLANNING MEETING, ROOM 5";
-    ours = Rate([&](int) { g_sink = OSstrncmpi(a, b, 20); });
-    peer = Rate([&](int) {
-        char first[21], second[21];
-        lstrcpynA(first, a, sizeof first);
-        lstrcpynA(second, b, sizeof second);
-        g_sink = lstrcmpiA(first, second);
-    });
-    ReportRates("OSstrncmpi (20 characters)", ours, "lstrcmpiA on copies", peer);
+    // The bounded compare on texts of 8, 64 and 1,000 bytes that differ in
+    // case throughout and in their last letter, against lstrcmpiA on the
+    // same texts as they stand (the count takes them whole).
+    for (size_t length : {8u, 64u, 1000u}) {
+        std::string first, second;
+        for (size_t i = 0; i < length; ++i) {
+            first += static_cast<char>("Quarterly planning, room "[i % 25]);
+            second += static_cast<char>(toupper(static_cast<unsigned char>(first.back())));
+        }
+        second.back() = '~';
+        const char *a = first.c_str(), *b = second.c_str();
+        const DWORD count = static_cast<DWORD>(length);
+        ours = Rate([&](int) { g_sink = OSstrncmpi(a, b, count); });
+        peer = Rate([&](int) { g_sink = lstrcmpiA(a, b); });
+        char label[64];
+        snprintf(label, sizeof label, "OSstrncmpi (%u bytes)", static_cast<unsigned>(length));
+        ReportRates(label, ours, "lstrcmpiA (same texts)", peer);
+    }
     return 0;
 }
