@@ -91,6 +91,14 @@ TEST_F(FormattedStrings, LongOutputStopsAtTheBoundLikeWsprintf)
     ExpectSameAsPlatform("%2000d", 9);
     ExpectSameAsPlatform("%-2000d|", 9);
     ExpectSameAsPlatform("%.1500d", 9);
+    // Where widths and texts come within reach of the bound.
+    for (size_t lead = 985; lead <= 1012; ++lead) {
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%-12s|", "Meeting");
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%12s|", "Quarterly planning");
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%08lX|", -1);
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%-9d|", INT_MIN);
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%011d|", -42);
+    }
 }
 
 TEST_F(FormattedStrings, LimitCutsAndTerminates)
