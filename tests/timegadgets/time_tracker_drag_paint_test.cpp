@@ -1,0 +1,78 @@
+// TimeTracker drag painting: after every step of a scripted drag the window
+// shows exactly what a full repaint shows, for each kind of drag, with busy
+// lanes whose clash colour flips on the way.
+#include "qz_test.h"
+#include "window_harness.h"
+#include <vector>
+
+namespace {
+
+const int ID = 100;
+
+DateTimeValue At(int hour, int minute)
+{
+    DateTimeValue v = MakeDate(2026, 3, 11);
+    OSAdjustDateTime(&v, 0, 0, 0, hour, minute, 0, 0);
+    return v;
+}
+
+LONG Y(HWND g, const DateTimeValue &t)
+{
+    return static_cast<LONG>(SendMessageA(g, TTM_TIMETOY, 0, reinterpret_cast<LPARAM>(&t)));
+}
+
+class TimeTrackerDragPaint : public GadgetTest {};
+
+TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
+{
+    // Where the drag takes hold (the y of a time, offset in pixels), and the
+    // times the pointer then visits: small and large steps, back and forth,
+    // across the other end and out past the scale.
+    struct Script {
+        const char *what;
+        DateTimeValue grip;
+        int gripOffset;
+        DWORD hours;
+        std::vector<DateTimeValue> visits;
+    } scripts[] = {
+        {"end label", At(11, 0), 0, 8, {At(11, 5), At(11, 40), At(13, 0), At(12, 55), At(10, 20), At(9, 0),
+                                        At(10, 0), At(14, 30), At(14, 30), At(11, 10)}},
+        {"end clock", At(11, 0), 14, 24, {At(12, 0), At(20, 0), At(11, 30), At(3, 0), At(11, 0)}},
+        {"start label", At(10, 0), 0, 8, {At(9, 35), At(8, 30), At(10, 50), At(11, 45), At(9, 10)}},
+        {"duration", At(10, 30), 0, 8, {At(10, 45), At(12, 0), At(9, 15), At(10, 35)}},
+    };
+    for (const Script &s : scripts) {
+        RecordingParent parent(320, 420);
+        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+        ASSERT_TRUE(g != nullptr);
+        SendMessageA(g, TTM_SETHOURSINVIEW, s.hours, 0);
+        const DateTimeValue view = At(s.hours == 24 ? 0 : 7, 0), start = At(10, 0), end = At(11, 0);
+        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        const BusyInterval busy[] = {{At(12, 0), 45, 1, 0, 0}, {At(12, 30), 60, 2, 0, 0}, {At(8, 0), 30, 3, 0, 0}};
+        SendMessageA(g, TTM_SETBUSYLIST, 3, reinterpret_cast<LPARAM>(busy));
+        RECT client;
+        GetClientRect(g, &client);
+        const int x = client.right / 2 + 4;
+        InvalidateRect(g, nullptr, TRUE);
+        Readback::Of(g);
+
+        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, Y(g, s.grip) + s.gripOffset));
+        int step = 0;
+        for (const DateTimeValue &t : s.visits) {
+            SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, Y(g, t) + s.gripOffset));
+            Readback shown = Readback::Of(g);
+            InvalidateRect(g, nullptr, TRUE);
+            Readback full = Readback::Of(g);
+            ASSERT_TRUE(full.Valid());
+            EXPECT_EQ(0, shown.Differences(full)) << s.what << ", step " << step << " to " << ToText(t);
+            ++step;
+        }
+        SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, 0));
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << s.what;
+        DestroyWindow(g);
+    }
+}
+
+}  // namespace
