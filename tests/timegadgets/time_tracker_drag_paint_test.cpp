@@ -76,3 +76,66 @@ TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
 }
 
 }  // namespace
+
+namespace {
+
+// The end label as the gadget shows it, against the same label drawn by the
+// platform's DrawText (centred both ways, one line) on a copy of what is
+// shown: the label's edges are found in the pixels (white top and left,
+// black right and bottom), its face filled grey again, and the text drawn.
+TEST_F(TimeTrackerDragPaint, LabelTextStandsWhereDrawTextPutsIt)
+{
+    RecordingParent parent(320, 420);
+    HFONT trueType = CreateFontA(-13, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, 0, "Arial");
+    for (HFONT font : {static_cast<HFONT>(nullptr), trueType, static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT))}) {
+        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+        ASSERT_TRUE(g != nullptr);
+        if (font)
+            SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+        const DateTimeValue view = At(7, 0), start = At(9, 0), end = At(13, 25);
+        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        InvalidateRect(g, nullptr, TRUE);
+        Readback shown = Readback::Of(g);
+        RECT client;
+        GetClientRect(g, &client);
+        const LONG cy = Y(g, end);
+        LONG left = client.right / 2 + 4, top = cy, bottom = cy;
+        while (left > 0 && shown.At(left, cy) != 0xFFFFFF) --left;
+        while (top > 0 && shown.At(left + 2, top) != 0xFFFFFF) --top;
+        while (bottom < client.bottom && shown.At(left + 2, bottom) != 0) ++bottom;
+        LONG right = left + 1;
+        while (right < client.right && shown.At(right, top + 1) == 0) ++right;
+        --right;
+        ASSERT_GT(right - left, 10);
+        // The platform's label on a copy of the window's pixels.
+        HDC screen = GetDC(g);
+        HDC dc = CreateCompatibleDC(screen);
+        HBITMAP bitmap = CreateCompatibleBitmap(screen, client.right, client.bottom);
+        HGDIOBJ oldBitmap = SelectObject(dc, bitmap);
+        BitBlt(dc, 0, 0, client.right, client.bottom, screen, 0, 0, SRCCOPY);
+        ReleaseDC(g, screen);
+        RECT face = {left + 2, top + 2, right, bottom};
+        HBRUSH grey = CreateSolidBrush(0xC0C0C0);
+        FillRect(dc, &face, grey);
+        DeleteObject(grey);
+        char text[64];
+        OSDateTimeToString(&end, text, nullptr, DTS_TIME, sizeof text);
+        HGDIOBJ oldFont = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(g, WM_GETFONT, 0, 0)));
+        SetBkMode(dc, TRANSPARENT);
+        SetTextColor(dc, 0);
+        RECT label = {left, top, right + 1, bottom + 1};
+        DrawTextA(dc, text, -1, &label, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+        SelectObject(dc, oldFont);
+        Readback expected = ReadDC(dc, 0, 0, client.right, client.bottom);
+        SelectObject(dc, oldBitmap);
+        DeleteObject(bitmap);
+        DeleteDC(dc);
+        EXPECT_EQ(0, shown.Differences(expected)) << text << (font ? " in a font set by WM_SETFONT" : "");
+        DestroyWindow(g);
+    }
+    DeleteObject(trueType);
+}
+
+}  // namespace
