@@ -343,6 +343,16 @@ void PaintArrow(HDC dc, const TimeTrackerRecord *r, const RECT &where, UINT id)
 
 }  // namespace
 
+// Green while the appointment is free, red once a busy time overlaps it.
+static COLORREF OwnBarColour(const TimeTrackerRecord *r)
+{
+    DWORD own = r->durationHours * 60 + r->durationMinutes;
+    for (DWORD i = 0; i < r->busyCount; ++i)
+        if (TrackerOverlap(&r->busy[i].start, r->busy[i].lengthMinutes, &r->start, own) == 1)
+            return kOwnBarClash;
+    return kOwnBarFree;
+}
+
 // ---------------------------------------------------------------- metrics
 bool TrackerMetrics(HWND window, TimeTrackerRecord *r)
 {
@@ -512,13 +522,7 @@ void TrackerRenderLanes(TimeTrackerRecord *r)
 {
     TrackerPlaceFigures(r);
     // The clash colour is kept whether or not the strip is shown.
-    r->ownBarColour = kOwnBarFree;
-    DWORD own = r->durationHours * 60 + r->durationMinutes;
-    for (DWORD i = 0; i < r->busyCount; ++i)
-        if (TrackerOverlap(&r->busy[i].start, r->busy[i].lengthMinutes, &r->start, own) == 1) {
-            r->ownBarColour = kOwnBarClash;
-            break;
-        }
+    r->ownBarColour = OwnBarColour(r);
     HDC back = r->dcLanesBack;
     if (!back || !r->dcLanes)
         return;
@@ -566,13 +570,7 @@ void TrackerRenderLanes(TimeTrackerRecord *r)
 
 void TrackerRenderOwnStrip(TimeTrackerRecord *r)
 {
-    r->ownBarColour = kOwnBarFree;
-    DWORD own = r->durationHours * 60 + r->durationMinutes;
-    for (DWORD i = 0; i < r->busyCount; ++i)
-        if (TrackerOverlap(&r->busy[i].start, r->busy[i].lengthMinutes, &r->start, own) == 1) {
-            r->ownBarColour = kOwnBarClash;
-            break;
-        }
+    r->ownBarColour = OwnBarColour(r);
     if (!r->dcLanesBack || !r->dcLanes)
         return;
     // The busy lanes stand as rendered; only the last column is drawn again.
