@@ -4,6 +4,7 @@
 // '%' at the end prints nothing. Every count below runs against the room
 // left, so a directive near the bound is cut short exactly as the platform
 // cuts it.
+#include <cstring>
 #include "text_formatter.h"
 
 namespace {
@@ -197,8 +198,11 @@ const char *WriteCommon(char *&out, const char *f, int &room, va_list &args)
         const bool negative = (kind == 'd' || kind == 'i') && value < 0;
         if (negative)
             magnitude = 0 - magnitude;
-        char digits[12];
-        char *d = digits + sizeof digits;
+        // Digits end at the middle of the block, so that they can be moved
+        // out in two words: the room checked above takes the spare bytes.
+        char digits[32];
+        char *const end = digits + 16;
+        char *d = end;
         if (kind == 'x' || kind == 'X') {
             const char *set = kind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
             do {
@@ -223,7 +227,7 @@ const char *WriteCommon(char *&out, const char *f, int &room, va_list &args)
                 *--d = static_cast<char>('0' + magnitude);
             }
         }
-        const unsigned count = static_cast<unsigned>(digits + sizeof digits - d);
+        const unsigned count = static_cast<unsigned>(end - d);
         const unsigned length = count + (negative ? 1 : 0);
         const unsigned pad = width > length ? width - length : 0;
         if (!left && !zeros)
@@ -234,8 +238,10 @@ const char *WriteCommon(char *&out, const char *f, int &room, va_list &args)
         if (zeros)
             for (unsigned i = 0; i < pad; ++i)
                 *o++ = '0';
-        for (unsigned i = 0; i < count; ++i)
-            *o++ = d[i];
+        ULONGLONG words[2];
+        memcpy(words, d, sizeof words);
+        memcpy(o, words, sizeof words);
+        o += count;
         if (left)
             for (unsigned i = 0; i < pad; ++i)
                 *o++ = ' ';
