@@ -1,10 +1,9 @@
 // Arithmetic on DateTimeValue: field-wise adjustment with carries, moves by
-// whole days through the 400-year cycle, and differences.
+// whole days through a day number, and differences.
 #include <cstring>
 #include "calendar_internal.h"
 
 static void AdjustYears(DateTimeValue *v, long long delta);
-static void AdjustMonths(DateTimeValue *v, long long delta);
 static void AdjustHours(DateTimeValue *v, long long delta);
 
 // A day beyond the end of the resulting month becomes its last day; this
@@ -53,79 +52,46 @@ static void StepMonths(DateTimeValue *v, long long delta)
     }
 }
 
-static void AdjustMonths(DateTimeValue *v, long long delta)
-{
-    StepMonths(v, delta);
-    ClampDay(v);
-}
-
-// The walk by months below comes back to the same month after 400 years
-// (146097 days) while the 16-bit year does not wrap on the way, and after
-// 65536 years from anywhere, the wrap included (each year value passed once;
-// year 0 is in all three leap terms and cancels).
-const long long kDaysIn400Years = 146097;
+// The day field moves on a calendar of 65536 years with a 16-bit year that
+// wraps: year 0 follows year 65535 and every year keeps its leap rule, so the
+// months repeat after kDaysIn65536Years days (year 0 is in all three leap
+// terms and cancels). Moving by days is the same as walking month by month
+// from the first of the value's month, but goes through a day number on that
+// circle, in constant time.
 const long long kDaysIn65536Years = 65536LL * 365 + 65536 / 4 - 65536 / 100 + 65536 / 400;
-const long long kLongestMonth = 31;
 
-// Forwards: whole 400-year cycles that the walk would pass month by month,
-// as long as more than a month's days remain after them.
-static void StepCyclesForward(DateTimeValue *v, long long *d)
+// Days from 1 January of year 0 to 1 January of `year` (0 to 65536).
+static long long DaysBeforeYear(long long year)
 {
-    long long cycles = (*d - kLongestMonth - 1) / kDaysIn400Years;
-    const long long room = (0xFFFF - v->year) / 400;
-    if (cycles > room)
-        cycles = room;
-    if (cycles > 0) {
-        *d -= cycles * kDaysIn400Years;
-        StepYears(v, 400 * cycles);
-    }
+    return year * 365 + (year + 3) / 4 - (year + 99) / 100 + (year + 399) / 400;
 }
 
-// Backwards: whole cycles after which the count is still below 1.
-static void StepCyclesBack(DateTimeValue *v, long long *d)
-{
-    long long cycles = -*d / kDaysIn400Years;
-    const long long room = v->year / 400;
-    if (cycles > room)
-        cycles = room;
-    if (cycles > 0) {
-        *d += cycles * kDaysIn400Years;
-        StepYears(v, -400 * cycles);
-    }
-}
+static const unsigned short kDaysBeforeMonth[2][13] = {
+    {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365},
+    {0, 31, 60, 91, 121, 152, 182, 213, 244, 274, 305, 335, 366}};
 
 void AdjustDaysUnchecked(DateTimeValue *v, long long delta)
 {
     if (delta) {
-        long long d = v->day + delta;
-        // Whole wraps of the year field bring the walk back where it started.
-        if (d > kDaysIn65536Years + kLongestMonth)
-            d -= (d - kLongestMonth - 1) / kDaysIn65536Years * kDaysIn65536Years;
-        else if (d < -kDaysIn65536Years)
-            d += -d / kDaysIn65536Years * kDaysIn65536Years;
-        while (d < 1) {
-            StepCyclesBack(v, &d);
-            if (d >= 1)
-                break;
-            AdjustMonths(v, -1);
-            d += DaysInMonth(v->year, v->month);
-        }
-        for (;;) {
-            StepCyclesForward(v, &d);
-            // Whole years from January on step over twelve months at once.
-            const long long year = IsLeapYear(v->year) ? 366 : 365;
-            if (v->month == 1 && d > year + kLongestMonth) {
-                d -= year;
-                StepYears(v, 1);
-                continue;
-            }
-            const unsigned last = DaysInMonth(v->year, v->month);
-            if (d <= last)
-                break;
-            d -= last;
-            AdjustMonths(v, 1);
-        }
-        v->day = static_cast<BYTE>(d);
+        const unsigned leap = IsLeapYear(v->year) ? 1 : 0;
+        long long n = DaysBeforeYear(v->year) + kDaysBeforeMonth[leap][v->month - 1] + v->day - 1 + delta;
+        n %= kDaysIn65536Years;
+        if (n < 0)
+            n += kDaysIn65536Years;
+        // The year by the mean length of 400 years, then corrected by a step.
+        long long year = n * 400 / 146097;
+        while (DaysBeforeYear(year + 1) <= n)
+            ++year;
+        while (DaysBeforeYear(year) > n)
+            --year;
+        const unsigned dayOfYear = static_cast<unsigned>(n - DaysBeforeYear(year));
+        const unsigned short *before = kDaysBeforeMonth[IsLeapYear(static_cast<unsigned>(year)) ? 1 : 0];
+        unsigned month = dayOfYear / 32 + 1;  // never past the month sought
+        while (dayOfYear >= before[month])
+            ++month;
+        v->year = static_cast<WORD>(year);
+        v->month = static_cast<BYTE>(month);
+        v->day = static_cast<BYTE>(dayOfYear - before[month - 1] + 1);
     }
     ClampDay(v);
 }

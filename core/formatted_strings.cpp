@@ -5,6 +5,7 @@
 // the second argument. They rebuild the argument list in the order the text
 // names, one argument slot per directive (4 bytes in the 32-bit build, the
 // width of a pointer in the 64-bit build), and hand it to the counted form.
+#include <cstring>
 #include "text_formatter.h"
 #include "qziso32.h"
 
@@ -146,7 +147,20 @@ extern "C" int WINAPI OScvsprintf(char *dest, LONG limit, const char *format, va
     }
     const int length = FormatText(g_formatBuffer, format, args);
     const int count = length < limit ? length : static_cast<int>(limit);
-    CopyMemory(dest, g_formatBuffer, count);
+    // Short texts, the common case, are copied here a word at a time; long
+    // ones by the runtime.
+    if (count <= 64) {
+        int i = 0;
+        for (; i + 8 <= count; i += 8) {
+            ULONGLONG word;
+            memcpy(&word, g_formatBuffer + i, sizeof word);
+            memcpy(dest + i, &word, sizeof word);
+        }
+        for (; i < count; ++i)
+            dest[i] = g_formatBuffer[i];
+    } else {
+        CopyMemory(dest, g_formatBuffer, count);
+    }
     dest[count] = 0;
     return count;
 }

@@ -57,7 +57,81 @@ extern "C" int WINAPI OSstrncmp(const char *a, const char *b, DWORD count)
     return CompareBounded("OSstrncmp", a, b, count, lstrcmpA);
 }
 
+// The user's-locale compare of lstrcmpi (the thread's locale, case ignored,
+// answered as -1, 0 or 1) on at most `count` bytes of each text, without
+// copying them: the platform compares counted texts as it compares
+// terminated ones.
+//
+// Printable ASCII without the two marks that sort by their place in the word
+// (hyphen and apostrophe) is the common case, and two shortcuts hold there:
+// it widens byte for byte in every code page, and a lead that both texts
+// share up to a blank, letter case aside, weighs the same in both at every
+// level, while no letter group of any locale reaches across a blank; so the
+// compare starts after that blank.
+static bool IsPlain(unsigned char c)
+{
+    return !c || (c >= 0x20 && c <= 0x7E && c != '-' && c != '\'');
+}
+
+static int CompareIgnoringCase(const char *a, const char *b, DWORD count)
+{
+    DWORD lengthA = 0, lengthB = 0;
+    while (lengthA < count && a[lengthA])
+        ++lengthA;
+    while (lengthB < count && b[lengthB])
+        ++lengthB;
+    bool plain = true;
+    DWORD from = 0;      // after the last blank of the shared lead
+    bool shared = true;  // still within the lead both texts share
+    // Turkic languages pair I with a dotless i, and i with a dotted I.
+    const LCID locale = GetThreadLocale();
+    const WORD language = PRIMARYLANGID(LANGIDFROMLCID(locale));
+    const bool dottedI = language == LANG_TURKISH || language == LANG_AZERI || language == LANG_TATAR ||
+                         language == LANG_KAZAK;
+    const DWORD longer = lengthA > lengthB ? lengthA : lengthB;
+    for (DWORD i = 0; i < longer && plain; ++i) {
+        const unsigned char ca = i < lengthA ? static_cast<unsigned char>(a[i]) : 0;
+        const unsigned char cb = i < lengthB ? static_cast<unsigned char>(b[i]) : 0;
+        if (ca == cb && shared) {
+            if (ca == ' ')
+                from = i + 1;
+        } else if ((ca | 0x20) != (cb | 0x20) || (ca | 0x20) < 'a' || (ca | 0x20) > 'z' ||
+                   ((ca | 0x20) == 'i' && dottedI)) {
+            shared = false;  // not the two cases of one letter
+        }
+        plain = IsPlain(ca) && IsPlain(cb);
+    }
+    if (plain && shared && lengthA == lengthB)
+        return 0;  // the same text, letter case aside
+    int result;
+    if (!plain) {
+        result = CompareStringA(locale, NORM_IGNORECASE | LOCALE_USE_CP_ACP, a, static_cast<int>(lengthA), b, static_cast<int>(lengthB));
+    } else {
+        a += from, b += from, lengthA -= from, lengthB -= from;
+        const DWORD kWideRoom = 512;
+        if (lengthA <= kWideRoom && lengthB <= kWideRoom) {
+            WCHAR wideA[kWideRoom], wideB[kWideRoom];
+            for (DWORD i = 0; i < lengthA; ++i)
+                wideA[i] = static_cast<unsigned char>(a[i]);
+            for (DWORD i = 0; i < lengthB; ++i)
+                wideB[i] = static_cast<unsigned char>(b[i]);
+            result = CompareStringW(locale, NORM_IGNORECASE, wideA, static_cast<int>(lengthA), wideB,
+                                    static_cast<int>(lengthB));
+        } else {
+            result = CompareStringA(locale, NORM_IGNORECASE | LOCALE_USE_CP_ACP, a, static_cast<int>(lengthA), b,
+                                    static_cast<int>(lengthB));
+        }
+    }
+    return result ? result - CSTR_EQUAL : 0;
+}
+
+// Counts up to this many bytes compare in place; larger ones still take the
+// two zeroed blocks, whose allocation may fail and is then recorded.
+const DWORD kCompareInPlace = 1u << 20;
+
 extern "C" int WINAPI OSstrncmpi(const char *a, const char *b, DWORD count)
 {
+    if (a && b && count <= kCompareInPlace)
+        return CompareIgnoringCase(a, b, count);
     return CompareBounded("OSstrncmpi", a, b, count, lstrcmpiA);
 }

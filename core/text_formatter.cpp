@@ -4,6 +4,7 @@
 // '%' at the end prints nothing. Every count below runs against the room
 // left, so a directive near the bound is cut short exactly as the platform
 // cuts it.
+#include <cstring>
 #include "text_formatter.h"
 
 namespace {
@@ -140,6 +141,117 @@ char *WriteWide(char *out, const WCHAR *text, unsigned length)
     }
     return out;
 }
+
+// Writes the directive at `f` (just after its '%') into `*out` when it is one
+// of the common forms and fits with room to spare; returns where the format
+// resumes, or null to leave the directive to the general path, which gives
+// the same characters.
+const char *WriteCommon(char *&out, const char *f, int &room, va_list &args)
+{
+    const char *p = f;
+    const bool left = *p == '-';
+    if (left)
+        ++p;
+    const bool zeros = !left && *p == '0';
+    if (zeros)
+        ++p;
+    unsigned width = 0;
+    for (int digits = 0; *p >= '0' && *p <= '9'; ++p, ++digits) {
+        if (digits == 3)
+            return nullptr;
+        width = width * 10 + static_cast<unsigned>(*p - '0');
+    }
+    const bool longSize = *p == 'l';
+    if (longSize)
+        ++p;
+    const char kind = *p;
+    if (static_cast<int>(width) + 24 >= room)
+        return nullptr;
+    char *o = out;
+    if (kind == 's' && !longSize) {
+        // The text is looked at through a copy of the list, and taken from
+        // the list itself only once it is known to fit.
+        va_list peek;
+        va_copy(peek, args);
+        const char *text = va_arg(peek, const char *);
+        va_end(peek);
+        if (!text)
+            text = "(null)";
+        unsigned length = 0;
+        const unsigned most = static_cast<unsigned>(room) - 2 - width;
+        while (text[length])
+            if (++length > most)
+                return nullptr;
+        (void)va_arg(args, const char *);
+        const unsigned pad = width > length ? width - length : 0;
+        if (!left)
+            for (unsigned i = 0; i < pad; ++i)
+                *o++ = ' ';
+        for (unsigned i = 0; i < length; ++i)
+            *o++ = text[i];
+        if (left)
+            for (unsigned i = 0; i < pad; ++i)
+                *o++ = ' ';
+    } else if (kind == 'd' || kind == 'i' || kind == 'u' || kind == 'x' || kind == 'X') {
+        const int value = va_arg(args, int);
+        UINT magnitude = static_cast<UINT>(value);
+        const bool negative = (kind == 'd' || kind == 'i') && value < 0;
+        if (negative)
+            magnitude = 0 - magnitude;
+        // Digits end at the middle of the block, so that they can be moved
+        // out in two words: the room checked above takes the spare bytes.
+        char digits[32];
+        char *const end = digits + 16;
+        char *d = end;
+        if (kind == 'x' || kind == 'X') {
+            const char *set = kind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
+            do {
+                *--d = set[magnitude & 15];
+                magnitude >>= 4;
+            } while (magnitude);
+        } else {
+            static const char kPairs[] =
+                "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                "8081828384858687888990919293949596979899";
+            while (magnitude >= 100) {
+                const unsigned pair = (magnitude % 100) * 2;
+                magnitude /= 100;
+                *--d = kPairs[pair + 1];
+                *--d = kPairs[pair];
+            }
+            if (magnitude >= 10) {
+                *--d = kPairs[magnitude * 2 + 1];
+                *--d = kPairs[magnitude * 2];
+            } else {
+                *--d = static_cast<char>('0' + magnitude);
+            }
+        }
+        const unsigned count = static_cast<unsigned>(end - d);
+        const unsigned length = count + (negative ? 1 : 0);
+        const unsigned pad = width > length ? width - length : 0;
+        if (!left && !zeros)
+            for (unsigned i = 0; i < pad; ++i)
+                *o++ = ' ';
+        if (negative)
+            *o++ = '-';
+        if (zeros)
+            for (unsigned i = 0; i < pad; ++i)
+                *o++ = '0';
+        ULONGLONG words[2];
+        memcpy(words, d, sizeof words);
+        memcpy(o, words, sizeof words);
+        o += count;
+        if (left)
+            for (unsigned i = 0; i < pad; ++i)
+                *o++ = ' ';
+    } else {
+        return nullptr;
+    }
+    room -= static_cast<int>(o - out);
+    out = o;
+    return p + 1;
+}
 }  // namespace
 
 int FormatText(char *out, const char *format, va_list args)
@@ -151,17 +263,27 @@ int FormatText(char *out, const char *format, va_list args)
     const char *f = format;
     while (*f && room > 1) {
         if (*f != '%') {
-            // A run of plain text, up to the next directive or the bound:
-            // measured first, so that the copy does not wait on the scan.
-            const int most = room - 1;
-            int run = 1;
-            while (run < most && f[run] && f[run] != '%')
-                ++run;
-            for (int i = 0; i < run; ++i)
-                o[i] = f[i];
-            o += run;
-            f += run;
-            room -= run;
+            // A run of plain text, up to the next directive or the bound.
+            // Runs between directives are short and are copied as they are
+            // scanned; the rest of a long one is measured, then copied whole.
+            const char *stop = f + (room - 1);
+            const char *const shortEnd = f + 12 < stop ? f + 12 : stop;
+            char *start = o;
+            char c = *f;
+            do {
+                *o++ = c;
+                c = *++f;
+            } while (c && c != '%' && f < shortEnd);
+            if (f == shortEnd && c && c != '%' && f < stop) {
+                size_t run = 0;
+                const size_t most = static_cast<size_t>(stop - f);
+                while (run < most && f[run] && f[run] != '%')
+                    ++run;
+                CopyMemory(o, f, run);
+                o += run;
+                f += run;
+            }
+            room -= static_cast<int>(o - start);
             continue;
         }
         if (*++f == '%') {
@@ -169,14 +291,12 @@ int FormatText(char *out, const char *format, va_list args)
             --room;
             continue;
         }
-        // Plain %d, %u and %s with room to spare need none of the measuring.
-        if ((f[0] == 'd' || f[0] == 'u') && room > 24) {
-            const int value = va_arg(args, int);
-            Directive plain = {0, 0, 0, f[0] == 'd' ? kSigned : kUnsigned};
-            const unsigned length = WriteNumber(o, plain, value);
-            o += length;
-            room -= static_cast<int>(length);
-            ++f;
+        // The common directives far from the bound need none of the
+        // measuring: %d %i %u %x %X with '-' or '0', a width and an optional
+        // 'l', and %s with '-' and a width, when neither width nor text can
+        // reach the bound.
+        if (const char *next = WriteCommon(o, f, room, args)) {
+            f = next;
             continue;
         }
         Directive d;

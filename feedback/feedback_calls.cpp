@@ -1,6 +1,7 @@
 // The feedback calls of the application's thread. None waits for the
-// display: each costs a mutex pair and at most one peek at the queue, which
-// lets a title update that the worker is sending go through.
+// display: each costs a lock pair and at most one peek at the queue, which
+// lets a title update that the worker is sending go through; a post peeks
+// only while such an update is under way.
 #include "feedback_state.h"
 
 static bool Ready()
@@ -22,7 +23,7 @@ extern "C" BOOL WINAPI Feedback_PostMsg(const FeedbackMessage *message)
     if (!Ready() || g_feedback.beginCount.load() == 0)
         return 0;
     BOOL queued = message && FeedbackMessageIsValid(message) && FeedbackQueueAppend(message);
-    Feedback_Flush_WM_SETTEXT();
+    FeedbackFlushTitleSends();
     return queued;
 }
 

@@ -72,17 +72,17 @@ bool FeedbackQueueAppend(const FeedbackMessage *message)
     }
     node->message = copy;
     FeedbackQueueRecord &queue = g_feedback.queue;
-    WaitForSingleObject(queue.mutex, INFINITE);
+    AcquireSRWLockExclusive(&queue.lock);
     node->next = queue.sentinel;
     node->prev = queue.sentinel->prev;
     queue.sentinel->prev->next = node;
     queue.sentinel->prev = node;
     queue.count.fetch_add(1);
-    ReleaseMutex(queue.mutex);
+    ReleaseSRWLockExclusive(&queue.lock);
     return true;
 }
 
-// Unlinks the oldest node. The caller holds the queue mutex.
+// Unlinks the oldest node. The caller holds the queue lock.
 static FeedbackMessage *UnlinkOldest()
 {
     FeedbackQueueRecord &queue = g_feedback.queue;
@@ -103,19 +103,19 @@ FeedbackMessage *FeedbackQueueTake()
     // The count is looked at without the lock; the removal checks again under it.
     if (queue.count.load() == 0)
         return nullptr;
-    WaitForSingleObject(queue.mutex, INFINITE);
+    AcquireSRWLockExclusive(&queue.lock);
     FeedbackMessage *message = UnlinkOldest();
-    ReleaseMutex(queue.mutex);
+    ReleaseSRWLockExclusive(&queue.lock);
     return message;
 }
 
 void FeedbackQueueEmpty()
 {
     FeedbackQueueRecord &queue = g_feedback.queue;
-    WaitForSingleObject(queue.mutex, INFINITE);
+    AcquireSRWLockExclusive(&queue.lock);
     while (FeedbackMessage *message = UnlinkOldest())
         FeedbackFreeMessage(message);
-    ReleaseMutex(queue.mutex);
+    ReleaseSRWLockExclusive(&queue.lock);
 }
 
 bool FeedbackMessageIsValid(const FeedbackMessage *message)
@@ -193,5 +193,20 @@ void FeedbackRestoreTitle()
         FeedbackComposeTitle(title, g_feedback.caption, g_feedback.filename, true);
     FeedbackUnlockState();
     if (any)
-        SetWindowTextA(g_feedback.window.load(), title);
+        FeedbackShowTitle(title);
+}
+
+void FeedbackShowTitle(const char *title)
+{
+    g_feedback.titleSends.fetch_add(1);
+    SetWindowTextA(g_feedback.window.load(), title);
+    g_feedback.titleSends.fetch_sub(1);
+}
+
+void FeedbackFlushTitleSends()
+{
+    // A send is counted before it reaches the window's queue, so a count of
+    // 0 means the peek would find none of the worker's titles waiting.
+    if (g_feedback.titleSends.load() != 0)
+        Feedback_Flush_WM_SETTEXT();
 }

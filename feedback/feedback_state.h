@@ -1,7 +1,7 @@
 // The feedback display's process-wide state, shared by the worker thread and
 // the application's thread.
 //
-// Lock order: the state mutex first, the queue mutex second. The words below
+// Lock order: the state mutex first, the queue lock second. The words below
 // are read without a lock, so they are atomics; they are written under the
 // state mutex, apart from idle, terminate and shown. A title is built into a
 // local buffer under the state mutex and shown after its release.
@@ -23,7 +23,7 @@ struct FeedbackNode {
 struct FeedbackQueueRecord {
     std::atomic<DWORD> count;
     FeedbackNode *sentinel;     // linked to itself when empty
-    HANDLE mutex;
+    SRWLOCK lock;               // held for one link operation; never waits on a kernel object
 };
 
 struct FeedbackState {
@@ -39,6 +39,7 @@ struct FeedbackState {
     std::atomic<DWORD> blink{0};
     std::atomic<DWORD> shown{0};
     std::atomic<HWND> window{nullptr};
+    std::atomic<DWORD> titleSends{0};  // title sends of the worker under way to the window's thread
     HANDLE threadHandle = nullptr;
     char *caption = nullptr;
     char *filename = nullptr;
@@ -79,5 +80,10 @@ bool FeedbackMessageIsValid(const FeedbackMessage *message);
 bool FeedbackBuildText(const FeedbackMessage *message, char *out);
 // "caption - piece", "caption - [piece]" or the caption alone, cut to fit.
 void FeedbackComposeTitle(char *title, const char *caption, const char *piece, bool bracketed);
+// Sets the window's title, counted in titleSends while the send is under way.
+void FeedbackShowTitle(const char *title);
+// The flush of a post: peeks only while a title send is under way, which is
+// the only WM_SETTEXT the flush is there for.
+void FeedbackFlushTitleSends();
 // Restores the plain title: caption and file name. No caption, no title.
 void FeedbackRestoreTitle();

@@ -18,7 +18,6 @@ static void StartWorker(HWND window)
         f.queue.sentinel->prev = f.queue.sentinel->next = f.queue.sentinel;
     else
         OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(sizeof(FeedbackNode)));
-    f.queue.mutex = CreateMutexA(nullptr, FALSE, nullptr);
     f.queue.count.store(0);
     FeedbackLifeLock();
     f.stateMutex.store(CreateMutexA(nullptr, FALSE, nullptr));
@@ -28,7 +27,7 @@ static void StartWorker(HWND window)
     f.terminate.store(0);
     f.idle.store(0);
     // Without its queue or its locks the worker cannot run.
-    if (f.queue.sentinel && f.queue.mutex && f.stateMutex.load() && f.event)
+    if (f.queue.sentinel && f.stateMutex.load() && f.event)
         f.ready.store(1);
 }
 
@@ -48,9 +47,6 @@ static void StopWorker()
         LocalFree(format);
         format = nullptr;
     }
-    if (f.queue.mutex)
-        CloseHandle(f.queue.mutex);
-    f.queue.mutex = nullptr;
     if (HANDLE mutex = f.stateMutex.exchange(nullptr))
         CloseHandle(mutex);
     if (f.event)
@@ -99,7 +95,7 @@ static void ShowTitle(const char *piece, bool bracketed)
         FeedbackComposeTitle(title, g_feedback.caption, piece, bracketed);
     FeedbackUnlockState();
     if (any)
-        SetWindowTextA(g_feedback.window.load(), title);
+        FeedbackShowTitle(title);
 }
 
 static bool HasCaption()

@@ -16,6 +16,11 @@ void DrawClockFace(HDC dc, const RECT &clock, const RECT &frame, HBITMAP picture
         return;
     RECT place = clock;
     GadUtilMaskBltWithFlicker(dc, &place, picture, mask, key);
+    DrawClockHands(dc, clock, hour, minute);
+}
+
+void DrawClockHands(HDC dc, const RECT &clock, int hour, int minute)
+{
     LONG cx = clock.left + 8, cy = clock.top + 8;
     int hourStep = (minute > 30 ? hour + 1 : hour) % 12;
     int minuteStep = (minute / 5) % 12;

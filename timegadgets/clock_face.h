@@ -9,3 +9,6 @@
 // moves in five-minute steps.
 void DrawClockFace(HDC dc, const RECT &clock, const RECT &frame, HBITMAP picture, HBITMAP mask,
                    COLORREF key, int hour, int minute);
+
+// The two hands alone, for a caller that has put the dial there itself.
+void DrawClockHands(HDC dc, const RECT &clock, int hour, int minute);

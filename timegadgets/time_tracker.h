@@ -126,6 +126,9 @@ void TrackerDestroySurfaces(TimeTrackerRecord *r);
 // Repaints the scale surface (after a change of view or size) and the lanes.
 void TrackerRenderScale(TimeTrackerRecord *r);
 void TrackerRenderLanes(TimeTrackerRecord *r);
+// The appointment's own column of the strip and its clash colour, over the
+// busy lanes as last rendered.
+void TrackerRenderOwnStrip(TimeTrackerRecord *r);
 // Composes the work surface and shows the band [top, bottom) of rcFrame.
 void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bottom);
 void TrackerPaintArrows(HWND window, TimeTrackerRecord *r, HDC dc, bool upPressed, bool downPressed);

@@ -115,7 +115,10 @@ void FailDrag(HWND window, TimeTrackerRecord *r)
 
 void StopAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer)
 {
-    KillTimer(window, timer);
+    // A scroll timer runs only in a scroll mode: every drag step comes here,
+    // and a kill asks the window server even when there is nothing to kill.
+    if (r->autoScrollMode)
+        KillTimer(window, timer);
     r->autoScrollMode = 0;
     Drag().ticks = 0;
 }
@@ -135,7 +138,7 @@ void StartAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer, BYTE mod
 void RepaintBand(HWND window, TimeTrackerRecord *r, LONG oldTop, LONG oldBottom)
 {
     TrackerPlaceFigures(r);
-    TrackerRenderLanes(r);
+    TrackerRenderOwnStrip(r);
     LONG top = r->rcStartClock.top < oldTop ? r->rcStartClock.top : oldTop;
     LONG bottom = r->rcEndClock.bottom > oldBottom ? r->rcEndClock.bottom : oldBottom;
     TrackerCompose(window, r, Drag().dc, top, bottom);

@@ -5,6 +5,7 @@
 #include "clock_face.h"
 #include "../gadgets/gadget_frame.h"
 #include "../core/module_globals.h"
+#include "../drawing/draw_helpers.h"
 
 namespace {
 
@@ -29,17 +30,93 @@ LONG TextWidth(HDC dc, const char *text)
     return size.cx;
 }
 
+// The duration's format, loaded once for each resource library: every
+// paint of a drag step formats a new duration with it.
+struct DurationFormat {
+    HINSTANCE library;
+    char *text;
+};
+DurationFormat g_durationFormat = {};
+
 bool DurationText(DWORD hours, DWORD minutes, char *out, LONG size)
 {
-    char *format = LoadStringCopy(g_module.hResourceLibrary, kDurationFormatString);
-    if (!format) {
-        OSErrorSetErrorInfo(RV_StringNonExistant, kDurationFormatString);
-        out[0] = '\0';
-        return false;
+    if (!g_durationFormat.text || g_durationFormat.library != g_module.hResourceLibrary) {
+        char *format = LoadStringCopy(g_module.hResourceLibrary, kDurationFormatString);
+        if (!format) {
+            OSErrorSetErrorInfo(RV_StringNonExistant, kDurationFormatString);
+            out[0] = '\0';
+            return false;
+        }
+        if (g_durationFormat.text)
+            LocalFree(g_durationFormat.text);
+        g_durationFormat = {g_module.hResourceLibrary, format};
     }
-    OSrsprintf(out, size - 1, format, hours, minutes);
-    LocalFree(format);
+    OSrsprintf(out, size - 1, g_durationFormat.text, hours, minutes);
     return true;
+}
+
+// The advance widths and the line height of the font in a work surface,
+// measured once per surface and font, so that a label's text is centred
+// without measuring it on every paint. A few surfaces are remembered, for
+// several trackers on one dialog.
+struct TextMeasure {
+    HDC dc;
+    HGDIOBJ font;
+    LONG height;
+    INT widths[256];
+};
+TextMeasure g_measures[4];
+unsigned g_nextMeasure;
+
+const TextMeasure *MeasureFor(HDC dc)
+{
+    HGDIOBJ font = GetCurrentObject(dc, OBJ_FONT);
+    for (const TextMeasure &m : g_measures)
+        if (m.dc == dc && m.font == font)
+            return &m;
+    TextMeasure &m = g_measures[g_nextMeasure++ % 4];
+    SIZE size = {};
+    if (!GetCharWidth32A(dc, 0, 255, m.widths) || !GetTextExtentPoint32A(dc, "0", 1, &size)) {
+        m.dc = nullptr;
+        return nullptr;
+    }
+    m.dc = dc;
+    m.font = font;
+    m.height = size.cy;
+    return &m;
+}
+
+void ForgetMeasures(HDC dc)
+{
+    for (TextMeasure &m : g_measures)
+        if (m.dc == dc)
+            m.dc = nullptr;
+}
+
+// One line centred in `rect` both ways, placed as DrawText places it with
+// DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP.
+void CentredText(HDC dc, const RECT &rect, const char *text)
+{
+    const TextMeasure *m = MeasureFor(dc);
+    LONG width = 0;
+    int length = 0;
+    for (; text[length]; ++length) {
+        const unsigned char c = static_cast<unsigned char>(text[length]);
+        if (c >= 0x80 || c < 0x20 || c == '&' || !m)
+            m = nullptr;
+        else
+            width += m->widths[c];
+    }
+    if (!m) {
+        // Bytes that may start a character of two, or that DrawText reads
+        // as a tab or a prefix: the platform lays the line out.
+        RECT inner = rect;
+        DrawTextA(dc, text, -1, &inner, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+        return;
+    }
+    const LONG x = (rect.left + rect.right - width) / 2;
+    const LONG y = rect.top + (rect.bottom - rect.top) / 2 - m->height / 2;
+    ExtTextOutA(dc, x, y, 0, nullptr, text, static_cast<UINT>(length), nullptr);
 }
 
 LONG ScaleHeight(const TimeTrackerRecord *r) { return r->rcScale.bottom - r->rcScale.top; }
@@ -99,16 +176,117 @@ void PaintLabel(HDC dc, const TimeTrackerRecord *r, const RECT &label, const cha
     Fill(dc, label.left, label.top, label.right, label.bottom, 0xFFFFFF);
     Fill(dc, label.left + 1, label.top + 1, label.right, label.bottom, 0);
     Fill(dc, label.left + 2, label.top + 2, label.right - 1, label.bottom - 1, kLabelGrey);
-    RECT inner = label;
     SetBkMode(dc, TRANSPARENT);
     COLORREF oldText = SetTextColor(dc, 0);
-    DrawTextA(dc, text, -1, &inner, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+    CentredText(dc, label, text);
     SetTextColor(dc, oldText);
 }
 
-void PaintClock(HDC dc, const TimeTrackerRecord *r, const RECT &clock, const DateTimeValue &t)
+// The dial and its mask, copied once for each work surface into bitmaps of
+// their own that stay selected in two kept contexts: selecting a picture is
+// the dearest step of a paint. (The originals stay free for the hit test.)
+struct ClockCopies {
+    HDC work;
+    HBITMAP dial;        // the original the copies were made from
+    SIZE size;
+    HDC image, mask;
+    HGDIOBJ oldImage, oldMask;
+};
+ClockCopies g_clockCopies[4];
+unsigned g_nextClockCopies;
+
+void FreeClockCopies(ClockCopies &c)
 {
-    DrawClockFace(dc, clock, r->rcFrame, r->clockBitmap, r->clockMask, kTrackerDefaultBack, t.hour, t.minute);
+    if (c.image) {
+        if (c.oldImage)
+            DeleteObject(SelectObject(c.image, c.oldImage));
+        DeleteDC(c.image);
+    }
+    if (c.mask) {
+        if (c.oldMask)
+            DeleteObject(SelectObject(c.mask, c.oldMask));
+        DeleteDC(c.mask);
+    }
+    c = ClockCopies{};
+}
+
+void ForgetClockCopies(HDC work)
+{
+    for (ClockCopies &c : g_clockCopies)
+        if (work && c.work == work)
+            FreeClockCopies(c);
+}
+
+// A copy of `original` (`planes` and `bits` as given) selected into a new
+// context compatible with `work`.
+bool CopyInto(HDC work, HBITMAP original, SIZE size, UINT planes, UINT bits, HDC *dc, HGDIOBJ *old)
+{
+    *dc = CreateCompatibleDC(work);
+    HBITMAP copy = *dc ? CreateBitmap(size.cx, size.cy, planes, bits, nullptr) : nullptr;
+    *old = copy ? SelectObject(*dc, copy) : nullptr;
+    if (!*old) {
+        if (copy)
+            DeleteObject(copy);
+        return false;
+    }
+    SelectedDC from;
+    if (!SelectIntoNewDC(work, original, &from))
+        return false;
+    bool done = BitBlt(*dc, 0, 0, size.cx, size.cy, from.dc, 0, 0, SRCCOPY) != 0;
+    ReleaseSelectedDC(&from);
+    return done;
+}
+
+const ClockCopies *ClockCopiesFor(HDC work, const TimeTrackerRecord *r)
+{
+    for (const ClockCopies &c : g_clockCopies)
+        if (c.work == work && c.dial == r->clockBitmap)
+            return &c;
+    ClockCopies &c = g_clockCopies[g_nextClockCopies++ % 4];
+    FreeClockCopies(c);
+    BITMAP dial = {}, mask = {};
+    if (!r->clockBitmap || !r->clockMask || !GetObjectA(r->clockBitmap, sizeof dial, &dial) ||
+        !GetObjectA(r->clockMask, sizeof mask, &mask) || mask.bmBitsPixel != 1 ||
+        mask.bmWidth < dial.bmWidth || mask.bmHeight < dial.bmHeight)
+        return nullptr;
+    c.size = SIZE{dial.bmWidth, dial.bmHeight};
+    if (!CopyInto(work, r->clockBitmap, c.size, dial.bmPlanes, dial.bmBitsPixel, &c.image, &c.oldImage) ||
+        !CopyInto(work, r->clockMask, c.size, 1, 1, &c.mask, &c.oldMask)) {
+        FreeClockCopies(c);
+        return nullptr;
+    }
+    c.work = work;
+    c.dial = r->clockBitmap;
+    return &c;
+}
+
+bool ClockShown(const TimeTrackerRecord *r, const RECT &clock)
+{
+    return clock.top >= r->rcFrame.top && clock.bottom <= r->rcFrame.bottom;
+}
+
+// The start and end clocks: the dial laid on through its mask, as the
+// gadgets' flicker blit lays it, then the hands. Where no copies can be
+// made, the shared clock face draws each.
+void PaintClocks(HDC dc, const TimeTrackerRecord *r)
+{
+    const RECT *clocks[2] = {&r->rcStartClock, &r->rcEndClock};
+    const DateTimeValue *times[2] = {&r->start, &r->end};
+    const ClockCopies *c = nullptr;
+    for (int i = 0; i < 2; ++i) {
+        if (!ClockShown(r, *clocks[i]))
+            continue;
+        if (!c && !(c = ClockCopiesFor(dc, r))) {
+            DrawClockFace(dc, *clocks[i], r->rcFrame, r->clockBitmap, r->clockMask, kTrackerDefaultBack,
+                          times[i]->hour, times[i]->minute);
+            continue;
+        }
+        POINT at = CentreIn(clocks[i], c->size);
+        MaskColours saved = SetMaskColours(dc);
+        TransparencyPasses(dc, at.x, at.y, c->size.cx, c->size.cy, c->image, 0, 0, c->mask, 0, 0);
+        RestoreMaskColours(dc, saved);
+        DrawClockHands(dc, *clocks[i], times[i]->hour, times[i]->minute);
+    }
 }
 
 void PaintBar(HDC dc, const TimeTrackerRecord *r)
@@ -164,6 +342,16 @@ void PaintArrow(HDC dc, const TimeTrackerRecord *r, const RECT &where, UINT id)
 }
 
 }  // namespace
+
+// Green while the appointment is free, red once a busy time overlaps it.
+static COLORREF OwnBarColour(const TimeTrackerRecord *r)
+{
+    DWORD own = r->durationHours * 60 + r->durationMinutes;
+    for (DWORD i = 0; i < r->busyCount; ++i)
+        if (TrackerOverlap(&r->busy[i].start, r->busy[i].lengthMinutes, &r->start, own) == 1)
+            return kOwnBarClash;
+    return kOwnBarFree;
+}
 
 // ---------------------------------------------------------------- metrics
 bool TrackerMetrics(HWND window, TimeTrackerRecord *r)
@@ -284,6 +472,8 @@ bool TrackerBuildSurfaces(HWND window, TimeTrackerRecord *r)
 
 void TrackerDestroySurfaces(TimeTrackerRecord *r)
 {
+    ForgetMeasures(r->dcWork);
+    ForgetClockCopies(r->dcWork);
     FreeSurface(&r->dcWork, &r->savedWork);
     FreeSurface(&r->dcScale, &r->savedScale);
     FreeSurface(&r->dcLanesBack, &r->savedLanesBack);
@@ -332,13 +522,7 @@ void TrackerRenderLanes(TimeTrackerRecord *r)
 {
     TrackerPlaceFigures(r);
     // The clash colour is kept whether or not the strip is shown.
-    r->ownBarColour = kOwnBarFree;
-    DWORD own = r->durationHours * 60 + r->durationMinutes;
-    for (DWORD i = 0; i < r->busyCount; ++i)
-        if (TrackerOverlap(&r->busy[i].start, r->busy[i].lengthMinutes, &r->start, own) == 1) {
-            r->ownBarColour = kOwnBarClash;
-            break;
-        }
+    r->ownBarColour = OwnBarColour(r);
     HDC back = r->dcLanesBack;
     if (!back || !r->dcLanes)
         return;
@@ -384,12 +568,30 @@ void TrackerRenderLanes(TimeTrackerRecord *r)
     Block(r->dcLanes, static_cast<LONG>(r->laneCount * kLaneWidth) + 1, top, bottom, r->ownBarColour);
 }
 
+void TrackerRenderOwnStrip(TimeTrackerRecord *r)
+{
+    r->ownBarColour = OwnBarColour(r);
+    if (!r->dcLanesBack || !r->dcLanes)
+        return;
+    // The busy lanes stand as rendered; only the last column is drawn again.
+    LONG height = ScaleHeight(r) + 1;
+    LONG x = static_cast<LONG>(r->laneCount * kLaneWidth);
+    BitBlt(r->dcLanes, x, 0, kLaneWidth, height, r->dcLanesBack, x, 0, SRCCOPY);
+    LONG top = r->startY - r->rcScale.top, bottom = r->endY - r->rcScale.top + 1;
+    if (top < 1)
+        top = 1;
+    if (bottom > height - 2)
+        bottom = height - 2;
+    Block(r->dcLanes, x + 1, top, bottom, r->ownBarColour);
+}
+
 // ---------------------------------------------------------------- showing
 void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bottom)
 {
     HDC work = r->dcWork;
     if (!work)
         return;
+    const bool whole = top <= r->rcFrame.top && bottom >= r->rcFrame.bottom;
     if (top < r->rcFrame.top)
         top = r->rcFrame.top;
     if (bottom > r->rcFrame.bottom)
@@ -408,13 +610,19 @@ void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bo
     PaintLabel(work, r, r->rcEndLabel, text);
     DurationText(r->durationHours, r->durationMinutes, text, sizeof text);
     PaintLabel(work, r, r->rcDurationLabel, text);
-    PaintClock(work, r, r->rcStartClock, r->start);
-    PaintClock(work, r, r->rcEndClock, r->end);
+    PaintClocks(work, r);
     SetBkColor(work, r->backColour);
     SetTextColor(work, GadgetContrastTextColor(r->backColour));
     BitBlt(dc, left, top, width, bottom - top, work, left, top, SRCCOPY);
-    BitBlt(dc, 0, r->rcScale.top, static_cast<int>(r->laneCount * kLaneWidth + 8), ScaleHeight(r) + 1,
-           r->dcLanes, 0, 0, SRCCOPY);
+    // The strip whole, or its rows within the band.
+    LONG stripTop = r->rcScale.top, stripBottom = r->rcScale.bottom + 1;
+    if (!whole) {
+        stripTop = top > stripTop ? top : stripTop;
+        stripBottom = bottom < stripBottom ? bottom : stripBottom;
+    }
+    if (stripBottom > stripTop)
+        BitBlt(dc, 0, stripTop, static_cast<int>(r->laneCount * kLaneWidth + 8), stripBottom - stripTop, r->dcLanes,
+               0, stripTop - r->rcScale.top, SRCCOPY);
     (void)window;
 }
 

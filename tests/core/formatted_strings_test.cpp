@@ -91,6 +91,14 @@ TEST_F(FormattedStrings, LongOutputStopsAtTheBoundLikeWsprintf)
     ExpectSameAsPlatform("%2000d", 9);
     ExpectSameAsPlatform("%-2000d|", 9);
     ExpectSameAsPlatform("%.1500d", 9);
+    // Where widths and texts come within reach of the bound.
+    for (size_t lead = 985; lead <= 1012; ++lead) {
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%-12s|", "Meeting");
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%12s|", "Quarterly planning");
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%08lX|", -1);
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%-9d|", INT_MIN);
+        ExpectSameAsPlatform(std::string(lead, 'L') + "%011d|", -42);
+    }
 }
 
 TEST_F(FormattedStrings, LimitCutsAndTerminates)
@@ -275,17 +283,30 @@ TEST_F(FormattedStrings, MemoryFillAndCopy)
 }
 
 int Sign(int v) { return (v > 0) - (v < 0); }
+const std::string kLong = std::string(999, 'q') + "A", kLonger = std::string(999, 'Q') + "b";
 
 TEST_F(FormattedStrings, BoundedComparesFollowTheLocale)
 {
     struct Case { const char *a; const char *b; DWORD count; } cases[] = {
         {"abcX", "abcY", 3}, {"abcX", "abcY", 4}, {"Apple", "apple", 5}, {"apple", "Banana", 10},
-        {"a-b", "ab", 3}, {"", "x", 1}, {"same", "same", 100}, {"zeta", "Zebra", 2}, {"x", "y", 0}};
-    for (const Case &c : cases) {
-        std::string a = std::string(c.a).substr(0, c.count), b = std::string(c.b).substr(0, c.count);
-        EXPECT_EQ(Sign(lstrcmpA(a.c_str(), b.c_str())), Sign(OSstrncmp(c.a, c.b, c.count))) << c.a << " " << c.b;
-        EXPECT_EQ(Sign(lstrcmpiA(a.c_str(), b.c_str())), Sign(OSstrncmpi(c.a, c.b, c.count))) << c.a << " " << c.b;
+        {"a-b", "ab", 3}, {"", "x", 1}, {"same", "same", 100}, {"zeta", "Zebra", 2}, {"x", "y", 0},
+        {"co-op", "coop", 5}, {"O'Neil", "oneil", 9}, {"\xC4pfel", "apfel", 5}, {"\xE9t\xE9", "ETE", 3},
+        {"stra\xDF" "e", "STRASSE", 7}, {"ab", "abc", 3}, {"abc", "ABC", 1}, {kLong.c_str(), kLonger.c_str(), 1000},
+        {kLong.c_str(), kLonger.c_str(), 999}, {kLonger.c_str(), kLong.c_str(), 600}, {kLong.c_str(), "\xC4", 2},
+        {"\x9C" "a", "\x8C" "A", 2}, {"Room 4, Quarterly plan", "ROOM 4, QUARTERLY PLAN", 30},
+        {"x dzs y", "X DZ Y", 9}, {"cs x", "CS Y", 9}, {"in it", "IN IT", 5}, {"a-b c", "A-B D", 5}};
+    // The thread's locale rules, with the letter groups and cases of a few.
+    const LCID start = GetThreadLocale();
+    for (LANGID language : {LANGIDFROMLCID(start), (LANGID)MAKELANGID(LANG_TURKISH, SUBLANG_DEFAULT),
+                            (LANGID)MAKELANGID(LANG_HUNGARIAN, SUBLANG_DEFAULT), (LANGID)MAKELANGID(LANG_CZECH, SUBLANG_DEFAULT)}) {
+        SetThreadLocale(MAKELCID(language, SORT_DEFAULT));
+        for (const Case &c : cases) {
+            std::string a = std::string(c.a).substr(0, c.count), b = std::string(c.b).substr(0, c.count);
+            EXPECT_EQ(Sign(lstrcmpA(a.c_str(), b.c_str())), Sign(OSstrncmp(c.a, c.b, c.count))) << c.a << " " << c.b;
+            EXPECT_EQ(lstrcmpiA(a.c_str(), b.c_str()), OSstrncmpi(c.a, c.b, c.count)) << c.a << " " << c.b << " " << language;
+        }
     }
+    SetThreadLocale(start);
     EXPECT_EQ(0, OSstrncmp("abcd", "abce", 3));
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }

@@ -1,0 +1,141 @@
+// TimeTracker drag painting: after every step of a scripted drag the window
+// shows exactly what a full repaint shows, for each kind of drag, with busy
+// lanes whose clash colour flips on the way.
+#include "qz_test.h"
+#include "window_harness.h"
+#include <vector>
+
+namespace {
+
+const int ID = 100;
+
+DateTimeValue At(int hour, int minute)
+{
+    DateTimeValue v = MakeDate(2026, 3, 11);
+    OSAdjustDateTime(&v, 0, 0, 0, hour, minute, 0, 0);
+    return v;
+}
+
+LONG Y(HWND g, const DateTimeValue &t)
+{
+    return static_cast<LONG>(SendMessageA(g, TTM_TIMETOY, 0, reinterpret_cast<LPARAM>(&t)));
+}
+
+class TimeTrackerDragPaint : public GadgetTest {};
+
+TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
+{
+    // Where the drag takes hold (the y of a time, offset in pixels), and the
+    // times the pointer then visits: small and large steps, back and forth,
+    // across the other end and out past the scale.
+    struct Script {
+        const char *what;
+        DateTimeValue grip;
+        int gripOffset;
+        DWORD hours;
+        std::vector<DateTimeValue> visits;
+    } scripts[] = {
+        {"end label", At(11, 0), 0, 8, {At(11, 5), At(11, 40), At(13, 0), At(12, 55), At(10, 20), At(9, 0),
+                                        At(10, 0), At(14, 30), At(14, 30), At(11, 10)}},
+        {"end clock", At(11, 0), 14, 24, {At(12, 0), At(20, 0), At(11, 30), At(3, 0), At(11, 0)}},
+        {"start label", At(10, 0), 0, 8, {At(9, 35), At(8, 30), At(10, 50), At(11, 45), At(9, 10)}},
+        {"duration", At(10, 30), 0, 8, {At(10, 45), At(12, 0), At(9, 15), At(10, 35)}},
+    };
+    for (const Script &s : scripts) {
+        RecordingParent parent(320, 420);
+        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+        ASSERT_TRUE(g != nullptr);
+        SendMessageA(g, TTM_SETHOURSINVIEW, s.hours, 0);
+        const DateTimeValue view = At(s.hours == 24 ? 0 : 7, 0), start = At(10, 0), end = At(11, 0);
+        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        const BusyInterval busy[] = {{At(12, 0), 45, 1, 0, 0}, {At(12, 30), 60, 2, 0, 0}, {At(8, 0), 30, 3, 0, 0}};
+        SendMessageA(g, TTM_SETBUSYLIST, 3, reinterpret_cast<LPARAM>(busy));
+        RECT client;
+        GetClientRect(g, &client);
+        const int x = client.right / 2 + 4;
+        InvalidateRect(g, nullptr, TRUE);
+        Readback::Of(g);
+
+        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, Y(g, s.grip) + s.gripOffset));
+        int step = 0;
+        for (const DateTimeValue &t : s.visits) {
+            SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, Y(g, t) + s.gripOffset));
+            Readback shown = Readback::Of(g);
+            InvalidateRect(g, nullptr, TRUE);
+            Readback full = Readback::Of(g);
+            ASSERT_TRUE(full.Valid());
+            EXPECT_EQ(0, shown.Differences(full)) << s.what << ", step " << step << " to " << ToText(t);
+            ++step;
+        }
+        SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, 0));
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << s.what;
+        DestroyWindow(g);
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// The end label as the gadget shows it, against the same label drawn by the
+// platform's DrawText (centred both ways, one line) on a copy of what is
+// shown: the label's edges are found in the pixels (white top and left,
+// black right and bottom), its face filled grey again, and the text drawn.
+TEST_F(TimeTrackerDragPaint, LabelTextStandsWhereDrawTextPutsIt)
+{
+    RecordingParent parent(320, 420);
+    HFONT trueType = CreateFontA(-13, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, 0, "Arial");
+    for (HFONT font : {static_cast<HFONT>(nullptr), trueType, static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT))}) {
+        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+        ASSERT_TRUE(g != nullptr);
+        if (font)
+            SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+        const DateTimeValue view = At(7, 0), start = At(9, 0), end = At(13, 25);
+        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        InvalidateRect(g, nullptr, TRUE);
+        Readback shown = Readback::Of(g);
+        RECT client;
+        GetClientRect(g, &client);
+        const LONG cy = Y(g, end);
+        LONG left = client.right / 2 + 4, top = cy, bottom = cy;
+        while (left > 0 && shown.At(left, cy) != 0xFFFFFF) --left;
+        while (top > 0 && shown.At(left + 2, top) != 0xFFFFFF) --top;
+        while (bottom < client.bottom && shown.At(left + 2, bottom) != 0) ++bottom;
+        LONG right = left + 1;
+        while (right < client.right && shown.At(right, top + 1) == 0) ++right;
+        --right;
+        ASSERT_GT(right - left, 10);
+        // The platform's label on a copy of the window's pixels.
+        HDC screen = GetDC(g);
+        HDC dc = CreateCompatibleDC(screen);
+        HBITMAP bitmap = CreateCompatibleBitmap(screen, client.right, client.bottom);
+        HGDIOBJ oldBitmap = SelectObject(dc, bitmap);
+        BitBlt(dc, 0, 0, client.right, client.bottom, screen, 0, 0, SRCCOPY);
+        ReleaseDC(g, screen);
+        RECT face = {left + 2, top + 2, right, bottom};
+        HBRUSH grey = CreateSolidBrush(0xC0C0C0);
+        FillRect(dc, &face, grey);
+        DeleteObject(grey);
+        char text[64];
+        OSDateTimeToString(&end, text, nullptr, DTS_TIME, sizeof text);
+        HGDIOBJ oldFont = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(g, WM_GETFONT, 0, 0)));
+        SetBkMode(dc, TRANSPARENT);
+        SetTextColor(dc, 0);
+        RECT label = {left, top, right + 1, bottom + 1};
+        DrawTextA(dc, text, -1, &label, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+        SelectObject(dc, oldFont);
+        Readback expected = ReadDC(dc, 0, 0, client.right, client.bottom);
+        SelectObject(dc, oldBitmap);
+        DeleteObject(bitmap);
+        DeleteDC(dc);
+        EXPECT_EQ(0, shown.Differences(expected)) << text << (font ? " in a font set by WM_SETFONT" : "");
+        DestroyWindow(g);
+    }
+    DeleteObject(trueType);
+}
+
+}  // namespace
