@@ -1,47 +1,13 @@
 // The usable-line verdicts, dialling piece by piece, and hang-up, each
-// compared with the service calls the stand-in saw.
+// compared with the service calls the stand-in saw and the boxes shown.
 #include "telephony_fixture.h"
-#include <cstdlib>
 
 namespace {
-// The call-state wait's limit, shortened for this program (read once, at
-// the first wait).
-const bool kShortWait = SetEnvironmentVariableA("QZ_TELEPHONY_CALL_WAIT_MS", "400");
+const std::string kStatus = "lineGetCallStatus c0 1080";
+const LONG kUnavailable = LONG(0x8000004B), kFailed = LONG(0x80000048);
 
-const StandInDevice kUsable = {0x10004, 1, 8, 0, 0x10000, 2};
-
-const char *const kVerify[] = {
-    "lineNegotiateAPIVersion a0 0 10004 10004", "lineGetDevCaps a0 0 10004 0 1276",
-    "lineOpen a0 0 10004 0 1 10 null",          "lineGetAddressStatus 11 0 1088",
-    "lineClose 11",
-};
-
-// What a dial asks the service before its first piece.
-Lines DialPreamble()
-{
-    Lines lines(std::begin(kVerify), std::end(kVerify));
-    lines.insert(lines.end(), {"lineNegotiateAPIVersion a0 0 10004 10004", "lineOpen a0 0 10004 0 1 10 null",
-                               "lineGetAddressCaps a0 0 0 10004 0 1252", "lineGetDevCaps a0 0 10004 0 1276"});
-    return lines;
-}
-
-Lines operator+(Lines a, const Lines &b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-std::string MakeCall(const std::string &piece, const std::string &name = "")
-{
-    char tail[96];
-    snprintf(tail, sizeof tail, " 0 %u '%s' 1 4 2 1 0", static_cast<unsigned>(176 + name.size() + 1),
-             name.c_str());
-    return "lineMakeCall 11 '" + piece + "'" + tail;
-}
-
-const Lines kHangup = {"lineGetCallStatus c0 1080", "lineDrop c0 0", "lineDeallocateCall c0", "lineClose 11"};
-
-TEST_F(TelephonyTest, UsableLineVerdicts)
+// Each verdict, as the check returns it and as a dial shows it.
+TEST_F(TelephonyTest, EachVerdictAndItsMessageThroughADial)
 {
     struct Row {
         const char *what;
@@ -49,29 +15,34 @@ TEST_F(TelephonyTest, UsableLineVerdicts)
         const char *failing;  // a service call planned to fail, or null
         LONG error;
         DWORD verdict;
-        size_t calls;         // how many of the check's calls are made
+        UINT message;
+        Lines calls;          // what the check asks the service
     };
+    const Lines k2(kVerify.begin(), kVerify.begin() + 2), k3(kVerify.begin(), kVerify.begin() + 3);
     const Row rows[] = {
-        {"usable", kUsable, nullptr, 0, 0, 5},
-        {"no version in common", {0, 1, 8, 0, 0, 2}, nullptr, 0, 1, 1},
-        {"no voice", {0x10004, 2, 8, 0, 0, 2}, nullptr, 0, 2, 2},
-        {"cannot make calls", {0x10004, 1, 0, 0, 0, 2}, nullptr, 0, 4, 2},
-        {"in use elsewhere", kUsable, "lineOpen", LONG(0x80000001), 5, 3},
-        {"cannot call now", {0x10004, 1, 8, 0, 0, 0}, nullptr, 0, 6, 5},
-        {"capabilities unreadable", kUsable, "lineGetDevCaps", LONG(0x80000048), 1, 2},
-        {"address status unreadable", kUsable, "lineGetAddressStatus", LONG(0x80000048), 1, 4},
+        {"usable", Line(), nullptr, 0, 0, 0, kVerify},
+        {"no version in common", {0, 1, 8, 0, 0, 2}, nullptr, 0, 1, 1165, {kVerify[0]}},
+        {"no voice", {0x10004, 2, 8, 0, 0, 2}, nullptr, 0, 2, 1166, k2},
+        {"cannot make calls", {0x10004, 1, 0, 0, 0, 2}, nullptr, 0, 4, 1167, k2},
+        {"in use elsewhere", Line(), "lineOpen", LONG(0x80000001), 5, 1168, k3},
+        {"cannot call now", {0x10004, 1, 8, 0, 0, 0}, nullptr, 0, 6, 1169, kVerify},
+        {"capabilities unreadable", Line(), "lineGetDevCaps", kFailed, 1, 1165, k2},
+        {"address status unreadable", Line(), "lineGetAddressStatus", kFailed, 1, 1165, kVerify},
     };
     Register();
     for (const Row &row : rows) {
         SCOPED_TRACE(row.what);
         service.SetDevice(0, &row.device);
-        if (row.failing)
-            service.Plan(row.failing, row.error);
-        EXPECT_EQ(row.verdict, Telephony_VerifyUsableLine(host, 0));
-        Lines expected(std::begin(kVerify), std::begin(kVerify) + row.calls);
-        if (row.failing && std::string(row.failing) == "lineGetAddressStatus")
-            expected.push_back("lineClose 11");
-        EXPECT_EQ(expected, service.Transcript());
+        for (int dial = 0; dial < 2; ++dial) {
+            if (row.failing)
+                service.Plan(row.failing, row.error);
+            if (!dial)
+                EXPECT_EQ(row.verdict, Telephony_VerifyUsableLine(host, 0));
+            else if (row.verdict)
+                EXPECT_FALSE(Dial("555", {{row.message, MB_OK, IDOK}}));
+            EXPECT_EQ((dial && !row.verdict) ? Lines{} : row.calls, service.Transcript());
+        }
+        EXPECT_EQ(std::vector<LPARAM>{}, Hangups());
     }
 }
 
@@ -86,108 +57,194 @@ TEST_F(TelephonyTest, RecordsTooSmallAreReadAgainAtTheSizeTheServiceNeeds)
     EXPECT_EQ(expected, service.Transcript());
 }
 
-TEST_F(TelephonyTest, APromptDialsTheFirstPieceAsksThenDialsTheRest)
+// Each stop character on a line that can do it, and on one that can do all
+// the others; a prompt cancelled; the service refusing a modifier; a stop on
+// a line without partial dialling. Each dial ends with a hang-up.
+TEST_F(TelephonyTest, EachStopCharacterAsksWhereTheLineCanDoIt)
 {
+    const Lines kAsked = Lines{MakeCall("555;", "Ann"), kStatus, kStatus, "lineDial c0 '1' 0"} + kHangup;
+    const auto whole = [](const char *number) { return Lines{MakeCall(number, "Ann")} + kHangup; };
+    struct Row {
+        const char *number;
+        StandInDevice line;
+        std::vector<LONG> refusals;  // the first pieces' replies
+        std::vector<Box> boxes;
+        BOOL result;
+        Lines calls;  // after the preamble
+    };
+    const Row rows[] = {
+        {"555$1", Line(0x40), {}, {{1170, MB_OKCANCEL, IDOK}}, 1, kAsked},
+        {"555$1", Line(0x180), {}, {}, 1, whole("555$1")},
+        {"555W1", Line(0x100), {}, {{1171, MB_OKCANCEL, IDOK}}, 1, kAsked},
+        {"555W1", Line(0xC0), {}, {}, 1, whole("555W1")},
+        {"555w1", Line(0x1C0), {}, {{1171, MB_OKCANCEL, IDOK}}, 1, kAsked},
+        {"555@1", Line(0x80), {}, {{1172, MB_OKCANCEL, IDOK}}, 1, kAsked},
+        {"555@1", Line(0x140), {}, {}, 1, whole("555@1")},
+        {"555?1", Line(0), {}, {{1173, MB_OKCANCEL, IDOK}}, 1, kAsked},
+        {"555?1", Line(0x1C0), {}, {{1173, MB_OKCANCEL, IDCANCEL}}, 0,
+         Lines{MakeCall("555;", "Ann"), kStatus, kStatus} + kHangup},
+        {"555?1", Line(0, 0), {}, {{1177, MB_OK, IDOK}}, 0, {"lineClose 11"}},
+        // Refused, W joins the stops and the rest of the number, empty, goes
+        // next; an empty piece refused in turn ends the dial.
+        {"555W1", Line(), {LONG(0x80000009)}, {}, 1, Lines{MakeCall("555W1", "Ann")} + whole("")},
+        {"555@1", Line(), {LONG(0x8000000B), LONG(0x80000008)}, {}, 0, Lines{MakeCall("555@1", "Ann")} + whole("")},
+        {"", Line(), {}, {}, 1, {"lineClose 11"}},
+    };
     Register();
-    service.Plan("lineMakeCall", kStandInAsync, 0, {CallState(0x200)});
-    {
-        MessageBoxDriver boxes;
-        boxes.Expect(Text(1173), MB_OKCANCEL, IDOK, Text(1).c_str());
-        EXPECT_TRUE(Telephony_DialNumber(host, 0, 0, "555?1234", "Ann"));
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.number + std::to_string(row.line.devCapFlags));
+        service.Reset();
+        service.SetDevice(0, &row.line);
+        for (LONG refusal : row.refusals)
+            service.Plan("lineMakeCall", kStandInAsync, refusal);
+        if (row.refusals.empty())
+            service.Plan("lineMakeCall", kStandInAsync, 0, {CallState(0x200)});
+        {
+            MessageBoxDriver driver;
+            for (const Box &box : row.boxes)
+                driver.Expect(Text(box.id), box.style, box.answer, Text(1).c_str());
+            EXPECT_EQ(row.result, Telephony_DialNumber(host, 0, 0, row.number, "Ann"));
+        }
+        EXPECT_EQ(row.refusals.size() == 2 ? RV_Retry : RV_Success, OSErrorGetErrorInfo()->errorCode);
+        OSErrorClearError();
+        Telephony_HangupCall(host, 0x4000);
+        EXPECT_EQ(kDialPreamble + row.calls, service.Transcript());
+        EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
+        Hangups().clear();
     }
-    EXPECT_EQ((DialPreamble() + Lines{MakeCall("555;", "Ann"), "lineGetCallStatus c0 1080",
-                                     "lineGetCallStatus c0 1080", "lineDial c0 '1234' 0"}),
-              service.Transcript());
-    EXPECT_TRUE(Telephony_HangupCall(host, 0x4000));
-    EXPECT_EQ(kHangup, service.Transcript());
-    EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
 }
 
-TEST_F(TelephonyTest, DialToneIsWaitedForWhereTheLineCanAndRefusedWhereItCannot)
+// The open of the dialling line: in use elsewhere, a service error, and the
+// unavailable line retried or given up. A failed open tells the host.
+TEST_F(TelephonyTest, EachOpenFailureAndItsMessages)
 {
-    StandInDevice dialTone = kUsable;
-    dialTone.devCapFlags = 0x100;
-    service.SetDevice(0, &dialTone);
+    const std::string kOpen = "lineOpen a0 0 10004 0 1 10 null";
+    struct Row {
+        LONG error;
+        std::vector<Box> boxes;
+        BOOL result;
+        Lines calls;  // after the failed open
+    };
+    const Row rows[] = {
+        {LONG(0x80000001), {{1175, MB_OK, IDOK}}, 0, {}},
+        {LONG(0x80000043), {{1159, MB_OK, IDOK}, {1176, MB_OK, IDOK}}, 0, {}},
+        {kUnavailable, {{1163, MB_RETRYCANCEL, IDCANCEL}, {1176, MB_OK, IDOK}}, 0, {}},
+        {kUnavailable, {{1163, MB_RETRYCANCEL, IDRETRY}}, 1,
+         Lines{kOpen, kDialPreamble[7], kDialPreamble[8], MakeCall("5")} + kHangup},
+    };
     Register();
-    service.Plan("lineMakeCall", kStandInAsync, 0, {CallState(0x8)});
-    {
-        MessageBoxDriver boxes;
-        boxes.Expect(Text(1171), MB_OKCANCEL, IDOK, Text(1).c_str());
-        EXPECT_TRUE(Telephony_DialNumber(host, 0, 0, "555W1234", nullptr));
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.error);
+        service.Plan("lineOpen", 0);  // the check's own open
+        service.Plan("lineOpen", row.error);
+        EXPECT_EQ(row.result, Dial("5", row.boxes));
+        Telephony_HangupCall(host, 0x4000);
+        EXPECT_EQ(Lines(kDialPreamble.begin(), kDialPreamble.begin() + 7) + row.calls, service.Transcript());
+        EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
+        Hangups().clear();
     }
-    EXPECT_EQ((DialPreamble() + Lines{MakeCall("555;"), "lineGetCallStatus c0 1080", "lineGetCallStatus c0 1080",
-                                     "lineDial c0 '1234' 0"}),
-              service.Transcript());
-    Telephony_HangupCall(host, 0x4000);
+}
+
+// The hang-up of a call under way, each branch of the drop and of the
+// releases after it, by what the service answers.
+TEST_F(TelephonyTest, EachHangupBranch)
+{
+    const std::string kDrop = "lineDrop c0 0", kFree = "lineDeallocateCall c0", kClose = "lineClose 11";
+    struct Row {
+        const char *function;
+        LONG result, reply;
+        std::vector<Box> boxes;
+        Lines calls;
+    };
+    const Row rows[] = {
+        {"lineDrop", kStandInAsync, 2, {}, kHangup},
+        {"lineDrop", kStandInAsync, LONG(0x8000001C), {}, kHangup},
+        {"lineDrop", kStandInAsync, kFailed, {{1162, MB_OK, IDOK}}, kHangup},
+        {"lineDrop", kStandInAsync, kUnavailable, {{1163, MB_RETRYCANCEL, IDRETRY}},
+         {kStatus, kDrop, kDrop, kFree, kClose}},
+        {"lineDrop", kFailed, 0, {{1162, MB_OK, IDOK}}, kHangup},
+        {"lineDeallocateCall", kUnavailable, 0, {{1163, MB_RETRYCANCEL, IDRETRY}},
+         {kStatus, kDrop, kFree, kFree, kClose}},
+        {"lineClose", LONG(0x80000044), 0, {{1161, MB_OK, IDOK}}, kHangup},
+        {"lineClose", kUnavailable, 0, {{1163, MB_RETRYCANCEL, IDCANCEL}}, kHangup},
+    };
+    Register();
+    for (const Row &row : rows) {
+        SCOPED_TRACE(std::string(row.function) + " " + std::to_string(row.reply));
+        EXPECT_TRUE(Dial("5"));
+        service.Transcript();
+        service.Plan(row.function, row.result, row.reply, {CallState(1)});
+        {
+            MessageBoxDriver driver;
+            for (const Box &box : row.boxes)
+                driver.Expect(Text(box.id), box.style, box.answer, Text(1).c_str());
+            EXPECT_TRUE(Telephony_HangupCall(host, 0x4000));
+        }
+        Pump();  // the idle state may come after the wait for it
+        EXPECT_EQ(row.calls, service.Transcript());
+        EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
+        Hangups().clear();
+    }
+}
+
+// An unreadable status ends the registration; the hang-up guard does not
+// stay behind, so the next call after a new start hangs up as usual.
+TEST_F(TelephonyTest, AnUnreadableCallStatusLeavesLaterHangupsWorking)
+{
+    Register();
+    EXPECT_TRUE(Dial("5"));
     service.Transcript();
-
-    // Without the line's support the number goes out whole; the service's
-    // refusal makes W a stop, and the next piece is the empty rest.
-    service.SetDevice(0, &kUsable);
-    service.Plan("lineMakeCall", kStandInAsync, LONG(0x80000009));
+    service.Plan("lineGetCallStatus", kFailed);
     {
-        MessageBoxDriver boxes;
-        EXPECT_TRUE(Telephony_DialNumber(host, 0, 0, "555W1234", nullptr));
+        MessageBoxDriver driver;
+        driver.Expect(Text(1162), MB_OK, IDOK, Text(1).c_str());
+        EXPECT_FALSE(Telephony_HangupCall(host, 0x4000));
     }
-    EXPECT_EQ((DialPreamble() + Lines{MakeCall("555W1234"), MakeCall("")}), service.Transcript());
-}
-
-TEST_F(TelephonyTest, AStopOnALineWithoutPartialDiallingReleasesTheLine)
-{
-    StandInDevice whole = kUsable;
-    whole.addrCapFlags = 0;
-    service.SetDevice(0, &whole);
-    Register();
-    {
-        MessageBoxDriver boxes;
-        boxes.Expect(Text(1177), MB_OK, IDOK, Text(1).c_str());
-        EXPECT_FALSE(Telephony_DialNumber(host, 0, 0, "555?1", nullptr));
-    }
-    EXPECT_EQ((DialPreamble() + Lines{"lineClose 11"}), service.Transcript());
-    EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
-}
-
-TEST_F(TelephonyTest, ASecondDialWhileACallIsUnderWayIsRefused)
-{
-    Register();
-    EXPECT_TRUE(Telephony_DialNumber(host, 0, 0, "5551234", nullptr));
-    EXPECT_EQ((DialPreamble() + Lines{MakeCall("5551234")}), service.Transcript());
-    {
-        MessageBoxDriver boxes;
-        boxes.Expect(Text(1174), MB_OK, IDOK, Text(1).c_str());
-        EXPECT_FALSE(Telephony_DialNumber(host, 0, 0, "666", nullptr));
-    }
-    EXPECT_EQ((Lines{kVerify[0], kVerify[1], kVerify[2], kVerify[3], kVerify[4], kVerify[0]}),
-              service.Transcript());
+    EXPECT_EQ((Lines{kStatus, "lineShutdown a0"}), service.Transcript());
     EXPECT_EQ(std::vector<LPARAM>{}, Hangups());
+    Register();
+    EXPECT_TRUE(Dial("5"));
+    EXPECT_EQ(kDialPreamble + Lines{MakeCall("5")}, service.Transcript());
+    EXPECT_TRUE(Telephony_HangupCall(host, 0x40));
+    EXPECT_EQ(kHangup, service.Transcript());
+    EXPECT_EQ(std::vector<LPARAM>{0x40}, Hangups());
 }
 
+// How a call ends reaches the host with its reason; another call's states
+// and a monitor's leave it alone.
 TEST_F(TelephonyTest, TheCallEndingReachesTheHostWithItsReason)
 {
+    const Lines kReleased = {kStatus, "lineDeallocateCall c0", "lineClose 11"};
     struct Row {
         const char *what;
         std::vector<StandInEvent> events;
-        LPARAM reason;
+        std::vector<LPARAM> reasons;
+        Lines calls;
     };
     const Row rows[] = {
-        {"busy", {CallState(0x200), CallState(0x40)}, 0x40},
-        {"special information", {CallState(0x80)}, 0x80},
-        {"disconnected", {CallState(0x100), CallState(0x4000)}, 0x4000},
-        {"an owner's state", {CallState(0x100, kStandInCall, 4)}, 0x4000},
-        {"the line closed", {LineClose()}, 0x4000},
-        {"the line out of service", {DeviceState(0x80)}, 0x4000},
+        {"idle", {CallState(0x1)}, {0x1}, kReleased},
+        {"busy", {CallState(0x200), CallState(0x40)}, {0x40}, kHangup},
+        {"special information", {CallState(0x80)}, {0x80}, kHangup},
+        {"disconnected", {CallState(0x100), CallState(0x4000)}, {0x4000}, kHangup},
+        {"an owner's state", {CallState(0x100, kStandInCall, 4)}, {0x4000}, kHangup},
+        {"a monitor's idle", {CallState(0x1, kStandInCall, 2)}, {0x4000}, kReleased},
+        {"the line closed", {LineClose()}, {0x4000}, {}},
+        {"the line out of service", {DeviceState(0x80)}, {0x4000}, kHangup},
+        {"the line in maintenance, retold", {DeviceState(0x40000, 8, 0x100)}, {0x4000}, kHangup},
+        {"another call's states", {CallState(0x1, kStandInOtherCall), CallState(0x40, kStandInOtherCall)}, {}, {}},
     };
     Register();
     for (const Row &row : rows) {
         SCOPED_TRACE(row.what);
-        Hangups().clear();
         service.Plan("lineMakeCall", kStandInAsync, 0, row.events);
-        EXPECT_TRUE(Telephony_DialNumber(host, 0, 0, "5551234", nullptr));
+        EXPECT_TRUE(Dial("5551234"));
         service.Transcript();
         Pump();
-        EXPECT_EQ(std::vector<LPARAM>{row.reason}, Hangups());
-        // A closed line has nothing left to take down.
-        EXPECT_EQ(row.events[0].message == 3 ? Lines{} : kHangup, service.Transcript());
+        EXPECT_EQ(row.reasons, Hangups());
+        EXPECT_EQ(row.calls, service.Transcript());
+        Telephony_HangupCall(host, 0x4000);
+        service.Transcript();
+        Hangups().clear();
     }
 }
 
@@ -198,55 +255,63 @@ TEST_F(TelephonyTest, ALineClosedDuringTheWaitForAReply)
 {
     Register();
     service.Plan("lineMakeCall", kStandInAsync, kStandInNever, {LineClose()});
-    {
-        MessageBoxDriver boxes;
-        boxes.Expect(Text(1162), MB_OK, IDOK, Text(1).c_str());
-        EXPECT_FALSE(Telephony_DialNumber(host, 0, 0, "5551234", nullptr));
-    }
+    EXPECT_FALSE(Dial("5551234", {{1162, MB_OK, IDOK}}));
     std::string again = MakeCall("5551234");
     again.replace(again.find(" 11 "), 4, " 0 ");
-    EXPECT_EQ((DialPreamble() + Lines{MakeCall("5551234"), again}), service.Transcript());
+    EXPECT_EQ((kDialPreamble + Lines{MakeCall("5551234"), again}), service.Transcript());
     EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
 }
 
-TEST_F(TelephonyTest, ACallStateOfAnotherCallIsIgnored)
+TEST_F(TelephonyTest, ASecondDialWhileACallIsUnderWayIsRefused)
 {
     Register();
-    EXPECT_TRUE(Telephony_DialNumber(host, 0, 0, "5551234", nullptr));
+    EXPECT_TRUE(Dial("5551234"));
     service.Transcript();
-    service.Post({CallState(0x1, kStandInOtherCall), CallState(0x40, kStandInOtherCall)});
-    Pump();
-    EXPECT_EQ(Lines{}, service.Transcript());
-    EXPECT_EQ(std::vector<LPARAM>{}, Hangups());
-    EXPECT_TRUE(Telephony_HangupCall(host, 0x4000));
-    EXPECT_EQ(kHangup, service.Transcript());
-}
-
-TEST_F(TelephonyTest, SilenceAfterAPieceTimesTheDialOut)
-{
-    Register();
-    MessageBoxDriver boxes;  // no box: the wait fails in silence
-    DWORD start = GetTickCount();
-    EXPECT_FALSE(Telephony_DialNumber(host, 0, 0, "555?1234", nullptr));
-    EXPECT_GE(GetTickCount() - start, 400u);
-    EXPECT_EQ((DialPreamble() + Lines{MakeCall("555;"), "lineGetCallStatus c0 1080"} + kHangup),
-              service.Transcript());
-    EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
-}
-
-TEST_F(TelephonyTest, NoLineChosenAndNothingToHangUp)
-{
-    Register();
-    {
-        MessageBoxDriver boxes;
-        boxes.Expect(Text(1153), MB_OK | MB_ICONEXCLAMATION, IDOK, Text(1).c_str());
-        EXPECT_FALSE(Telephony_DialNumber(host, -1, 0, "555", nullptr));
-    }
-    EXPECT_TRUE(Telephony_HangupCall(host, 0x4000));
-    EXPECT_EQ(Lines{}, service.Transcript());
+    EXPECT_FALSE(Dial("666", {{1174, MB_OK, IDOK}}));
+    EXPECT_EQ(kVerify + Lines{kVerify[0]}, service.Transcript());
     EXPECT_EQ(std::vector<LPARAM>{}, Hangups());
     EXPECT_FALSE(Telephony_DialNumber(host, 0, 0, nullptr, nullptr));
     EXPECT_EQ(RV_BadParms, OSErrorGetErrorInfo()->errorCode);
-    OSErrorClearError();
+}
+
+// The wait for dial tone after a piece gives up once more than 30000 ms have
+// passed: the clock read at its start and after each message handled. With
+// no hang-up in between, the dial fails in silence.
+TEST_F(TelephonyTest, TheWaitForACallStateEndsJustPastThirtySeconds)
+{
+    struct {
+        DWORD step, reads;
+    } const rows[] = {{10000, 5}, {29999, 3}, {30000, 3}, {30001, 2}, {15001, 3}};
+    Register();
+    // After a call that went idle, the hang-up's own wait for idle sees the
+    // state it waits for at once, and reads the clock once.
+    EXPECT_TRUE(Dial("5"));
+    Telephony_HangupCall(host, 0x4000);
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.step);
+        Pump();
+        service.Transcript();
+        Hangups().clear();
+        FakeClock::step = row.step;
+        FakeClock::reads = 0;
+        EXPECT_FALSE(Dial("555?1234"));
+        EXPECT_EQ(row.reads + 1, FakeClock::reads);
+        EXPECT_EQ((kDialPreamble + Lines{MakeCall("555;"), kStatus} + kHangup), service.Transcript());
+        EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
+    }
+}
+
+// With no box to answer (the parent gone), an unavailable line is tried
+// again a bounded number of times, not for ever.
+TEST_F(TelephonyTest, AnUnavailableLineIsRetriedABoundedNumberOfTimesWithoutABox)
+{
+    Register();
+    HWND gone = CreateWindowA("STATIC", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    DestroyWindow(gone);
+    for (int i = 0; i < 12; ++i)
+        service.Plan("lineOpen", kUnavailable);
+    MessageBoxDriver driver;
+    EXPECT_EQ(1u, Telephony_VerifyUsableLine(gone, 0));
+    EXPECT_EQ(Lines(kVerify.begin(), kVerify.begin() + 2) + Lines(9, kVerify[2]), service.Transcript());
 }
 }

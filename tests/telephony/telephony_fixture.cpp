@@ -39,6 +39,38 @@ StandInEvent DeviceState(DWORD state, DWORD detail, DWORD further)
 }
 StandInEvent LineClose() { return StandInEvent{3, kStandInLine, 0, 0, 0}; }
 StandInEvent LineCreate(DWORD device) { return StandInEvent{19, kStandInNoDevice, device, 0, 0}; }
+StandInDevice Line(DWORD devCaps, DWORD addrCaps) { return StandInDevice{0x10004, 1, 8, devCaps, addrCaps, 2}; }
+
+DWORD FakeClock::now, FakeClock::step, FakeClock::reads;
+DWORD WINAPI FakeClock::Read()
+{
+    ++reads;
+    return now += step;
+}
+
+Lines operator+(Lines a, const Lines &b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+const Lines kVerify = {"lineNegotiateAPIVersion a0 0 10004 10004", "lineGetDevCaps a0 0 10004 0 1276",
+                       "lineOpen a0 0 10004 0 1 10 null", "lineGetAddressStatus 11 0 1088", "lineClose 11"};
+const Lines kDialPreamble = kVerify + Lines{"lineNegotiateAPIVersion a0 0 10004 10004",
+                                            "lineOpen a0 0 10004 0 1 10 null",
+                                            "lineGetAddressCaps a0 0 0 10004 0 1252",
+                                            "lineGetDevCaps a0 0 10004 0 1276"};
+const Lines kHangup = {"lineGetCallStatus c0 1080", "lineDrop c0 0", "lineDeallocateCall c0", "lineClose 11"};
+
+// lineMakeCall with the call parameters the stand-in reports: total size,
+// display name, bearer and media mode, flags, address mode and id.
+std::string MakeCall(const std::string &piece, const std::string &name)
+{
+    char tail[96];
+    snprintf(tail, sizeof tail, " 0 %u '%s' 1 4 2 1 0", static_cast<unsigned>(176 + name.size() + 1),
+             name.c_str());
+    return "lineMakeCall 11 '" + piece + "'" + tail;
+}
 
 std::vector<LPARAM> &TelephonyTest::Hangups()
 {
@@ -78,9 +110,21 @@ std::string TelephonyTest::Text(UINT id)
     return text;
 }
 
+BOOL TelephonyTest::Dial(const char *number, std::vector<Box> boxes, LONG device, HWND window)
+{
+    MessageBoxDriver driver;
+    for (const Box &box : boxes)
+        driver.Expect(Text(box.id), box.style, box.answer, Text(1).c_str());
+    return Telephony_DialNumber(window ? window : host, device, 0, number, nullptr);
+}
+
 void TelephonyTest::SetUp()
 {
     ErrorStateTest::SetUp();
+    ASSERT_TRUE(clock.Applied());
+    FakeClock::now = 0xFFFFF000;
+    FakeClock::step = 1000;
+    FakeClock::reads = 0;
     WNDCLASSA windowClass = {};
     windowClass.lpfnWndProc = HostProc;
     windowClass.hInstance = GetModuleHandleA(nullptr);

@@ -15,19 +15,20 @@ TEST_F(TelephonyTest, RegistersOnceAndCountsDevicesAsTheyAreCreated)
     EXPECT_EQ(2u, Telephony_GetNumDevices());
     EXPECT_EQ(Lines{"lineInitialize '" + Text(1) + "'"}, service.Transcript());
 
+    // Devices 0 and 1 are known; the count follows a new one at, below, one
+    // past and beyond the last, announced directly or by a re-initialisation.
     struct {
         StandInEvent event;
         DWORD devices;
     } const steps[] = {
-        {LineCreate(1), 2},                 // a device already known
-        {LineCreate(4), 5},                 // the count follows the highest
-        {DeviceState(0x40000, 0x13, 6), 7}, // a re-initialisation telling of a new device
-        {DeviceState(0x40000, 0x13, 2), 7},
+        {LineCreate(1), 2}, {LineCreate(0), 2}, {LineCreate(2), 3}, {LineCreate(5), 6}, {LineCreate(4), 6},
+        {DeviceState(0x40000, 0x13, 5), 6}, {DeviceState(0x40000, 0x13, 6), 7},
+        {DeviceState(0x40000, 0x13, 9), 10}, {DeviceState(0x40000, 0x12, 20), 10},
     };
     for (const auto &step : steps) {
         service.Post({step.event});
         Pump();
-        EXPECT_EQ(step.devices, Telephony_GetNumDevices());
+        EXPECT_EQ(step.devices, Telephony_GetNumDevices()) << step.event.param1 << " " << step.event.param3;
     }
     EXPECT_EQ(Lines{}, service.Transcript());
 }
@@ -154,19 +155,47 @@ TEST_F(TelephonyTest, AFailedStartSwitchesTelephonyOffInSilence)
     EXPECT_EQ(Lines{}, service.Transcript());
 }
 
+// The pause pumps messages until 5000 ms have passed by the tick count:
+// at 1000 ms a read, the start and five reads; at 5000, the start and one.
 TEST_F(TelephonyTest, AServiceBeingRestartedTwiceIsWaitedForOnceThenReported)
 {
-    service.Plan("lineInitialize", static_cast<LONG>(0x80000052));
-    service.Plan("lineInitialize", static_cast<LONG>(0x80000052));
-    MessageBoxDriver boxes;
-    // This box has the title as its text and the message as its caption.
-    boxes.Expect(Text(1), MB_OK, IDOK, Text(1156).c_str());
-    DWORD start = GetTickCount();
-    TelephonyClientStart(host);
-    EXPECT_GE(GetTickCount() - start, 5000u);
-    EXPECT_EQ(0u, IsTelephonyEnabled());
-    const std::string initialize = "lineInitialize '" + Text(1) + "'";
-    EXPECT_EQ((Lines{initialize, initialize}), service.Transcript());
+    for (DWORD step : {1000u, 4999u, 5000u}) {
+        SCOPED_TRACE(step);
+        Telephony_Initialize(StandIn::Load("tapi_standin").module);
+        service.Plan("lineInitialize", static_cast<LONG>(0x80000052));
+        service.Plan("lineInitialize", static_cast<LONG>(0x80000052));
+        MessageBoxDriver boxes;
+        // This box has the title as its text and the message as its caption.
+        boxes.Expect(Text(1), MB_OK, IDOK, Text(1156).c_str());
+        FakeClock::step = step;
+        FakeClock::reads = 0;
+        TelephonyClientStart(host);
+        EXPECT_EQ(step == 1000 ? 6u : step == 4999 ? 3u : 2u, FakeClock::reads - 1);  // one is the busy cursor's
+        EXPECT_EQ(0u, IsTelephonyEnabled());
+        const std::string initialize = "lineInitialize '" + Text(1) + "'";
+        EXPECT_EQ((Lines{initialize, initialize}), service.Transcript());
+    }
+}
+
+// Until the client start binds the service, a dial with no line chosen is
+// told so, and one on a line finds the line unusable; a library handed over
+// later takes the registration down and is bound at the next start.
+TEST_F(TelephonyTest, ALibraryIsBoundAtTheClientStartAndAgainWhenReplaced)
+{
+    for (int replaced = 0; replaced < 2; ++replaced) {
+        SCOPED_TRACE(replaced);
+        EXPECT_EQ(1u, IsTelephonyEnabled());
+        EXPECT_FALSE(Dial("555", {{1153, MB_OK | MB_ICONEXCLAMATION, IDOK}}, -1));
+        EXPECT_FALSE(Dial("555", {{1165, MB_OK, IDOK}}));
+        EXPECT_EQ(Lines{}, service.Transcript());
+        Register();
+        EXPECT_TRUE(Dial("555"));
+        EXPECT_EQ(kDialPreamble + Lines{MakeCall("555")}, service.Transcript());
+        Telephony_Initialize(StandIn::Load("tapi_standin").module);
+        EXPECT_EQ(kHangup + Lines{"lineShutdown a0"}, service.Transcript());
+        EXPECT_EQ(std::vector<LPARAM>{0x4000}, Hangups());
+        Hangups().clear();
+    }
 }
 
 TEST_F(TelephonyTest, AServiceLackingOneEntryPointSwitchesTelephonyOff)
