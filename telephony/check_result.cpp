@@ -21,10 +21,30 @@ const ResultRow kResultTable[] = {
     {TAPI_NOMULTIPLEINSTANCE, 1160, MB_OK, kStop},
 };
 const ResultRow kOtherResult = {0, 1162, MB_OK, kStop};
+
+// An unavailable line is tried again at the user's word. With no box to
+// answer (messages switched off, the parent gone) it is tried this many
+// times in a row, then given up with the error recorded.
+const DWORD kUnansweredRetries = 8;
+
+BOOL RetryUnlessCancelled(int answer)
+{
+    if (answer) {
+        g_tel.unansweredRetries = 0;
+        return answer != IDCANCEL;
+    }
+    if (++g_tel.unansweredRetries <= kUnansweredRetries)
+        return 1;
+    g_tel.unansweredRetries = 0;
+    OSErrorSetErrorInfo(RV_Retry);
+    return 0;
+}
 }
 
 BOOL TelephonyCheckResult(HWND window, LONG result, BOOL interactive)
 {
+    if (result != TAPI_RESOURCEUNAVAIL)
+        g_tel.unansweredRetries = 0;
     if (result > 0)
         return 1; // a request id
     if (!interactive || result == 0)
@@ -45,7 +65,7 @@ BOOL TelephonyCheckResult(HWND window, LONG result, BOOL interactive)
             g_tel.tapi.lineTranslateDialog(g_tel.lineApp, 0, TAPI_VERSION_1_4, window, nullptr);
         return 0;
     case kRetryUnlessCancel:
-        return answer != IDCANCEL;
+        return RetryUnlessCancelled(answer);
     default:
         return 0;
     }

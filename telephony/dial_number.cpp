@@ -168,7 +168,12 @@ bool DialPieces(HWND window, const char *number, char *work, const DialRecords &
         }
         if (reply != 0) {
             // The service refuses a modifier in the piece: stop at it from
-            // now on, and go on from where the position stands.
+            // now on, and go on from where the position stands. An empty
+            // piece refused leaves nothing to split: the dial fails.
+            if (!work[0]) {
+                OSErrorSetErrorInfo(RV_Retry);
+                return false;
+            }
             for (const DialModifier &row : kDialModifierTable) {
                 if (row.refusal == reply && stopCount < sizeof stops - 1)
                     stops[stopCount++] = row.character;
@@ -187,7 +192,7 @@ bool DialPieces(HWND window, const char *number, char *work, const DialRecords &
 extern "C" BOOL WINAPI Telephony_DialNumber(HWND window, LONG device, DWORD address, const char *number,
                                             const char *displayName)
 {
-    if (!TelephonyOn())
+    if (!g_module.telephonyLoaded)
         return 1;
     if (device == -1) {
         ShowMessage(window, 1153, MB_ICONEXCLAMATION);

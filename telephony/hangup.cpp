@@ -37,8 +37,8 @@ extern "C" BOOL WINAPI Telephony_HangupCall(HWND window, DWORD reason)
     if (g_tel.currentCall) {
         TapiLineCallStatus *status = ReadCallStatus(window, g_tel.currentCall);
         if (!status) {
-            // The guard stays set on this path: later hang-ups do nothing.
             TelephonyLineStop(window);
+            g_tel.hangupRunning = 0;
             return 0;
         }
         if (!(status->dwCallState & TAPI_CALLSTATE_IDLE))

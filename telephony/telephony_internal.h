@@ -51,6 +51,7 @@ struct TelephonyState {
     DWORD hangupRunning;
     DWORD callWaitOver;
     DWORD replyWaitOver;
+    DWORD unansweredRetries;    // unavailable results retried with no box shown
 };
 extern TelephonyState g_tel;
 

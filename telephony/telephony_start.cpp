@@ -34,8 +34,13 @@ extern "C" BOOL WINAPI TelephonyStart(DWORD)
     return 1;
 }
 
+// A registration with the old library ends before the library goes, so that
+// the next client start registers with the new one.
 extern "C" BOOL WINAPI Telephony_Initialize(HMODULE library)
 {
+    if (TelephonyOn())
+        TelephonyLineStop(nullptr);
+    g_tel.lineApp = 0;
     if (g_module.telephonyLoaded)
         FreeLibrary(g_module.hTelephonyLibrary);
     g_module.hTelephonyLibrary = library;

@@ -49,8 +49,12 @@ static DWORD VerdictOfDevice(HWND window, DWORD device, DWORD version)
 
 extern "C" DWORD WINAPI Telephony_VerifyUsableLine(HWND window, DWORD device)
 {
-    if (!TelephonyOn())
+    if (!g_module.telephonyLoaded)
         return 0;
+    // Not registered yet: the line cannot be checked, as the service answers
+    // an application it does not know.
+    if (!TelephonyOn())
+        return kFailed;
     DWORD version = 0;
     TapiExtensionId extension = {};
     g_tel.tapi.lineNegotiateAPIVersion(g_tel.lineApp, device, TAPI_VERSION_1_4, TAPI_VERSION_1_4,

@@ -2,24 +2,9 @@
 // messages, since the service's callback arrives through them; a nested
 // wait that finishes ends the wait around it.
 #include "telephony_internal.h"
-#include <cstdlib>
 
-// A call state is waited for at most 30 seconds. The test programs shorten
-// the limit through the environment variable QZ_TELEPHONY_CALL_WAIT_MS,
-// read once at the first wait; nothing else changes it.
+// A call state is waited for at most 30 seconds, by the system's tick count.
 static const DWORD kCallStateLimitMs = 30000;
-
-static DWORD CallStateLimit()
-{
-    static DWORD limit = 0;
-    if (!limit) {
-        char text[16] = {};
-        DWORD length = GetEnvironmentVariableA("QZ_TELEPHONY_CALL_WAIT_MS", text, sizeof text);
-        DWORD value = (length > 0 && length < sizeof text) ? strtoul(text, nullptr, 10) : 0;
-        limit = value ? value : kCallStateLimitMs;
-    }
-    return limit;
-}
 
 // Handles one waiting message; without one, sleeps until input arrives or
 // a short while has passed, rather than spin.
@@ -79,7 +64,7 @@ DWORD WaitForCallState(DWORD target)
             result = 1;
             break;
         }
-        if (GetTickCount() - start > CallStateLimit()) {
+        if (GetTickCount() - start > kCallStateLimitMs) {
             result = 2;
             break;
         }

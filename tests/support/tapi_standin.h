@@ -54,3 +54,62 @@ typedef void(WINAPI *StandInGrowOnceProc)(const char *);
 // StandIn_TakeTranscript(buffer, size): the lines so far, each ended by
 // '\n', and forgets them; returns the size needed.
 typedef DWORD(WINAPI *StandInTakeTranscriptProc)(char *, DWORD);
+
+// The client side, for a test: the extra exports of a loaded stand-in, its
+// transcript as lines, and events by name.
+#include <string>
+#include <vector>
+
+struct StandIn {
+    HMODULE module = nullptr;
+    StandInResetProc Reset = nullptr;
+    StandInSetDeviceProc SetDeviceProc = nullptr;
+    StandInPlanProc PlanProc = nullptr;
+    StandInPostProc PostProc = nullptr;
+    StandInGrowOnceProc GrowOnce = nullptr;
+    StandInTakeTranscriptProc TakeTranscriptProc = nullptr;
+
+    // Loads the stand-in at `path`; another reference each time.
+    static StandIn Load(const std::string &path)
+    {
+        StandIn s;
+        s.module = LoadLibraryA(path.c_str());
+        auto proc = [&](const char *name) { return reinterpret_cast<void *>(GetProcAddress(s.module, name)); };
+        s.Reset = reinterpret_cast<StandInResetProc>(proc("StandIn_Reset"));
+        s.SetDeviceProc = reinterpret_cast<StandInSetDeviceProc>(proc("StandIn_SetDevice"));
+        s.PlanProc = reinterpret_cast<StandInPlanProc>(proc("StandIn_Plan"));
+        s.PostProc = reinterpret_cast<StandInPostProc>(proc("StandIn_Post"));
+        s.GrowOnce = reinterpret_cast<StandInGrowOnceProc>(proc("StandIn_GrowOnce"));
+        s.TakeTranscriptProc = reinterpret_cast<StandInTakeTranscriptProc>(proc("StandIn_TakeTranscript"));
+        return s;
+    }
+    void SetDevice(DWORD device, StandInDevice record) const { SetDeviceProc(device, &record); }
+    void Plan(const char *function, LONG result, LONG reply = 0, std::vector<StandInEvent> events = {}) const
+    {
+        PlanProc(function, result, reply, events.data(), static_cast<DWORD>(events.size()));
+    }
+    void Post(std::vector<StandInEvent> events) const { PostProc(events.data(), DWORD(events.size())); }
+    std::vector<std::string> Transcript() const
+    {
+        std::string text(TakeTranscriptProc(nullptr, 0), '\0');
+        TakeTranscriptProc(&text[0], static_cast<DWORD>(text.size()));
+        std::vector<std::string> lines;
+        for (size_t start = 0, end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+            lines.push_back(text.substr(start, end - start));
+        return lines;
+    }
+};
+
+inline StandInEvent CallState(DWORD state, DWORD target = kStandInCall, DWORD privilege = 0)
+{
+    return {2, target, state, 0, privilege};
+}
+inline StandInEvent DeviceState(DWORD state, DWORD detail = 0, DWORD further = 0)
+{
+    return {8, kStandInLine, state, detail, further};
+}
+inline StandInEvent LineClose() { return {3, kStandInLine, 0, 0, 0}; }
+inline StandInEvent LineCreate(DWORD device) { return {19, kStandInNoDevice, device, 0, 0}; }
+// A line device: voice, calls, these dial capabilities, partial dialling
+// (unless `addrCaps` says otherwise), calls possible now.
+inline StandInDevice Line(DWORD devCaps = 0, DWORD addrCaps = 0x10000) { return {0x10004, 1, 8, devCaps, addrCaps, 2}; }

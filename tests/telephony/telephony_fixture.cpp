@@ -1,73 +1,49 @@
 #include "telephony_fixture.h"
+#include <cstdio>
 
-StandIn StandIn::Load(const char *folder)
+DWORD FakeClock::now, FakeClock::step, FakeClock::reads;
+DWORD WINAPI FakeClock::Read() { return ++reads, now += step; }
+
+Lines operator+(Lines a, const Lines &b)
 {
-    StandIn s;
-    s.module = LoadLibraryA((ProgramFolder() + folder + "\\tapi32.dll").c_str());
-    if (!s.module)
-        return s;
-    s.Reset = reinterpret_cast<StandInResetProc>(GetProcAddress(s.module, "StandIn_Reset"));
-    s.SetDevice = reinterpret_cast<StandInSetDeviceProc>(GetProcAddress(s.module, "StandIn_SetDevice"));
-    s.PlanProc = reinterpret_cast<StandInPlanProc>(GetProcAddress(s.module, "StandIn_Plan"));
-    s.PostProc = reinterpret_cast<StandInPostProc>(GetProcAddress(s.module, "StandIn_Post"));
-    s.GrowOnce = reinterpret_cast<StandInGrowOnceProc>(GetProcAddress(s.module, "StandIn_GrowOnce"));
-    s.TakeTranscriptProc =
-        reinterpret_cast<StandInTakeTranscriptProc>(GetProcAddress(s.module, "StandIn_TakeTranscript"));
-    return s;
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
 }
+Lines First(const Lines &lines, size_t count) { return Lines(lines.begin(), lines.begin() + count); }
 
-Lines StandIn::Transcript() const
+const std::string kStatus = "lineGetCallStatus c0 1080";
+const Lines kVerify = {"lineNegotiateAPIVersion a0 0 10004 10004", "lineGetDevCaps a0 0 10004 0 1276",
+                       "lineOpen a0 0 10004 0 1 10 null", "lineGetAddressStatus 11 0 1088", "lineClose 11"};
+const Lines kDialPreamble = kVerify + Lines{kVerify[0], kVerify[2], "lineGetAddressCaps a0 0 0 10004 0 1252",
+                                            kVerify[1]};
+const Lines kHangup = {kStatus, "lineDrop c0 0", "lineDeallocateCall c0", "lineClose 11"};
+
+// The stand-in reports total size, display name, bearer and media mode,
+// flags, address mode and address id.
+std::string MakeCall(const std::string &piece, const std::string &name)
 {
-    std::string text(TakeTranscriptProc(nullptr, 0), '\0');
-    TakeTranscriptProc(&text[0], static_cast<DWORD>(text.size()));
-    Lines lines;
-    size_t start = 0, end;
-    while ((end = text.find('\n', start)) != std::string::npos) {
-        lines.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
-    return lines;
+    char tail[96];
+    snprintf(tail, sizeof tail, " 0 %u '%s' 1 4 2 1 0", unsigned(176 + name.size() + 1), name.c_str());
+    return "lineMakeCall 11 '" + piece + "'" + tail;
 }
 
-StandInEvent CallState(DWORD state, DWORD target, DWORD privilege)
-{
-    return StandInEvent{2, target, state, 0, privilege};
-}
-StandInEvent DeviceState(DWORD state, DWORD detail, DWORD further)
-{
-    return StandInEvent{8, kStandInLine, state, detail, further};
-}
-StandInEvent LineClose() { return StandInEvent{3, kStandInLine, 0, 0, 0}; }
-StandInEvent LineCreate(DWORD device) { return StandInEvent{19, kStandInNoDevice, device, 0, 0}; }
-
-std::vector<LPARAM> &TelephonyTest::Hangups()
-{
-    static std::vector<LPARAM> seen;
-    return seen;
-}
+Reasons hangups;
 
 static LRESULT CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    struct Access : TelephonyTest {
-        static void Record(LPARAM reason) { Hangups().push_back(reason); }
-    };
-    if (message == WM_APP + 5) {
-        Access::Record(lParam);
-        return 0;
-    }
+    if (message == WM_APP + 5)
+        hangups.push_back(lParam);
     return DefWindowProcA(window, message, wParam, lParam);
 }
 
 void TelephonyTest::Pump()
 {
     MSG msg;
-    for (int idle = 0; idle < 3; ++idle) {
-        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+    for (int idle = 0; idle < 3; ++idle, Sleep(5)) {
+        for (; PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE); idle = 0) {
             TranslateMessage(&msg);
             DispatchMessageA(&msg);
-            idle = 0;
         }
-        Sleep(5);
     }
 }
 
@@ -78,26 +54,35 @@ std::string TelephonyTest::Text(UINT id)
     return text;
 }
 
+void TelephonyTest::ExpectBoxes(MessageBoxDriver &driver, const Boxes &boxes)
+{
+    for (const Box &box : boxes)
+        driver.Expect(Text(box.id), box.style, box.answer, Text(1).c_str());
+}
+
+BOOL TelephonyTest::Dial(const char *number, const Boxes &boxes, LONG device, const char *name)
+{
+    MessageBoxDriver driver;
+    ExpectBoxes(driver, boxes);
+    return Telephony_DialNumber(host, device, 0, number, name);
+}
+
 void TelephonyTest::SetUp()
 {
     ErrorStateTest::SetUp();
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = HostProc;
-    windowClass.hInstance = GetModuleHandleA(nullptr);
-    windowClass.lpszClassName = "TelephonyTestHost";
-    RegisterClassA(&windowClass);
-    host = CreateWindowA("TelephonyTestHost", "", WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr, nullptr,
-                         windowClass.hInstance, nullptr);
-    service = StandIn::Load("tapi_standin");
+    ASSERT_TRUE(clock.Applied());
+    FakeClock::now = 0xFFFFF000;
+    FakeClock::step = 1000;
+    host = CreateWindowA("STATIC", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    SetWindowLongPtrA(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HostProc));
+    service = Load("tapi_standin");
     ASSERT_TRUE(service.module && service.Reset && service.TakeTranscriptProc);
-    // Whatever an earlier test left registered goes back to the loaded state
-    // the way the service would take it there, then the stand-in starts over.
-    service.Post({DeviceState(0x40000)});
+    // Handing the library over ends whatever an earlier test registered.
+    Telephony_Initialize(service.module);
     Pump();
     service.Reset();
-    Telephony_Initialize(service.module);
-    Telephony_SetHangupMessage(host, kHangupMessage);
-    Hangups().clear();
+    Telephony_SetHangupMessage(host, WM_APP + 5);
+    hangups.clear();
 }
 
 void TelephonyTest::TearDown()
