@@ -54,34 +54,47 @@ struct RegionCall {
     HRGN (*make)(HBITMAP image, COLORREF ink, COLORREF back);
     char keep;
     bool outline;  // the region is the outline around `keep`
+    bool flipped;  // the scan runs right to left: the region comes out flipped
 };
 
 const RegionCall kRegionCalls[] = {
-    {"bitmap", [](HBITMAP i, COLORREF ink, COLORREF) { return UICreateBitmapRegion(i, ink, 0); }, 'a', false},
-    {"mirrored", [](HBITMAP i, COLORREF, COLORREF back) { return UICreateMirroredBitmapRegion(i, back); }, 'b', true},
+    {"bitmap", [](HBITMAP i, COLORREF ink, COLORREF) { return UICreateBitmapRegion(i, ink, 0); }, 'a', false, false},
+    {"bitmap, mirrored scan", [](HBITMAP i, COLORREF ink, COLORREF) { return UICreateBitmapRegion(i, ink, 1); },
+     'a', false, true},
+    {"mirrored", [](HBITMAP i, COLORREF, COLORREF back) { return UICreateMirroredBitmapRegion(i, back); }, 'b',
+     true, false},
     {"mirrored, corner colour",
-     [](HBITMAP i, COLORREF, COLORREF) { return UICreateMirroredBitmapRegion(i, CLR_INVALID); }, 'b', true},
-    {"round", [](HBITMAP, COLORREF, COLORREF) { return UICreateRoundRectRegion(3, 4, 300, 260, 40, 30); }, 0, false},
+     [](HBITMAP i, COLORREF, COLORREF) { return UICreateMirroredBitmapRegion(i, CLR_INVALID); }, 'b', true, false},
+    {"round", [](HBITMAP, COLORREF, COLORREF) { return UICreateRoundRectRegion(3, 4, 300, 260, 40, 30); }, 0,
+     false, false},
 };
 
 TEST_F(DrawingFailures, RegionsOfManyRectanglesAndEveryRefusalOnTheWay)
 {
     const COLORREF ink = GetSysColor(COLOR_HIGHLIGHT), back = GetSysColor(COLOR_WINDOW);
-    const std::vector<std::string> rows = ManyRows();
-    HBITMAP image = MakeImage(rows, {ink, back});
+    // The outline reads a symmetrical picture; the colour scan one whose
+    // rows differ from their mirror images.
+    std::vector<std::string> rows = ManyRows(), uneven = rows, flipped;
+    for (size_t y = 0; y < uneven.size(); y += 5)
+        uneven[y][y % 3] = 'a';
+    for (const std::string &row : uneven)
+        flipped.emplace_back(row.rbegin(), row.rend());
+    HBITMAP image = MakeImage(rows, {ink, back}), unevenImage = MakeImage(uneven, {ink, back});
     for (const RegionCall &call : kRegionCalls) {
         SCOPED_TRACE(call.name);
-        HRGN whole = call.make(image, ink, back);
+        HBITMAP picture = call.outline ? image : unevenImage;
+        auto make = [&] { return call.make(picture, ink, back); };
+        HRGN whole = make();
         ASSERT_NE(nullptr, whole);
         if (call.keep) {
-            HRGN expected = RegionFromRows(rows, call.keep, call.outline);
+            HRGN expected = RegionFromRows(call.outline ? rows : call.flipped ? flipped : uneven, call.keep, call.outline);
             EXPECT_TRUE(EqualRgn(expected, whole));
             DeleteObject(expected);
         }
         unsigned points;
         {
             FailureSeam count(FailureSeam::Memory | FailureSeam::Gdi, 0);
-            DeleteObject(call.make(image, ink, back));
+            DeleteObject(make());
             points = count.Calls();
         }
         EXPECT_GE(points, 2u);
@@ -91,7 +104,7 @@ TEST_F(DrawingFailures, RegionsOfManyRectanglesAndEveryRefusalOnTheWay)
             HRGN made;
             {
                 FailureSeam seam(FailureSeam::Memory | FailureSeam::Gdi, n);
-                made = call.make(image, ink, back);
+                made = make();
             }
             // Refused anywhere, the call fails and says so.
             EXPECT_EQ(nullptr, made) << n;
@@ -101,7 +114,38 @@ TEST_F(DrawingFailures, RegionsOfManyRectanglesAndEveryRefusalOnTheWay)
         EXPECT_EQ(before, GdiObjectsInUse());
         DeleteObject(whole);
     }
+    DeleteObject(unevenImage);
     DeleteObject(image);
+}
+
+// The edges: no pixel of the colour, an all-background outline, no bitmap,
+// and the corners and band of a round rectangle.
+TEST_F(DrawingFailures, RegionEdges)
+{
+    const COLORREF ink = GetSysColor(COLOR_HIGHLIGHT), back = GetSysColor(COLOR_WINDOW);
+    HBITMAP blank = MakeImage({"bbb", "bbb"}, {ink, back});
+    RECT box;
+    for (HRGN none : {UICreateBitmapRegion(blank, ink, 0), UICreateMirroredBitmapRegion(blank, CLR_INVALID)}) {
+        EXPECT_EQ(NULLREGION, GetRgnBox(none, &box));
+        DeleteObject(none);
+    }
+    DeleteObject(blank);
+    EXPECT_EQ(nullptr, UICreateBitmapRegion(nullptr, ink, 0));
+    EXPECT_EQ(RV_GDIError, OSErrorGetErrorValue());
+    HRGN round = UICreateRoundRectRegion(10, 20, 50, 40, 10, 8);
+    ASSERT_NE(nullptr, round);
+    GetRgnBox(round, &box);
+    EXPECT_EQ((std::vector<LONG>{10, 20, 50, 40}), (std::vector<LONG>{box.left, box.top, box.right, box.bottom}));
+    // The corner is cut, the middle band reaches the side.
+    EXPECT_FALSE(PtInRegion(round, 10, 20));
+    EXPECT_TRUE(PtInRegion(round, 30, 30));
+    EXPECT_TRUE(PtInRegion(round, 10, 30));
+    DeleteObject(round);
+    // A corner as high as the rectangle: no middle band, only the curve.
+    HRGN pill = UICreateRoundRectRegion(0, 0, 20, 8, 8, 8);
+    EXPECT_TRUE(PtInRegion(pill, 10, 4));
+    EXPECT_FALSE(PtInRegion(pill, 0, 0));
+    DeleteObject(pill);
 }
 
 BOOL WINAPI RefuseTextMetrics(HDC, TEXTMETRICA *) { return FALSE; }
