@@ -132,6 +132,19 @@ TEST_F(DrawingFailures, RegionEdges)
     DeleteObject(blank);
     EXPECT_EQ(nullptr, UICreateBitmapRegion(nullptr, ink, 0));
     EXPECT_EQ(RV_GDIError, OSErrorGetErrorValue());
+    OSErrorClearError();
+    // A monochrome picture whose rows are wider than a band of pixels: black
+    // everywhere but one white run in the last row.
+    std::vector<BYTE> bits(2500 * 3, 0);
+    bits[2 * 2500 + 100] = 0xFF;
+    HBITMAP mono = CreateBitmap(20000, 3, 1, 1, bits.data());
+    HRGN black = UICreateBitmapRegion(mono, RGB(0, 0, 0), 0), expected = CreateRectRgn(0, 0, 20000, 3),
+         white = CreateRectRgn(800, 2, 808, 3);
+    CombineRgn(expected, expected, white, RGN_DIFF);
+    EXPECT_TRUE(EqualRgn(expected, black));
+    for (HRGN r : {black, expected, white})
+        DeleteObject(r);
+    DeleteObject(mono);
     HRGN round = UICreateRoundRectRegion(10, 20, 50, 40, 10, 8);
     ASSERT_NE(nullptr, round);
     GetRgnBox(round, &box);
@@ -181,6 +194,20 @@ TEST_F(DrawingFailures, EachFailureIsRecordedAndEmptyPicturesAreNot)
         {"MF_Play, empty block", [&] { return static_cast<LONG>(MF_Play(target.dc, &rect, empty)); }, 0, RV_Success},
         {"MF_GetDimensions, no handle", [&] { return MF_GetDimensions(target.dc, nullptr, &fallBack); }, 7,
          RV_Success},
+        // A null context, rectangle or text is a bad parameter, never a fault.
+        {"UIMaskBltNoFlicker", [&] { return (LONG)UIMaskBltNoFlicker(nullptr, &rect, mask, nullptr, 0); }, 0, RV_BadParms},
+        {"UIMaskBltWithFlicker", [&] { return (LONG)UIMaskBltWithFlicker(target.dc, nullptr, mask, nullptr, 0); }, 0,
+         RV_BadParms},
+        {"UIBitBlt", [&] { return (LONG)UIBitBlt(nullptr, &rect, mask); }, 0, RV_BadParms},
+        {"UITileBitmap", [&] { return (LONG)UITileBitmap(target.dc, nullptr, mask); }, 0, RV_BadParms},
+        {"UIFrameAndFillRect", [&] { return (LONG)UIFrameAndFillRect(nullptr, &rect, nullptr, nullptr, nullptr); }, 0,
+         RV_BadParms},
+        {"UITroughRect", [&] { return (LONG)UITroughRect(target.dc, nullptr); }, 0, RV_BadParms},
+        {"OSMaskBlt", [&] { return OSMaskBlt(target.dc, 0, 0, 1, 1, nullptr, 0, 0, SRCCOPY, mask, 0); }, 0, RV_BadParms},
+        {"MF_Play", [&] { return (LONG)MF_Play(target.dc, nullptr, nullptr); }, 0, RV_BadParms},
+        {"UIVertDrawText", [&] { return (LONG)UIVertDrawText(target.dc, nullptr, -1, &rect, 0, 0); }, 0, RV_BadParms},
+        {"DrawTextWithIndent", [&] { return (LONG)DrawTextWithIndent(target.dc, "a", 0, nullptr, 0, 0, 0, 0); }, 0,
+         RV_BadParms},
     };
     for (const Row &row : rows) {
         OSErrorClearError();
