@@ -211,96 +211,81 @@ TEST_F(ErrorPresentation, Code94LetsTheMouseGoAndHandsTheFocusOn)
     DestroyWindow(top);
 }
 
-TEST_F(ErrorPresentation, TheBoxShowsTheMessageWithItsFirstTildeBlankAndTheWindowCaption)
-{
-    HWND window = TopWindow("Month view"), other = TopWindow("Other");
-    MessageBoxDriver boxes;
-    // The text holds two tildes: only the first one becomes a blank.
-    boxes.Expect("The program is not installed correctly. Please run SETUP~1.EXE from the installation disk.",
-                 MB_OK | MB_ICONASTERISK, IDOK, Text(1).c_str());
-    MakePendingError(RV_BadInstall);
-    EXPECT_EQ(UIHandleErrorEx(window, 1), IDOK);
-    boxes.Expect("The file plan.kel was not found.", MB_RETRYCANCEL | MB_ICONASTERISK, IDRETRY, "Month view");
-    lstrcpyA(MakePendingError(RV_NoFile)->itemText, "plan.kel");
-    EXPECT_EQ(UIHandleErrorRetry(window), IDRETRY);
-    boxes.Expect("An unexpected error occurred (ErrorNo (300)).", MB_OK | MB_ICONHAND, IDOK, Text(13000).c_str());
-    MakePendingError(300);
-    EXPECT_EQ(UIHandleError(window), IDOK);
-    // Without a window the box is task-modal.
-    boxes.Expect(Text(11005), MB_OK | MB_ICONASTERISK, IDOK);
-    MakePendingError(RV_UserError);
-    EXPECT_EQ(UIHandleError(nullptr), IDOK);
-    ASSERT_EQ(boxes.Seen().size(), 4u);
-    EXPECT_EQ(boxes.Seen()[2].owner, window);
-    EXPECT_EQ(boxes.Seen()[2].disabledThreadWindows, 0);
-    EXPECT_GE(boxes.Seen()[3].disabledThreadWindows, 1);
-    EXPECT_TRUE(IsWindowEnabled(other));
-    DestroyWindow(other);
-    DestroyWindow(window);
-}
-
-TEST_F(ErrorPresentation, QuietInBackgroundShowsNothingForAWindowBehindOrIconic)
-{
-    HWND front = TopWindow("Front"), behind = TopWindow("Behind");
-    SetActiveWindow(front);
-    ASSERT_EQ(GetActiveWindow(), front);
-    OSErrorGetErrorInfo()->quietInBackground = 1;
-    for (int step = 0; step < 3; ++step) {
-        MessageBoxDriver boxes;  // strict: any box not expected fails
-        if (step == 1)
-            boxes.Expect(Text(11005), MB_OK | MB_ICONASTERISK, IDOK);
-        if (step == 2)
-            ShowWindow(front, SW_MINIMIZE);
-        MakePendingError(RV_UserError);
-        EXPECT_EQ(UIHandleError(step ? front : behind), step == 1 ? IDOK : IDCANCEL) << step;
-        EXPECT_FALSE(OSErrorIsErrorPending());
-    }
-    DestroyWindow(behind);
-    DestroyWindow(front);
-}
-
 namespace {
 
 struct BoxCall {
-    std::string text;
+    HWND owner;
+    std::string caption, text;
     UINT style;
 };
 std::vector<BoxCall> s_boxCalls;
 int s_refusals;
 
-int WINAPI RecordBox(HWND, const char *text, const char *, UINT style)
+int WINAPI RecordBox(HWND owner, const char *text, const char *caption, UINT style)
 {
-    s_boxCalls.push_back({text ? text : "", style});
+    s_boxCalls.push_back({owner, caption ? caption : "", text ? text : "", style});
     return s_refusals-- > 0 ? 0 : IDOK;
 }
 
 }  // namespace
 
-// A box that cannot be shown is tried system-modal, then the fixed
-// out-of-memory text is shown and the answer is Cancel.
-TEST_F(ErrorPresentation, TheDefaultBoxFallsBackAndNeverShowsAnEarlierText)
+// The default presenter's boxes as the system is asked for them: the text
+// with its first tilde blank, the caption, the owner, task-modal without
+// one, nothing for a window behind or iconic when asked to keep quiet, and
+// when a box cannot be shown: system-modal, then the out-of-memory text.
+TEST_F(ErrorPresentation, TheDefaultBoxesAndTheirFallbacks)
 {
     ImportPatch plain(LibraryModule(), "user32.dll", "MessageBoxA", reinterpret_cast<const void *>(RecordBox));
     ASSERT_TRUE(plain.Applied());
-    const std::string text = "The file plan.kel was not found.", memory = Text(10003);
-    const UINT style = MB_RETRYCANCEL | MB_ICONASTERISK;
-    const BoxCall tries[] = {{text, style | MB_TASKMODAL}, {text, style | MB_SYSTEMMODAL},
-                             {memory, MB_SYSTEMMODAL | MB_ICONHAND}};
-    for (int refusals = 0; refusals < 3; ++refusals) {
+    HWND window = TopWindow("Month view"), behind = TopWindow("Behind");
+    SetActiveWindow(window);
+    const std::string install = "The program is not installed correctly. Please run SETUP~1.EXE from the "
+                                "installation disk.", plan = "The file plan.kel was not found.";
+    const UINT info = MB_ICONASTERISK, hand = MB_ICONHAND | MB_SYSTEMMODAL;
+    struct Row {
+        const char *name;
+        std::function<int()> present;
+        int refusals, answer;
+        std::vector<BoxCall> calls;
+    } const rows[] = {
+        {"tilde and title", [&] { return MakePendingError(RV_BadInstall), UIHandleErrorEx(window, 1); }, 0, IDOK,
+         {{window, Text(1), install, info}}},
+        {"retry", [&] { return lstrcpyA(MakePendingError(RV_NoFile)->itemText, "plan.kel"), UIHandleErrorRetry(window); },
+         0, IDOK, {{window, "Month view", plan, MB_RETRYCANCEL | info}}},
+        {"past the table", [&] { return MakePendingError(300), UIHandleError(window); }, 0, IDOK,
+         {{window, Text(13000), "An unexpected error occurred (ErrorNo (300)).", MB_ICONHAND}}},
+        {"no window", [&] { return MakePendingError(RV_UserError), UIHandleError(nullptr); }, 0, IDOK,
+         {{nullptr, Text(13000), Text(11005), info | MB_TASKMODAL}}},
+        {"refused once", [&] { return MakePendingError(RV_UserError), UIHandleError(window); }, 1, IDOK,
+         {{window, Text(13000), Text(11005), info}, {window, Text(13000), Text(11005), info | MB_SYSTEMMODAL}}},
+        {"refused twice", [&] { return MakePendingError(RV_UserError), UIHandleError(nullptr); }, 2, IDCANCEL,
+         {{nullptr, Text(13000), Text(11005), info | MB_TASKMODAL},
+          {nullptr, Text(13000), Text(11005), info | MB_SYSTEMMODAL},
+          {nullptr, Text(13000), Text(10003), hand}}},
+        {"quiet, in front", [&] { return OSErrorGetErrorInfo()->quietInBackground = 1, MakePendingError(RV_UserError),
+                                         UIHandleError(window); }, 0, IDOK, {{window, Text(13000), Text(11005), info}}},
+        {"quiet, behind", [&] { return MakePendingError(RV_UserError), UIHandleError(behind); }, 0, IDCANCEL, {}},
+        {"quiet, iconic", [&] { return ShowWindow(window, SW_MINIMIZE), MakePendingError(RV_UserError),
+                                       UIHandleError(window); }, 0, IDCANCEL, {}},
+    };
+    for (const Row &row : rows) {
         s_boxCalls.clear();
-        s_refusals = refusals;
-        lstrcpyA(MakePendingError(RV_NoFile)->itemText, "plan.kel");
-        EXPECT_EQ(UIHandleErrorRetry(nullptr), refusals < 2 ? IDOK : IDCANCEL);
-        ASSERT_EQ(s_boxCalls.size(), static_cast<size_t>(refusals + 1));
-        for (int i = 0; i <= refusals; ++i) {
-            EXPECT_EQ(s_boxCalls[i].text, tries[i].text) << refusals << " " << i;
-            EXPECT_EQ(s_boxCalls[i].style, tries[i].style) << refusals << " " << i;
+        s_refusals = row.refusals;
+        EXPECT_EQ(row.answer, row.present()) << row.name;
+        EXPECT_FALSE(OSErrorIsErrorPending()) << row.name;
+        ASSERT_EQ(row.calls.size(), s_boxCalls.size()) << row.name;
+        for (size_t i = 0; i < row.calls.size(); ++i) {
+            const BoxCall &want = row.calls[i], &got = s_boxCalls[i];
+            EXPECT_EQ(want.owner, got.owner) << row.name << " " << i;
+            EXPECT_EQ(want.caption, got.caption) << row.name << " " << i;
+            EXPECT_EQ(want.text, got.text) << row.name << " " << i;
+            EXPECT_EQ(want.style, got.style) << row.name << " " << i;
         }
     }
     // With every allocation refused the text cannot be filled in: the box
     // shows its message as it stands, not the text of the box before.
+    OSErrorGetErrorInfo()->quietInBackground = 0;
     s_boxCalls.clear();
-    s_refusals = 0;
     {
         FailureSeam seam(FailureSeam::Memory, 1, true);
         MakePendingError(RV_UserError);
@@ -309,4 +294,6 @@ TEST_F(ErrorPresentation, TheDefaultBoxFallsBackAndNeverShowsAnEarlierText)
     }
     ASSERT_EQ(s_boxCalls.size(), 1u);
     EXPECT_EQ(s_boxCalls[0].text, Text(11005));
+    DestroyWindow(behind);
+    DestroyWindow(window);
 }
