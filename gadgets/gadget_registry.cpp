@@ -85,8 +85,9 @@ void UnregisterName(const char *name)
     UnregisterClassA(name, g_module.hModule);
 }
 
-// A registration that failed part way takes down what it registered, so
-// nothing leaks and a later call starts afresh.
+// A registration whose classes all went in but whose label could not be
+// copied takes them down again, so nothing leaks and a later call starts
+// afresh.
 BOOL UndoRegistration(const GadgetClassRow *end)
 {
     for (const GadgetClassRow *row = kGadgetClasses; row != end; ++row)
@@ -99,10 +100,12 @@ BOOL UndoRegistration(const GadgetClassRow *end)
 extern "C" BOOL WINAPI RegisterGadgets(DWORD /*ignored*/)
 {
     if (g_registrationCount == 0) {
+        // A class refused stops the registration where it stands: the
+        // classes before it stay registered, as a caller may rely on.
         const GadgetClassRow *row = kGadgetClasses;
         for (; row->name; ++row)
             if (!RegisterRow(*row))
-                return UndoRegistration(row);
+                return FALSE;
         // The colour controls keep their own copy of the label text; what
         // counts here is that the string is there.
         char *label = LoadStringCopy(g_module.hResourceLibrary, kColourLabelString);

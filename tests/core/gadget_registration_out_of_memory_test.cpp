@@ -42,9 +42,9 @@ void MakeEveryGadget()
     DestroyWindow(parent);
 }
 
-using GadgetRegistration = ErrorStateTest;
+using GadgetRegistrationShortOfMemory = ErrorStateTest;
 
-TEST_F(GadgetRegistration, AFailedRegistrationUndoesItselfAndARetrySucceeds)
+TEST_F(GadgetRegistrationShortOfMemory, AFailedRegistrationUndoesItselfAndARetrySucceeds)
 {
     ASSERT_EQ(0, RegisteredClasses());
     long gdiBefore = GdiObjectsInUse();
@@ -63,7 +63,7 @@ TEST_F(GadgetRegistration, AFailedRegistrationUndoesItselfAndARetrySucceeds)
     EXPECT_EQ(0, RegisteredClasses());
 }
 
-TEST_F(GadgetRegistration, EveryRefusalInRegisteringAndMakingEachGadget)
+TEST_F(GadgetRegistrationShortOfMemory, EveryRefusalInRegisteringAndMakingEachGadget)
 {
     auto run = [] {
         bool registered = RegisterGadgets(0) != 0;
