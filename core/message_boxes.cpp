@@ -20,9 +20,18 @@ struct BoxBuffers {
 LONG s_disabled;
 BoxBuffers s_messageBuffers;
 BoxBuffers s_helpBuffers;
-// The help record of the box that is up. The box hands its context on as a
-// 32-bit help id, which cannot carry a pointer in the 64-bit build.
-const MessageHelpRecord *s_shownHelp;
+// The help records of the boxes that are up, innermost first. A box hands
+// its context on as a 32-bit help id, which cannot carry a pointer in the
+// 64-bit build; so each box gets a number of its own as its id, and the
+// callback finds the record by the id of the box that asked. A box up below
+// another one (its owner not disabled by it) still answers with its own.
+struct ShownHelp {
+    DWORD id;
+    const MessageHelpRecord *help;
+    ShownHelp *outer;
+};
+ShownHelp *s_shownHelp;
+DWORD s_lastHelpId;
 
 // A parent window that is gone shows no box: the box would fail with -1.
 bool ParentIsGone(HWND parent, const char *function)
@@ -41,7 +50,7 @@ bool PrepareText(BoxBuffers &buffers, HMODULE module, UINT stringId, va_list arg
         OSErrorSetErrorInfo(RV_StringNonExistant, stringId);
         return false;
     }
-    OSrvsprintf(buffers.text, kTextLimit, buffers.format, args);
+    FillInOrRaw(buffers.text, kTextLimit, buffers.format, args);
     return true;
 }
 
@@ -57,8 +66,13 @@ int ShowPlainBox(HWND parent, const char *text, const char *caption, UINT style,
 // Asks for the help that the box's record names, in the window that asked.
 void CALLBACK MessageHelpCallback(LPHELPINFO info)
 {
-    const MessageHelpRecord *help = s_shownHelp;
-    if (!help || !info)
+    if (!info)
+        return;
+    const MessageHelpRecord *help = nullptr;
+    for (const ShownHelp *shown = s_shownHelp; shown; shown = shown->outer)
+        if (shown->id == static_cast<DWORD>(info->dwContextId))
+            help = shown->help;
+    if (!help)
         return;
     char *windowName = nullptr;
     if (help->module && help->stringId) {
@@ -84,13 +98,13 @@ int ShowHelpBox(HWND parent, const char *text, const char *caption, UINT style,
     params.lpszText = text;
     params.lpszCaption = caption;
     params.dwStyle = style;
-    params.dwContextHelpId = reinterpret_cast<DWORD_PTR>(help);
+    ShownHelp shown = {++s_lastHelpId ? s_lastHelpId : ++s_lastHelpId, help, s_shownHelp};
+    params.dwContextHelpId = shown.id;
     params.lpfnMsgBoxCallback = MessageHelpCallback;
     params.dwLanguageId = kBoxLanguage;
-    const MessageHelpRecord *outer = s_shownHelp;
-    s_shownHelp = help;
+    s_shownHelp = &shown;
     int answer = MessageBoxIndirectA(&params);
-    s_shownHelp = outer;
+    s_shownHelp = shown.outer;
     return answer;
 }
 
@@ -127,6 +141,15 @@ int ShowMessage(const char *function, BoxBuffers &buffers, ShowBox show,
 }
 
 }  // namespace
+
+void FillInOrRaw(char *text, LONG limit, const char *format, va_list args)
+{
+    // A filling that ran ends the text with its terminator; one that was
+    // refused returns 0 and leaves the buffer as it was.
+    text[0] = 1;
+    if (OSrvsprintf(text, limit, format, args) == 0 && text[0] != 0)
+        lstrcpynA(text, format, limit + 1);
+}
 
 extern "C" int __cdecl OSMessage(HWND parent, HMODULE module, const char *caption, UINT stringId,
                                  UINT style, ...)

@@ -25,5 +25,11 @@ extern ModuleGlobals g_module;
 // Records RV_OutOfLocalMemory or RV_StringNonExistant and yields null.
 char *LoadStringCopy(HMODULE module, UINT id);
 
+// Fills `format` in with OSrvsprintf into `text` (room for `limit`
+// characters and the terminator). When the filling writes nothing (memory
+// short, an order it refuses) the box shows the format as it stands rather
+// than whatever the buffer held before.
+void FillInOrRaw(char *text, LONG limit, const char *format, va_list args);
+
 // The error state's reset, run at the end of a successful attach.
 void ErrorStateReset(HMODULE module);

@@ -87,8 +87,13 @@ extern "C" DWORD WINAPI UITileBitmap(HDC hdc, RECT *rect, HBITMAP image)
         OSErrorSetErrorInfo(RV_BadParms, __func__);
         return 0;
     }
-    if (!MeasureBitmap(image, &size) || size.cx < 1 || size.cy < 1)
+    if (!MeasureBitmap(image, &size))
         return 0;
+    // An image of no width or height would step the tiling nowhere.
+    if (size.cx < 1 || size.cy < 1) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
+        return 0;
+    }
     SelectedDC tile;
     if (!SelectIntoNewDC(hdc, image, &tile))
         return 0;

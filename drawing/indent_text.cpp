@@ -33,7 +33,10 @@ extern "C" int WINAPI DrawTextWithIndent(HDC hdc, const char *text, DWORD ignore
         return extent.cy;
     }
     TEXTMETRICA metrics;
-    GetTextMetricsA(hdc, &metrics);
+    if (!GetTextMetricsA(hdc, &metrics)) {
+        OSErrorSetErrorInfo(RV_GDIError);
+        return 0;
+    }
     RECT first = *rect;
     first.left = indent;
     first.bottom = first.top + metrics.tmHeight + metrics.tmExternalLeading;

@@ -173,14 +173,15 @@ extern "C" BOOL WINAPI MF_MFToStream(BYTE *out, HGLOBAL metafile)
 
 extern "C" LONG WINAPI MF_GetDimensions(HDC hdc, HGLOBAL metafile, SIZE *size)
 {
+    if (!size) {
+        OSErrorSetErrorInfo(RV_BadParms, __func__);
+        return 0;
+    }
+    // A handle with no picture behind it leaves the fall-back standing.
     const METAFILEPICT *picture =
         metafile ? static_cast<const METAFILEPICT *>(GlobalLock(metafile)) : nullptr;
-    if (!picture || !size) {
-        OSErrorSetErrorInfo(RV_BadParms, __func__);
-        if (picture)
-            GlobalUnlock(metafile);
-        return size ? size->cy : 0;
-    }
+    if (!picture)
+        return size->cy;
     int measure = picture->mm;
     if (measure == MM_ISOTROPIC || measure == MM_ANISOTROPIC) {
         if (picture->xExt < 1 || picture->yExt < 1) {
@@ -210,8 +211,11 @@ extern "C" BOOL WINAPI MF_Play(HDC hdc, RECT *rect, HGLOBAL metafile)
         OSErrorSetErrorInfo(RV_BadParms, __func__);
         return FALSE;
     }
+    // An empty block plays nothing, as the enumerator answers for no
+    // metafile; records that do not chain are refused before playing.
     if (!picture->hMF || !PlayableMetafile(picture->hMF)) {
-        OSErrorSetErrorInfo(RV_BadMetafile);
+        if (picture->hMF)
+            OSErrorSetErrorInfo(RV_BadMetafile);
         GlobalUnlock(metafile);
         return FALSE;
     }

@@ -58,6 +58,12 @@ LONG ComposeThroughMask(HDC dst, int x, int y, int w, int h, HDC src, int srcX, 
         goto unwind;
     if (overBackground) {
         TakeColours(scratchDC.dc, dst);
+        // No background to select: a fresh context's own 1x1 bitmap is no
+        // picture to copy.
+        if (!background) {
+            OSErrorSetErrorInfo(RV_GDIError);
+            goto unwind;
+        }
         if (!SelectIntoNewDC(dst, background, &backgroundDC))
             goto unwind;
         copied = BitBlt(scratchDC.dc, 0, 0, w, h, backgroundDC.dc, 0, 0, SRCCOPY);

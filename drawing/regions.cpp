@@ -6,11 +6,22 @@
 
 namespace {
 
-// A bitmap's pixels as 0x00RRGGBB, top row first, in a local block.
+// A bitmap's pixels as 0x00RRGGBB, read a band of rows at a time into a
+// local block of at most kBandBytes (one row at the least), so that a large
+// bitmap, or a monochrome one, never needs 32 bits for every pixel at once.
+const SIZE_T kBandBytes = 64 * 1024;
+
 struct Pixels {
+    HBITMAP bitmap = nullptr;
     DWORD *bits = nullptr;
     LONG w = 0, h = 0;
-    DWORD At(LONG x, LONG y) const { return bits[static_cast<SIZE_T>(y) * w + x] & 0xFFFFFF; }
+    LONG bandRows = 0;
+    LONG first = 0, count = 0;  // the rows in the block, top-down
+    // Row y of the band; the band is bottom-up, as GetDIBits counts its scans.
+    DWORD At(LONG x, LONG y) const
+    {
+        return bits[static_cast<SIZE_T>(first + count - 1 - y) * w + x] & 0xFFFFFF;
+    }
 };
 
 bool ReadPixels(HBITMAP bitmap, Pixels *out)
@@ -18,32 +29,54 @@ bool ReadPixels(HBITMAP bitmap, Pixels *out)
     SIZE size;
     if (!MeasureBitmap(bitmap, &size))
         return false;
+    out->bitmap = bitmap;
     out->w = size.cx;
     out->h = size.cy;
     if (size.cx < 1 || size.cy < 1)
         return true;
-    SIZE_T bytes = static_cast<SIZE_T>(size.cx) * static_cast<SIZE_T>(size.cy) * 4;
+    // A row's bytes in 64 bits: a width near 2^30 overruns a 32-bit size.
+    const unsigned long long rowBytes = static_cast<unsigned long long>(size.cx) * 4;
+    if (rowBytes > static_cast<SIZE_T>(-1)) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(-1));
+        return false;
+    }
+    SIZE_T rows = kBandBytes / static_cast<SIZE_T>(rowBytes);
+    out->bandRows = rows < 1 ? 1 : rows > static_cast<SIZE_T>(size.cy) ? size.cy : static_cast<LONG>(rows);
+    SIZE_T bytes = static_cast<SIZE_T>(rowBytes) * static_cast<SIZE_T>(out->bandRows);
     out->bits = static_cast<DWORD *>(LocalAlloc(LMEM_FIXED, bytes));
     if (!out->bits) {
         OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(bytes));
         return false;
     }
+    return true;
+}
+
+// Makes row y readable with At; false, with RV_GDIError recorded, if the
+// system would not hand its band over.
+bool LoadRow(Pixels *pixels, LONG y)
+{
+    if (y >= pixels->first && y < pixels->first + pixels->count)
+        return true;
+    LONG first = y, count = pixels->h - y < pixels->bandRows ? pixels->h - y : pixels->bandRows;
     BITMAPINFO format = {};
     format.bmiHeader.biSize = sizeof format.bmiHeader;
-    format.bmiHeader.biWidth = size.cx;
-    format.bmiHeader.biHeight = -size.cy;
+    format.bmiHeader.biWidth = pixels->w;
+    format.bmiHeader.biHeight = pixels->h;
     format.bmiHeader.biPlanes = 1;
     format.bmiHeader.biBitCount = 32;
     HDC screen = GetDC(nullptr);
-    int rows = screen ? GetDIBits(screen, bitmap, 0, size.cy, out->bits, &format, DIB_RGB_COLORS) : 0;
+    int read = screen ? GetDIBits(screen, pixels->bitmap, pixels->h - first - count, count,
+                                  pixels->bits, &format, DIB_RGB_COLORS)
+                      : 0;
     if (screen)
         ReleaseDC(nullptr, screen);
-    if (rows != size.cy) {
+    if (read != count) {
         OSErrorSetErrorInfo(RV_GDIError);
-        LocalFree(out->bits);
-        out->bits = nullptr;
+        pixels->count = 0;
         return false;
     }
+    pixels->first = first;
+    pixels->count = count;
     return true;
 }
 
@@ -182,6 +215,8 @@ extern "C" HRGN WINAPI UICreateBitmapRegion(HBITMAP bitmap, COLORREF colour, DWO
     RectList list;
     bool gathered = true;
     for (LONG y = 0; y < pixels.h && gathered; ++y) {
+        if (!(gathered = LoadRow(&pixels, y)))
+            break;
         for (LONG x = 0; x < pixels.w && gathered; ++x) {
             LONG column = mirror ? pixels.w - x - 1 : x;
             if (pixels.At(column, y) != wanted)
@@ -205,12 +240,14 @@ extern "C" HRGN WINAPI UICreateMirroredBitmapRegion(HBITMAP bitmap, COLORREF col
     if (!ReadPixels(bitmap, &pixels))
         return nullptr;
     DWORD background = AsPixel(colour);
-    if (colour == CLR_INVALID && pixels.bits)
+    bool gathered = true;
+    if (colour == CLR_INVALID && pixels.bits && (gathered = LoadRow(&pixels, 0)))
         background = pixels.At(0, 0);
     LONG halfW = pixels.w / 2 + pixels.w % 2, halfH = pixels.h / 2 + pixels.h % 2;
     RectList top, bottom;
-    bool gathered = true;
     for (LONG y = 0; y < halfH && gathered; ++y) {
+        if (!(gathered = LoadRow(&pixels, y)))
+            break;
         LONG x = 0;
         while (x < halfW && pixels.At(x, y) == background)
             ++x;
@@ -261,6 +298,8 @@ extern "C" HRGN WINAPI UICreateRoundRectRegion(LONG left, LONG top, LONG right, 
         goto unwind;
     // Rows may overlap the middle band: union them one by one.
     region = CreateRectRgn(0, 0, 0, 0);
+    if (!region)
+        OSErrorSetErrorInfo(RV_GDIError);
     RectList *halves[2];
     halves[0] = &upper;
     halves[1] = &lower;

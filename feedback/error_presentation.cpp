@@ -41,7 +41,7 @@ static int __cdecl UIErrorMessageBox(HWND window, HMODULE module, const char *ca
         }
     va_list args;
     va_start(args, flags);
-    OSrvsprintf(text, sizeof text - 1, format, args);
+    FillInOrRaw(text, sizeof text - 1, format, args);
     va_end(args);
     UINT firstFlags = flags;
     if (!window) {

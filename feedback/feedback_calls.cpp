@@ -67,11 +67,12 @@ extern "C" BOOL WINAPI Feedback_SendMsg(const FeedbackMessage *message)
         return 0;
     FeedbackLockState();
     bool any = g_feedback.caption != nullptr;
-    if (any)
-        FeedbackComposeTitle(title, g_feedback.caption, text, false);
+    bool whole = any && FeedbackComposeTitle(title, g_feedback.caption, text, false);
     FeedbackUnlockState();
     if (!any)
         return 0;
+    if (!whole)
+        OSErrorSetErrorInfo(RV_BufferTooSmall);
     SetWindowTextA(g_feedback.window.load(), title);
     FeedbackLockState();
     g_feedback.sendPending.store(1);

@@ -162,16 +162,20 @@ bool FeedbackBuildText(const FeedbackMessage *message, char *out)
 // Appends `text` at `*length`, keeping room for the terminator; false if cut.
 static bool Append(char *title, int *length, const char *text)
 {
-    while (*text) {
-        if (*length >= FEEDBACK_TITLE_SIZE - 1)
-            return false;
-        title[(*length)++] = *text++;
+    bool whole = true;
+    for (; *text; ++text) {
+        if (*length >= FEEDBACK_TITLE_SIZE - 1) {
+            whole = false;
+            break;
+        }
+        title[(*length)++] = *text;
     }
+    // Terminated on a cut too: the title ends at the last byte that fits.
     title[*length] = 0;
-    return true;
+    return whole;
 }
 
-void FeedbackComposeTitle(char *title, const char *caption, const char *piece, bool bracketed)
+bool FeedbackComposeTitle(char *title, const char *caption, const char *piece, bool bracketed)
 {
     int length = 0;
     title[0] = 0;
@@ -179,9 +183,9 @@ void FeedbackComposeTitle(char *title, const char *caption, const char *piece, b
     if (piece && whole)
         whole = Append(title, &length, bracketed ? " - [" : " - ") && Append(title, &length, piece) &&
                 (!bracketed || Append(title, &length, "]"));
-    // A caption and text that together overrun the title are cut.
-    if (!whole)
-        OSErrorSetErrorInfo(RV_BufferTooSmall);
+    // A caption and text that together overrun the title are cut; the
+    // caller decides whether the cut is worth an error.
+    return whole;
 }
 
 void FeedbackRestoreTitle()

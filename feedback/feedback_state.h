@@ -78,8 +78,10 @@ bool FeedbackMessageIsValid(const FeedbackMessage *message);
 // The message's text by its kind into `out` (FEEDBACK_TITLE_SIZE bytes);
 // false when there is none.
 bool FeedbackBuildText(const FeedbackMessage *message, char *out);
-// "caption - piece", "caption - [piece]" or the caption alone, cut to fit.
-void FeedbackComposeTitle(char *title, const char *caption, const char *piece, bool bracketed);
+// "caption - piece", "caption - [piece]" or the caption alone, cut to fit;
+// false when cut. Records nothing: the worker must not touch the error state,
+// which belongs to the application's thread.
+bool FeedbackComposeTitle(char *title, const char *caption, const char *piece, bool bracketed);
 // Sets the window's title, counted in titleSends while the send is under way.
 void FeedbackShowTitle(const char *title);
 // The flush of a post: peeks only while a title send is under way, which is

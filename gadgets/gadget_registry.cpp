@@ -69,7 +69,30 @@ bool RegisterRow(const GadgetClassRow &row)
     if (RegisterClassA(&wc))
         return true;
     OSErrorSetErrorInfo(RV_UserError, "RegisterClass");
+    if (row.background == GB_SolidBrush && wc.hbrBackground)
+        DeleteObject(wc.hbrBackground);
     return false;
+}
+
+// Takes one class down, with the brush it owns.
+void UnregisterName(const char *name)
+{
+    WNDCLASSA wc;
+    BOOL known = GetClassInfoA(g_module.hModule, name, &wc);
+    const GadgetClassRow *row = FindRow(name);
+    if (known && row && row->background == GB_SolidBrush)
+        DeleteObject(wc.hbrBackground);
+    UnregisterClassA(name, g_module.hModule);
+}
+
+// A registration whose classes all went in but whose label could not be
+// copied takes them down again, so nothing leaks and a later call starts
+// afresh.
+BOOL UndoRegistration(const GadgetClassRow *end)
+{
+    for (const GadgetClassRow *row = kGadgetClasses; row != end; ++row)
+        UnregisterName(row->name);
+    return FALSE;
 }
 
 }  // namespace
@@ -77,14 +100,17 @@ bool RegisterRow(const GadgetClassRow &row)
 extern "C" BOOL WINAPI RegisterGadgets(DWORD /*ignored*/)
 {
     if (g_registrationCount == 0) {
-        for (const GadgetClassRow *row = kGadgetClasses; row->name; ++row)
+        // A class refused stops the registration where it stands: the
+        // classes before it stay registered, as a caller may rely on.
+        const GadgetClassRow *row = kGadgetClasses;
+        for (; row->name; ++row)
             if (!RegisterRow(*row))
                 return FALSE;
         // The colour controls keep their own copy of the label text; what
         // counts here is that the string is there.
         char *label = LoadStringCopy(g_module.hResourceLibrary, kColourLabelString);
         if (!label)
-            return FALSE;
+            return UndoRegistration(row);
         LocalFree(label);
     }
     ++g_registrationCount;
@@ -98,14 +124,8 @@ extern "C" LONG WINAPI UnRegisterGadgets(void)
     if (g_registrationCount == 0)
         return -1;
     g_registrationCount = 0;
-    for (const char *name : kUnregisterOrder) {
-        WNDCLASSA wc;
-        BOOL known = GetClassInfoA(g_module.hModule, name, &wc);
-        const GadgetClassRow *row = FindRow(name);
-        if (known && row && row->background == GB_SolidBrush)
-            DeleteObject(wc.hbrBackground);
-        UnregisterClassA(name, g_module.hModule);
-    }
+    for (const char *name : kUnregisterOrder)
+        UnregisterName(name);
     return 0;
 }
 

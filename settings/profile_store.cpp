@@ -5,6 +5,8 @@
 
 const REGSAM kSettingsReadAccess = 0x20019;   // KEY_READ
 const REGSAM kSettingsWriteAccess = 0x20006;  // KEY_WRITE
+// Values up to this size are read on the stack.
+const DWORD kProfileStackBytes = 4096;
 
 // Opens (creating) `keyPath` under `root`; `created` tells whether it is new.
 HKEY OpenSettingsKey(HKEY root, const char *keyPath, REGSAM access, bool *created)
@@ -51,15 +53,22 @@ DWORD ReadProfileText(HKEY key, const char *valueName, char *buffer, DWORD buffe
         return size;
     }
     // A value longer than the buffer: its first bytes, with no terminator.
-    BYTE *all = static_cast<BYTE *>(LocalAlloc(LPTR, size));
-    if (!all)
+    // The system reads only whole values, so it is read whole into a block
+    // on the stack, which a shortage of memory cannot refuse; only a value
+    // longer than that block needs one from the heap.
+    BYTE local[kProfileStackBytes];
+    BYTE *all = size <= sizeof local ? local : static_cast<BYTE *>(LocalAlloc(LPTR, size));
+    if (!all) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, size);
         return 0;
+    }
     DWORD result = 0;
     if (RegQueryValueExA(key, valueName, nullptr, nullptr, all, &size) == ERROR_SUCCESS) {
         CopyMemory(buffer, all, bufferSize);
         result = bufferSize;
     }
-    LocalFree(all);
+    if (all != local)
+        LocalFree(all);
     return result;
 }
 
@@ -77,12 +86,12 @@ bool ReadProfileNumber(HKEY key, const char *valueName, LONG *number)
                              &textSize) == ERROR_SUCCESS)
             AtoI(text, &value);
     } else {
-        // Raw bytes of any other type, four at the most.
-        BYTE *all = static_cast<BYTE *>(LocalAlloc(LPTR, size));
-        if (all && RegQueryValueExA(key, valueName, nullptr, nullptr, all, &size) == ERROR_SUCCESS)
+        // Raw bytes of any other type, four at the most, read on the stack;
+        // a value longer than that block reads as 0, as a failed read does.
+        BYTE all[kProfileStackBytes];
+        if (size <= sizeof all &&
+            RegQueryValueExA(key, valueName, nullptr, nullptr, all, &size) == ERROR_SUCCESS)
             CopyMemory(&value, all, size < sizeof value ? size : sizeof value);
-        if (all)
-            LocalFree(all);
     }
     *number = static_cast<LONG>(value);
     return true;

@@ -105,15 +105,26 @@ TEST_F(Launch, MissingProgramAsksTheUserAndCancelStillTells)
     const std::string missing = ProgramFolder() + "qz-missing-program.exe";
     MessageBoxDriver boxes;
     int dialogs = 0;
-    boxes.OnDialog([&dialogs](HWND dialog) {
+    std::vector<std::string> types;  // the file-type list as the user reads it
+    boxes.OnDialog([&](HWND dialog) {
         ++dialogs;
+        HWND list = GetDlgItem(dialog, cmb1);
+        types.clear();
+        for (LRESULT i = 0; i < SendMessageA(list, CB_GETCOUNT, 0, 0); ++i) {
+            char entry[256] = {};
+            SendMessageA(list, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(entry));
+            types.push_back(entry);
+        }
         PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
     });
+    char description[256] = {};
+    LoadStringA(ResourceGetHandle(), 30110, description, sizeof description);
     boxes.Expect(LaunchFailureText(SE_ERR_FNF, missing), MB_OK | MB_ICONASTERISK, IDOK);
     char path[MAX_PATH];
     lstrcpyA(path, missing.c_str());
     EXPECT_FALSE(TarvoLaunch(nullptr, kKey, path, SW_HIDE));
     EXPECT_EQ(1, dialogs);
+    EXPECT_EQ(std::vector<std::string>{description}, types);
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << "the error was shown and cleared";
 
     // The custom launch tells first, then asks.

@@ -31,17 +31,14 @@ protected:
     // Starts the worker; with a caption, waits for its first plain title.
     void Start(const char *caption)
     {
-        if (caption) {
-            ASSERT_TRUE(Feedback_SetCaption(caption));
-        }
+        ASSERT_TRUE(!caption || Feedback_SetCaption(caption));
         recorder_.Clear();
         thread_ = CreateThread(nullptr, 0, Feedback_Thread, recorder_.Window(), 0, nullptr);
         ASSERT_NE(thread_, nullptr);
-        if (caption) {
+        if (caption)
             ASSERT_TRUE(recorder_.PumpUntil([&] { return recorder_.Saw(caption); }, 10000));
-        } else {
+        else
             recorder_.Pump(100);
-        }
         recorder_.Clear();
     }
     void Stop()
@@ -53,24 +50,19 @@ protected:
         CloseHandle(thread_);
         thread_ = nullptr;
     }
-    // Pumps until the display is back at `title` and nothing more comes.
+    // Pumps until the display is back at `title` and nothing more comes. The
+    // worker may have nothing to restore: a run that a clean-up ended before
+    // it began leaves the title as it was.
     ::testing::AssertionResult SettlesAt(const std::string &title)
     {
-        // The worker may have nothing to restore: a run that a clean-up
-        // ended before it began leaves the title as it was.
         DWORD start = GetTickCount();
-        bool settled = recorder_.PumpUntil(
-            [&] {
-                const auto &t = recorder_.Titles();
-                DWORD since = t.empty() ? start : t.back().tick;
-                return recorder_.Current() == title && GetTickCount() - since > 4 * kDelayZ;
-            },
-            10000);
-        if (settled)
+        const auto &t = recorder_.Titles();
+        if (recorder_.PumpUntil([&] { return recorder_.Current() == title &&
+                                             GetTickCount() - (t.empty() ? start : t.back().tick) > 4 * kDelayZ; },
+                                10000))
             return ::testing::AssertionSuccess();
-        ::testing::AssertionResult failure = ::testing::AssertionFailure();
-        failure << "titles:";
-        for (const TitleEvent &event : recorder_.Titles())
+        ::testing::AssertionResult failure = ::testing::AssertionFailure() << "titles:";
+        for (const TitleEvent &event : t)
             failure << " [" << event.tick << " " << event.title << "]";
         return failure;
     }

@@ -3,8 +3,9 @@
 // mutated and fed through every loader. The in-memory loaders get the bytes
 // right before an inaccessible page, so a read past the input faults; one
 // bitmap in ten and one placeable metafile in three also go through the
-// file loaders. Every input must end in a handle or in a recorded error and
-// no handle, never a crash or hang.
+// file loaders; one loaded metafile in four is measured and played. Every
+// input must end in a handle or in a recorded error and no handle, never a
+// crash or hang.
 //   drawing_fuzz [inputs] [seed]     (or QZ_FUZZ_INPUTS, QZ_FUZZ_SEED)
 // The default is 100,000 mutated inputs on x86_64 and 20,000 on i686.
 #include <cstdio>
@@ -229,9 +230,31 @@ void ReleaseDib(HGLOBAL dib)
     DIB_Destroy(dib);
 }
 
+// A small surface the loaded metafiles are played on.
+HDC PlayingSurface()
+{
+    static HDC dc = [] {
+        HDC memory = CreateCompatibleDC(nullptr);
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof info.bmiHeader, 64, 64, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void *bits = nullptr;
+        SelectObject(memory, CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+        return memory;
+    }();
+    return dc;
+}
+
 void ReleaseMetafile(HGLOBAL metafile)
 {
     MF_Size(metafile);
+    // Every 4th loaded metafile is measured and played, records and all.
+    if (!Pick(4)) {
+        RECT rect = {2, 3, 60, 50};
+        SIZE size = {58, 47};
+        MF_GetDimensions(PlayingSurface(), metafile, &size);
+        MF_Play(PlayingSurface(), &rect, metafile);
+        OSErrorClearError();
+    }
     MF_Destroy(metafile);
 }
 
