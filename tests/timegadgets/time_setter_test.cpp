@@ -360,6 +360,25 @@ TEST_F(TimeSetterTest, WindowTextInAndOut)
     EXPECT_SEQUENCE(parent, focus_seq, "focus");
 }
 
+// Losing the capture (a box opened, another window) ends a drag at once:
+// the value stays, nothing more is told, and the next press starts anew.
+TEST_F(TimeSetterTest, CaptureLossEndsTheDragQuietly)
+{
+    Start(10, 0);
+    RECT label = LabelAt(120);
+    const LONG y = (label.top + label.bottom) / 2;
+    Mouse(WM_LBUTTONDOWN, centreX, y);
+    EXPECT_EQ(g, GetCapture());
+    SendMessageA(g, WM_CANCELMODE, 0, 0);
+    EXPECT_EQ(nullptr, GetCapture());
+    Mouse(WM_MOUSEMOVE, centreX, y + 60);
+    EXPECT_EQ(At(10, 0), Get(TSM_GETVALUE));
+    EXPECT_EQ(0, Heard(TSN_TIMECHANGED));
+    Mouse(WM_LBUTTONDOWN, centreX, y);
+    EXPECT_EQ(g, GetCapture());
+    Mouse(WM_LBUTTONUP, centreX, y);
+}
+
 // The scale takes the contrast colour of the background.
 TEST_F(TimeSetterTest, BackColourSetsScaleContrast)
 {

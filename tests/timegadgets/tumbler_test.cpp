@@ -2,6 +2,7 @@
 // mouse and the forced height, through messages as a host drives it.
 #include "qz_test.h"
 #include "window_harness.h"
+#include "failure_seam.h"
 #include <random>
 
 namespace {
@@ -72,6 +73,8 @@ TEST_F(TumblerTest, StepsByTheUnsignedRuleAndClamps)
         {-20, 20, -6, 5, false, -11},  {-20, 20, -6, 5, true, -1},  {-20, 20, -18, 5, false, -20},
         {50, 10, 20, 1, true, 10},     {50, 10, 20, 1, false, 10},  {-100, 100, 0, 1, true, 1},
         {-2000000000, 2000000000, -1999999999, 1000000000, true, -1294967296},
+        {10, 20, 12, 1, false, 11},    {10, 20, 11, 1, false, 10},  {10, 20, 10, 1, false, 10},
+        {10, 20, 18, 1, true, 19},     {10, 20, 19, 1, true, 20},   {10, 20, 20, 1, true, 20},
     };
     for (const auto &row : rows) {
         SetRange(g, row.minimum, row.maximum, row.value, row.step);
@@ -79,6 +82,33 @@ TEST_F(TumblerTest, StepsByTheUnsignedRuleAndClamps)
         SendMessageA(g, WM_KEYDOWN, row.up ? VK_UP : VK_DOWN, 0);
         SendMessageA(g, WM_KEYUP, row.up ? VK_UP : VK_DOWN, 0);
         EXPECT_EQ(row.expected, Value(g)) << row.value << (row.up ? " up " : " down ") << row.step;
+    }
+}
+
+// A button that cannot be composed for want of a GDI object records why.
+TEST_F(TumblerTest, PaintFailuresAreRecorded)
+{
+    RecordingParent parent;
+    HWND g = Make(parent);
+    auto paint = [&] {
+        RECT buttons = {ButtonX(g), 0, 1000, 1000};
+        InvalidateRect(g, &buttons, FALSE);
+        UpdateWindow(g);
+    };
+    unsigned points = 0;
+    {
+        FailureSeam count(FailureSeam::Gdi, 0);
+        paint();
+        points = count.Calls();
+    }
+    EXPECT_EQ(6u, points);  // per button: the canvas, its DC and the glyph's DC
+    for (unsigned n = 1; n <= points; ++n) {
+        OSErrorClearError();
+        {
+            FailureSeam seam(FailureSeam::Gdi, n);
+            paint();
+        }
+        EXPECT_EQ(RV_GDIError, OSErrorGetErrorValue()) << n;
     }
 }
 
