@@ -86,18 +86,20 @@ bool SameDay(const CellDate &c, const DateTimeValue &d)
 
 // ---------------------------------------------------------------- text
 // Formats the date as the window text and tells the parent `code` (none for
-// 0), unless the gadget is already setting its text.
-void SetText(HWND window, DateTrackerRecord *r, WORD code)
+// 0), unless the gadget is already setting its text. False when the parent
+// destroyed the gadget meanwhile.
+bool SetText(HWND window, DateTrackerRecord *r, WORD code)
 {
     if (r->textGuard > 0)
-        return;
+        return true;
     char text[kTextSize] = {};
     OSDateTimeToString(&r->date, text, nullptr, DTS_SHORTDATE, kTextSize);
     ++r->textGuard;
     SetWindowTextA(window, text);
-    if (code)
-        GadgetNotifyParent(window, code);
+    if (code && !GadgetNotifyAlive(window, code, r))
+        return false;
     --r->textGuard;
+    return true;
 }
 
 // ---------------------------------------------------------------- drawing
@@ -343,8 +345,7 @@ bool MoveDate(HWND window, DateTrackerRecord *r, LONG years, LONG months, LONG d
         ValidateRect(window, &r->rcHeading);
         UpdateWindow(window);
     }
-    SetText(window, r, DTKN_DATECHANGED);
-    return true;
+    return SetText(window, r, DTKN_DATECHANGED);
 }
 
 // ---------------------------------------------------------------- keys
@@ -545,12 +546,16 @@ LRESULT OnSetText(HWND window, DateTrackerRecord *r, LPARAM lParam)
     DateTimeValue parsed = {};
     if (!OSStringToDateTime(&parsed, text)) {
         OSGetDateTime(&parsed);
-        GadgetNotifyParent(window, DTKN_ERROR);
+        if (!GadgetNotifyAlive(window, DTKN_ERROR, r))
+            return FALSE;
     }
     ++r->textGuard;
     SendMessageA(window, DTKM_SETDATE, 0, reinterpret_cast<LPARAM>(&parsed));
+    if (!GadgetAlive(window, r))
+        return FALSE;
     --r->textGuard;
-    GadgetNotifyParent(window, DTKN_DATECHANGED);
+    if (!GadgetNotifyAlive(window, DTKN_DATECHANGED, r))
+        return FALSE;
     return DefWindowProcA(window, WM_SETTEXT, 0, lParam);
 }
 

@@ -162,15 +162,16 @@ void ValueText(const TimeSetterRecord *r, char *text)
     OSDateTimeToString(&r->value, text, nullptr, kTimeFlags, kTimeText);
 }
 
-// Sets the window text to the time of `value` and tells the parent.
-void SetText(HWND window, TimeSetterRecord *r)
+// Sets the window text to the time of `value` and tells the parent; false
+// when the parent destroyed the gadget meanwhile.
+bool SetText(HWND window, TimeSetterRecord *r)
 {
     char text[kTimeText];
     ValueText(r, text);
     r->inTextUpdate = 1;
     SetWindowTextA(window, text);
     r->inTextUpdate = 0;
-    Notify(window, TSN_TIMECHANGED);
+    return GadgetNotifyAlive(window, TSN_TIMECHANGED, r);
 }
 
 // ---------------------------------------------------------------- geometry
@@ -787,6 +788,19 @@ void OnMouseMove(HWND window, TimeSetterRecord *r, LONG y)
     SetText(window, r);
 }
 
+// The capture went elsewhere (WM_CAPTURECHANGED, WM_CANCELMODE): the drag
+// ends where it stands, and the parent hears nothing more of it.
+void OnCaptureLost(HWND window, TimeSetterRecord *r)
+{
+    if (!g_drag.active || g_drag.record != r)
+        return;
+    KillScrollTimers(window);
+    r->autoScrollMode = kNoScroll;
+    if (g_drag.upHeld || g_drag.downHeld)
+        InvertArrow(g_drag.dc, r, g_drag.upHeld);
+    EndDrag();
+}
+
 void OnLButtonUp(HWND window, TimeSetterRecord *r)
 {
     if (!g_drag.active || g_drag.record != r)
@@ -795,7 +809,8 @@ void OnLButtonUp(HWND window, TimeSetterRecord *r)
         if (r->autoScrollMode)
             KillTimer(window, kScrollTimer);
         r->autoScrollMode = kNoScroll;
-        SetText(window, r);
+        if (!SetText(window, r))
+            return;
     } else if (g_drag.upHeld || g_drag.downHeld) {
         KillTimer(window, g_drag.upHeld ? kUpTimer : kDownTimer);
         InvertArrow(g_drag.dc, r, g_drag.upHeld);
@@ -834,8 +849,8 @@ void OnTimer(HWND window, TimeSetterRecord *r, WPARAM id)
         Notify(window, TSN_ERROR);
         return;
     }
-    SetText(window, r);
-    ++g_drag.ticks;
+    if (SetText(window, r))
+        ++g_drag.ticks;
 }
 
 // ---------------------------------------------------------------- lifecycle
@@ -897,9 +912,10 @@ bool LoadPictures(TimeSetterRecord *r)
         OSErrorSetErrorInfo(RV_GDIError, "GetDC");
         return false;
     }
-    r->clockMask = GadUtilCreateMaskBitmap(screen, r->clockBitmap, kDefaultBack);
-    r->upMask = GadUtilCreateMaskBitmap(screen, r->upBitmap, kDefaultBack);
-    r->downMask = GadUtilCreateMaskBitmap(screen, r->downBitmap, kDefaultBack);
+    // The toolkit's mask maker: it deletes a mask it could not select.
+    r->clockMask = UICreateMaskBitmap(screen, r->clockBitmap, kDefaultBack);
+    r->upMask = UICreateMaskBitmap(screen, r->upBitmap, kDefaultBack);
+    r->downMask = UICreateMaskBitmap(screen, r->downBitmap, kDefaultBack);
     ReleaseDC(nullptr, screen);
     return r->clockMask && r->upMask && r->downMask;
 }
@@ -1022,6 +1038,13 @@ LRESULT Dispatch(HWND window, TimeSetterRecord *r, UINT message, WPARAM wParam, 
         return 0;
     case WM_LBUTTONUP:
         OnLButtonUp(window, r);
+        return 0;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != window)
+            OnCaptureLost(window, r);
+        return 0;
+    case WM_CANCELMODE:
+        OnCaptureLost(window, r);
         return 0;
     }
     return DefWindowProcA(window, message, wParam, lParam);

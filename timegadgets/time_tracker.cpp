@@ -83,7 +83,7 @@ LONG TrackerTimeToY(const TimeTrackerRecord *r, const DateTimeValue *t, bool *ok
     if (h >= 0 && m >= 0)
         base += static_cast<LONG>(static_cast<DWORD>(h) < r->extraPixels ? static_cast<DWORD>(h) : r->extraPixels);
     LONG scale = static_cast<LONG>(r->pixelsPerHour);
-    if (base > r->rcScale.top && base < r->rcScale.bottom && static_cast<DWORD>(h) < r->extraPixels)
+    if (base >= r->rcScale.top && base < r->rcScale.bottom && static_cast<DWORD>(h) < r->extraPixels)
         scale += 1;
     return r->rcScale.top + base + (scale * m) / 60;
 }
@@ -150,18 +150,20 @@ bool TrackerStepView(HWND window, TimeTrackerRecord *r, LONG minutes)
     return true;
 }
 
-void TrackerSetText(HWND window, TimeTrackerRecord *r)
+bool TrackerSetText(HWND window, TimeTrackerRecord *r)
 {
     if (r->inTextUpdate)
-        return;
+        return true;
     char text[64];
     const DateTimeValue *t = (TrackerStyle(window) & TTS_ENDTEXT) ? &r->end : &r->start;
     if (!OSDateTimeToString(t, text, nullptr, DTS_TIME, sizeof text))
         text[0] = '\0';
     r->inTextUpdate = 1;
     SetWindowTextA(window, text);
-    GadgetNotifyParent(window, TTN_TIMECHANGED);
+    if (!GadgetNotifyAlive(window, TTN_TIMECHANGED, r))
+        return false;
     r->inTextUpdate = 0;
+    return true;
 }
 
 namespace {
@@ -321,8 +323,8 @@ LRESULT TrackerSetStartKeep(HWND window, TimeTrackerRecord *r, const DateTimeVal
     if (!TrackerNormalise(r, false))
         return GadgetFailure;
     TrackerRedraw(window, r);
-    if (TrackerStyle(window) & TTS_TRACKNOTIFY)
-        GadgetNotifyParent(window, TTN_TRACKING);
+    if ((TrackerStyle(window) & TTS_TRACKNOTIFY) && !GadgetNotifyAlive(window, TTN_TRACKING, r))
+        return GadgetSuccess;
     TrackerSetText(window, r);
     return GadgetSuccess;
 }
@@ -364,7 +366,8 @@ bool LoadPictures(HWND window, TimeTrackerRecord *r)
     DeleteObject(bar);
     HDC dc = GetDC(window);
     if (dc) {
-        r->clockMask = GadUtilCreateMaskBitmap(dc, r->clockBitmap, kTrackerDefaultBack);
+        // The toolkit's mask maker: it deletes a mask it could not select.
+        r->clockMask = UICreateMaskBitmap(dc, r->clockBitmap, kTrackerDefaultBack);
         ReleaseDC(window, dc);
     }
     if (!r->barBrush || !r->clockMask) {
@@ -541,6 +544,13 @@ extern "C" LRESULT WINAPI GadTTWndProc(HWND window, UINT message, WPARAM wParam,
         return 0;
     case WM_LBUTTONUP:
         TrackerOnLButtonUp(window, r);
+        return 0;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != window)
+            TrackerOnCaptureLost(window, r);
+        return 0;
+    case WM_CANCELMODE:
+        TrackerOnCaptureLost(window, r);
         return 0;
     case TTM_SETVIEWSTART:
         return OnSetViewStart(window, r, value);

@@ -3,6 +3,7 @@
 #pragma once
 #include <windows.h>
 #include "qziso32.h"
+#include "busy_lanes.h"
 
 struct TimeTrackerRecord {
     DateTimeValue viewStart;  // the time at the top of the scale
@@ -110,8 +111,9 @@ bool TrackerYToTime(const TimeTrackerRecord *r, LONG y, DateTimeValue *out);
 bool TrackerViewEnd(const TimeTrackerRecord *r, DateTimeValue *out);
 // One view step of `minutes`, bounded to the day under TTS_SINGLEDAY.
 bool TrackerStepView(HWND window, TimeTrackerRecord *r, LONG minutes);
-// The window text from start (end under TTS_ENDTEXT) and TTN_TIMECHANGED.
-void TrackerSetText(HWND window, TimeTrackerRecord *r);
+// The window text from start (end under TTS_ENDTEXT) and TTN_TIMECHANGED;
+// false when the parent destroyed the gadget meanwhile.
+bool TrackerSetText(HWND window, TimeTrackerRecord *r);
 // TTM_SETSTARTKEEP.
 LRESULT TrackerSetStartKeep(HWND window, TimeTrackerRecord *r, const DateTimeValue *value);
 
@@ -139,8 +141,6 @@ void TrackerOnPaint(HWND window, TimeTrackerRecord *r);
 bool TrackerClockHit(HWND window, const TimeTrackerRecord *r, const RECT *rect, POINT pt);
 
 // ------------------------------------------------------------- busy list
-// 1 overlap, 0 none, -1 the arithmetic failed.
-int TrackerOverlap(const DateTimeValue *aStart, DWORD aLength, const DateTimeValue *bStart, DWORD bLength);
 LRESULT TrackerAddBusy(HWND window, TimeTrackerRecord *r, DWORD id, const BusyInterval *interval);
 LRESULT TrackerRemoveBusy(HWND window, TimeTrackerRecord *r, DWORD id);
 LRESULT TrackerSetBusyList(HWND window, TimeTrackerRecord *r, DWORD count, const BusyInterval *list);
@@ -158,3 +158,4 @@ void TrackerOnLButtonDown(HWND window, TimeTrackerRecord *r, LPARAM lParam);
 void TrackerOnMouseMove(HWND window, TimeTrackerRecord *r, LPARAM lParam);
 void TrackerOnLButtonUp(HWND window, TimeTrackerRecord *r);
 void TrackerOnTimer(HWND window, TimeTrackerRecord *r, UINT_PTR id);
+void TrackerOnCaptureLost(HWND window, TimeTrackerRecord *r);

@@ -11,6 +11,12 @@ BusyInterval *NewList(DWORD count)
 {
     if (count == 0)
         return nullptr;
+    // A count whose size does not fit 32 bits is refused before anything
+    // is allocated.
+    if (count > MAXDWORD / kElement) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, MAXDWORD);
+        return nullptr;
+    }
     DWORD bytes = count * kElement;
     auto *list = static_cast<BusyInterval *>(LocalAlloc(LPTR, bytes));
     if (!list)
@@ -48,12 +54,7 @@ bool AssignLane(TimeTrackerRecord *r, DWORD index)
 
 bool AssignLanes(TimeTrackerRecord *r)
 {
-    for (DWORD i = 0; i < r->busyCount; ++i)
-        r->busy[i].lane = 0;
-    for (DWORD i = 0; i < r->busyCount; ++i)
-        if (!AssignLane(r, i))
-            return false;
-    return true;
+    return BusyLanesAssign(r->busy, r->busyCount, &r->laneCount, kMaxLanes);
 }
 
 void ListChanged(HWND window, TimeTrackerRecord *r)
@@ -63,25 +64,6 @@ void ListChanged(HWND window, TimeTrackerRecord *r)
 }
 
 }  // namespace
-
-int TrackerOverlap(const DateTimeValue *aStart, DWORD aLength, const DateTimeValue *bStart, DWORD bLength)
-{
-    if (aLength == 0 || bLength == 0)
-        return 0;
-    int order = OSDateTimeCompare(aStart, bStart);
-    if (order == 0)
-        return 1;
-    const DateTimeValue *earlier = order < 0 ? aStart : bStart;
-    const DateTimeValue *later = order < 0 ? bStart : aStart;
-    DWORD length = order < 0 ? aLength : bLength;
-    DateTimeValue end = *earlier;
-    if (!OSAdjustDateTime(&end, 0, 0, 0, 0, static_cast<LONG>(length), 0, 0))
-        return -1;
-    // An end past the calendar's last year lies after any start there is.
-    if (!OSIsValidDateTime(&end))
-        return 1;
-    return OSDateTimeCompare(&end, later) > 0 ? 1 : 0;
-}
 
 void TrackerFitWidth(HWND window, TimeTrackerRecord *r)
 {

@@ -123,14 +123,15 @@ void StopAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer)
     Drag().ticks = 0;
 }
 
-void StartAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer, BYTE mode)
+// False when the parent destroyed the gadget on hearing of the scroll.
+bool StartAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer, BYTE mode)
 {
     if (r->autoScrollMode != mode) {
         SetTimer(window, timer, kScrollDelay, nullptr);
         Drag().scrollStep = static_cast<LONG>(TrackerStep(r));
         r->autoScrollMode = mode;
     }
-    GadgetNotifyParent(window, TTN_SCROLLED);
+    return GadgetNotifyAlive(window, TTN_SCROLLED, r);
 }
 
 // The figures moved within the view: only the band they covered and cover
@@ -160,15 +161,19 @@ bool StepRedraw(HWND window, TimeTrackerRecord *r)
     return true;
 }
 
-bool DragEdge(HWND window, TimeTrackerRecord *r, LONG y, bool isEnd)
+// A drag step's outcome: done, failed (the drag ends with TTN_ERROR), or
+// the gadget is gone (destroyed by its parent inside a notification).
+enum class Step { Done, Failed, Gone };
+
+Step DragEdge(HWND window, TimeTrackerRecord *r, LONG y, bool isEnd)
 {
     TrackerDrag &d = Drag();
     DateTimeValue t;
     if (!TrackerYToTime(r, y, &t))
-        return false;
+        return Step::Failed;
     DateTimeValue moved = isEnd ? r->end : r->start;
     if (!ApplyMove(d.anchor, t, &moved))
-        return false;
+        return Step::Failed;
     TrackerSnap(&moved, TrackerStep(r));
     (isEnd ? r->end : r->start) = moved;
     d.anchor = t;
@@ -177,43 +182,43 @@ bool DragEdge(HWND window, TimeTrackerRecord *r, LONG y, bool isEnd)
     bool ok = false;
     LONG newY = TrackerTimeToY(r, &moved, &ok);
     if (!ok)
-        return false;
+        return Step::Failed;
     bool crossed = isEnd ? (newY > r->rcScale.bottom && !(oldY > r->rcScale.bottom))
                          : (newY < r->rcScale.top && !(oldY < r->rcScale.top));
     if (crossed) {
         LONG step = static_cast<LONG>(TrackerStep(r));
         if (!TrackerStepView(window, r, isEnd ? step : -step))
-            return false;
+            return Step::Failed;
         if (isEnd) {
             if (!TrackerViewEnd(r, &r->end))
-                return false;
+                return Step::Failed;
         } else {
             r->start = r->viewStart;
         }
         if (!TrackerNormalise(r, isEnd) || !StepRedraw(window, r))
-            return false;
-        StartAutoScroll(window, r, isEnd ? kEndScrollTimer : kStartScrollTimer, isEnd ? 2 : 1);
-        return true;
+            return Step::Failed;
+        return StartAutoScroll(window, r, isEnd ? kEndScrollTimer : kStartScrollTimer, isEnd ? 2 : 1) ? Step::Done
+                                                                                                         : Step::Gone;
     }
     if (!TrackerNormalise(r, isEnd))
-        return false;
+        return Step::Failed;
     RepaintBand(window, r, oldTop, oldBottom);
     StopAutoScroll(window, r, isEnd ? kEndScrollTimer : kStartScrollTimer);
-    return true;
+    return Step::Done;
 }
 
-bool MoveWhole(HWND window, TimeTrackerRecord *r, LONG y)
+Step MoveWhole(HWND window, TimeTrackerRecord *r, LONG y)
 {
     TrackerDrag &d = Drag();
     DateTimeValue t;
     if (!TrackerYToTime(r, y, &t))
-        return false;
+        return Step::Failed;
     DateTimeValue s = r->start, e = r->end;
     if (!ApplyMove(d.anchor, t, &s) || !ApplyMove(d.anchor, t, &e))
-        return false;
+        return Step::Failed;
     if ((TrackerStyle(window) & TTS_SINGLEDAY) &&
         (OSDateCompare(&s, &r->start) != 0 || OSDateCompare(&e, &r->start) != 0))
-        return true;
+        return Step::Done;
     DWORD step = TrackerStep(r);
     TrackerSnap(&s, step);
     TrackerSnap(&e, step);
@@ -223,34 +228,32 @@ bool MoveWhole(HWND window, TimeTrackerRecord *r, LONG y)
     r->start = s;
     r->end = e;
     if (!TrackerNormalise(r, false))
-        return false;
+        return Step::Failed;
     TrackerPlaceFigures(r);
     LONG minutes = static_cast<LONG>(r->durationHours * 60 + r->durationMinutes);
     if (r->startY < r->rcScale.top && !(oldStartY < r->rcScale.top)) {
         if (!TrackerStepView(window, r, -static_cast<LONG>(step)))
-            return false;
+            return Step::Failed;
         r->start = r->end = r->viewStart;
         if (!TrackerShift(&r->end, 0, 0, minutes))
-            return false;
+            return Step::Failed;
         TrackerSnap(&r->end, step);
         StepRedraw(window, r);
-        StartAutoScroll(window, r, kMoveScrollTimer, 1);
-        return true;
+        return StartAutoScroll(window, r, kMoveScrollTimer, 1) ? Step::Done : Step::Gone;
     }
     if (r->endY > r->rcScale.bottom && !(oldEndY > r->rcScale.bottom)) {
         if (!TrackerStepView(window, r, static_cast<LONG>(step)) || !TrackerViewEnd(r, &r->end))
-            return false;
+            return Step::Failed;
         r->start = r->end;
         if (!TrackerShift(&r->start, 0, 0, -minutes))
-            return false;
+            return Step::Failed;
         TrackerSnap(&r->start, step);
         StepRedraw(window, r);
-        StartAutoScroll(window, r, kMoveScrollTimer, 2);
-        return true;
+        return StartAutoScroll(window, r, kMoveScrollTimer, 2) ? Step::Done : Step::Gone;
     }
     RepaintBand(window, r, oldTop, oldBottom);
     StopAutoScroll(window, r, kMoveScrollTimer);
-    return true;
+    return Step::Done;
 }
 
 void PressArrow(HWND window, TimeTrackerRecord *r, bool up)
@@ -290,8 +293,12 @@ void TrackerOnLButtonDown(HWND window, TimeTrackerRecord *r, LPARAM lParam)
 {
     LONG y = ClampedY(lParam);
     POINT pt = RawPoint(lParam);
-    if (!(TrackerStyle(window) & TTS_NOFOCUS))
+    // Taking the focus tells the parent, which may destroy the gadget.
+    if (!(TrackerStyle(window) & TTS_NOFOCUS)) {
         SetFocus(window);
+        if (!GadgetAlive(window, r))
+            return;
+    }
     TrackerDrag &d = Drag();
     if (d.active)
         return;
@@ -345,22 +352,24 @@ void TrackerOnMouseMove(HWND window, TimeTrackerRecord *r, LPARAM lParam)
         return;
     }
     LONG y = ClampedY(lParam);
-    bool ok = true;
+    Step step = Step::Done;
     if (d.draggingStart)
-        ok = DragEdge(window, r, y, false);
+        step = DragEdge(window, r, y, false);
     else if (d.draggingEnd)
-        ok = DragEdge(window, r, y, true);
+        step = DragEdge(window, r, y, true);
     else if (d.movingWhole)
-        ok = MoveWhole(window, r, y);
+        step = MoveWhole(window, r, y);
     else
         return;
-    if (!ok) {
+    if (step == Step::Gone)
+        return;
+    if (step == Step::Failed) {
         FailDrag(window, r);
         return;
     }
     LONG style = TrackerStyle(window);
-    if (style & TTS_LIVETEXT)
-        TrackerSetText(window, r);
+    if ((style & TTS_LIVETEXT) && !TrackerSetText(window, r))
+        return;
     if (style & TTS_TRACKNOTIFY)
         GadgetNotifyParent(window, TTN_TRACKING);
 }
@@ -375,19 +384,34 @@ void TrackerOnLButtonUp(HWND window, TimeTrackerRecord *r)
             KillTimer(window, d.movingWhole ? kMoveScrollTimer : d.draggingStart ? kStartScrollTimer : kEndScrollTimer);
             r->autoScrollMode = 0;
             d.ticks = 0;
-            GadgetNotifyParent(window, TTN_SCROLLED);
+            if (!GadgetNotifyAlive(window, TTN_SCROLLED, r))
+                return;
         }
         d.movingWhole = d.draggingStart = d.draggingEnd = false;
-        TrackerSetText(window, r);
+        if (!TrackerSetText(window, r))
+            return;
     } else if (d.upArrow || d.downArrow) {
         KillTimer(window, d.upArrow ? kUpArrowTimer : kDownArrowTimer);
         TrackerPaintArrows(window, r, d.dc, false, false);
-        GadgetNotifyParent(window, TTN_SCROLLED);
-        GadgetNotifyParent(window, TTN_VIEWCHANGED);
+        if (!GadgetNotifyAlive(window, TTN_SCROLLED, r) || !GadgetNotifyAlive(window, TTN_VIEWCHANGED, r))
+            return;
         // The arrow path leaves by the failure exit: parents see 700, 500, 100.
         FailDrag(window, r);
         return;
     }
+    EndDrag(window, r);
+}
+
+// The capture went elsewhere (WM_CAPTURECHANGED, WM_CANCELMODE): the drag
+// ends where it stands, quietly; the parent hears nothing more of it.
+void TrackerOnCaptureLost(HWND window, TimeTrackerRecord *r)
+{
+    TrackerDrag &d = Drag();
+    if (!d.active || d.window != window)
+        return;
+    for (UINT_PTR id = kUpArrowTimer; id <= kMoveScrollTimer; ++id)
+        KillTimer(window, id);
+    r->autoScrollMode = 0;
     EndDrag(window, r);
 }
 
@@ -447,6 +471,6 @@ void TrackerOnTimer(HWND window, TimeTrackerRecord *r, UINT_PTR id)
     StepRedraw(window, r);
     if (d.active && d.window == window && (d.upArrow || d.downArrow))
         TrackerPaintArrows(window, r, d.dc, d.upArrow, d.downArrow);
-    GadgetNotifyParent(window, TTN_SCROLLED);
-    ++d.ticks;
+    if (GadgetNotifyAlive(window, TTN_SCROLLED, r))
+        ++d.ticks;
 }

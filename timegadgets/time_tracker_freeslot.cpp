@@ -19,6 +19,7 @@ struct Search {
     bool noLimit;
     bool weekends;  // weekend days may hold the slot
     LRESULT result;
+    bool gone;      // the parent destroyed the gadget while it walked
 };
 
 // A step of the search. Past the calendar's last year the search has run
@@ -86,15 +87,27 @@ void SetTimeOfDay(DateTimeValue *v, DWORD minutes)
 
 DWORD MinuteOfDay(const DateTimeValue &v) { return v.hour * 60u + v.minute; }
 
-void Keep(Search &s, const DateTimeValue &v)
+// Moves the appointment visibly; false when the parent destroyed the
+// gadget on hearing of it.
+bool Keep(Search &s, const DateTimeValue &v)
 {
     SendMessageA(s.window, TTM_SETSTARTKEEP, 0, reinterpret_cast<LPARAM>(&v));
+    if (GadgetAlive(s.window, s.r))
+        return true;
+    s.gone = true;
+    s.result = -1;
+    return false;
 }
 
+// By start; the blanks (length 0) that a removal leaves go last, since
+// they take no time and their starts may be no date at all.
 int __cdecl CompareStarts(const void *a, const void *b)
 {
-    return OSDateTimeCompare(&static_cast<const BusyInterval *>(a)->start,
-                             &static_cast<const BusyInterval *>(b)->start);
+    const BusyInterval *x = static_cast<const BusyInterval *>(a);
+    const BusyInterval *y = static_cast<const BusyInterval *>(b);
+    if (x->lengthMinutes == 0 || y->lengthMinutes == 0)
+        return (x->lengthMinutes == 0) - (y->lengthMinutes == 0);
+    return OSDateTimeCompare(&x->start, &y->start);
 }
 
 // The longest gap after the origin between busy intervals, within the
@@ -104,9 +117,12 @@ bool GapSearch(Search &s)
     TimeTrackerRecord *r = s.r;
     if (r->busyCount)
         QSort(r->busy, r->busyCount, sizeof(BusyInterval), CompareStarts);
+    DWORD count = r->busyCount;
+    while (count && r->busy[count - 1].lengthMinutes == 0)
+        --count;
     LONG best = 0;
     DateTimeValue bestStart = s.origin;
-    for (DWORD i = 0; i < r->busyCount; ++i) {
+    for (DWORD i = 0; i < count; ++i) {
         DateTimeValue g = r->busy[i].start;
         if (!SearchShift(&g, 0, 0, static_cast<LONG>(r->busy[i].lengthMinutes)))
             return false;
@@ -118,7 +134,7 @@ bool GapSearch(Search &s)
         if (!Later(&g, &s.origin))
             continue;
         DateTimeValue f = s.q->limit;
-        if (i + 1 < r->busyCount && !Later(&r->busy[i + 1].start, &s.q->limit))
+        if (i + 1 < count && !Later(&r->busy[i + 1].start, &s.q->limit))
             f = r->busy[i + 1].start;
         while (!s.weekends && IsWeekendDay(f))
             if (!SearchShift(&f, -1, 0, 0))
@@ -134,10 +150,11 @@ bool GapSearch(Search &s)
             bestStart = g;
         }
     }
-    Keep(s, bestStart);
+    if (!Keep(s, bestStart))
+        return false;
     if (best > 0) {
         SendMessageA(s.window, TTM_SETDURATION, 0, MAKELONG(best % 60, best / 60));
-        s.q->found = 1;
+        s.q->found = GadgetAlive(s.window, r) ? 1 : 0;
     } else {
         s.q->found = 0;
     }
@@ -153,9 +170,8 @@ Walk LimitCheck(Search &s, const DateTimeValue &c)
     if (s.q->longestGap) {
         s.result = GapSearch(s) ? 1 : -1;
     } else {
-        Keep(s, s.origin);
         s.q->found = 0;
-        s.result = 1;
+        s.result = Keep(s, s.origin) ? 1 : -1;
     }
     return Walk::Stop;
 }
@@ -199,14 +215,16 @@ Walk WalkForward(Search &s, DateTimeValue *c)
         if (otherDay || e.hour > close / 60 || (e.hour == close / 60 && e.minute > close % 60)) {
             if (NextDay(s, c, true) == Walk::Stop)
                 return Walk::Stop;
-            Keep(s, *c);
+            if (!Keep(s, *c))
+                return Walk::Stop;
         }
         bool moved = false;
         if (!s.weekends && IsWeekendDay(*c)) {
             while (IsWeekendDay(*c))
                 if (NextDay(s, c, false) == Walk::Stop)
                     return Walk::Stop;
-            Keep(s, *c);
+            if (!Keep(s, *c))
+                return Walk::Stop;
             moved = true;
         }
         bool restart = false;
@@ -247,7 +265,7 @@ LRESULT TrackerFindFreeSlot(HWND window, TimeTrackerRecord *r, FreeSlotRequest *
         return -1;
     }
     Search s = {window, r, q, r->durationHours * 60 + r->durationMinutes, r->start, IsNoLimit(q->limit),
-                q->includeWeekends != 0, 0};
+                q->includeWeekends != 0, 0, false};
     q->found = 0;
     if (q->useWeekdayHours && !s.weekends && !SomeWorkdayFits(q, s.duration))
         return -1;
@@ -274,11 +292,16 @@ LRESULT TrackerFindFreeSlot(HWND window, TimeTrackerRecord *r, FreeSlotRequest *
         OSUnWait();
         return s.result;
     }
-    Keep(s, c);
+    if (!Keep(s, c)) {
+        OSUnWait();
+        return -1;
+    }
     r->viewStart = c;
     SetTimeOfDay(&r->viewStart, DayOpen(q, c));
-    GadgetNotifyParent(window, TTN_VIEWCHANGED);
-    GadgetNotifyParent(window, TTN_SCROLLED);
+    if (!GadgetNotifyAlive(window, TTN_VIEWCHANGED, r) || !GadgetNotifyAlive(window, TTN_SCROLLED, r)) {
+        OSUnWait();
+        return -1;
+    }
     q->found = 1;
     TrackerRenderScale(r);
     TrackerRedraw(window, r);

@@ -6,8 +6,9 @@
 namespace {
 
 // ---------------------------------------------------------------- keys
-// Up and Down move start (Shift), end (Ctrl) or both by the fine step; the
-// view follows when the moved time leaves it.
+// Up and Down move start (Shift), end (Ctrl) or both by the fine step and
+// snap to the step of the moment (the coarse one under Shift); the view
+// follows when the moved time leaves it.
 bool KeyUp(HWND window, TimeTrackerRecord *r, bool shift, bool ctrl)
 {
     DateTimeValue t = ctrl ? r->end : r->start;
@@ -15,8 +16,8 @@ bool KeyUp(HWND window, TimeTrackerRecord *r, bool shift, bool ctrl)
     LONG step = r->fineStep;
     if (!TrackerShift(&t, 0, 0, -step) || !TrackerShift(&u, 0, 0, -step))
         return false;
-    TrackerSnap(&t, r->fineStep);
-    TrackerSnap(&u, r->fineStep);
+    TrackerSnap(&t, TrackerStep(r));
+    TrackerSnap(&u, TrackerStep(r));
     if (!Later(&r->viewStart, &t)) {
         if (ctrl) {
             r->end = t;
@@ -52,8 +53,8 @@ bool KeyDown(HWND window, TimeTrackerRecord *r, bool shift, bool ctrl)
     LONG step = r->fineStep;
     if (!TrackerShift(&t, 0, 0, step) || !TrackerShift(&u, 0, 0, step))
         return false;
-    TrackerSnap(&t, r->fineStep);
-    TrackerSnap(&u, r->fineStep);
+    TrackerSnap(&t, TrackerStep(r));
+    TrackerSnap(&u, TrackerStep(r));
     DateTimeValue last;
     if (!TrackerViewEnd(r, &last))
         return false;
@@ -95,9 +96,10 @@ void TrackerOnKeyDown(HWND window, TimeTrackerRecord *r, WPARAM key)
         bool ok = key == VK_UP ? KeyUp(window, r, shift, ctrl) : KeyDown(window, r, shift, ctrl);
         if (ok) {
             TrackerRedraw(window, r);
-            TrackerSetText(window, r);
-        } else {
-            GadgetNotifyParent(window, TTN_ERROR);
+            if (!TrackerSetText(window, r))
+                return;
+        } else if (!GadgetNotifyAlive(window, TTN_ERROR, r)) {
+            return;
         }
     }
     HDC dc = GetDC(window);

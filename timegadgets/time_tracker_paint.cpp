@@ -175,7 +175,7 @@ void PaintLabel(HDC dc, const TimeTrackerRecord *r, const RECT &label, const cha
         return;
     Fill(dc, label.left, label.top, label.right, label.bottom, 0xFFFFFF);
     Fill(dc, label.left + 1, label.top + 1, label.right, label.bottom, 0);
-    Fill(dc, label.left + 2, label.top + 2, label.right - 1, label.bottom - 1, kLabelGrey);
+    Fill(dc, label.left + 1, label.top + 1, label.right - 1, label.bottom - 1, kLabelGrey);
     SetBkMode(dc, TRANSPARENT);
     COLORREF oldText = SetTextColor(dc, 0);
     CentredText(dc, label, text);

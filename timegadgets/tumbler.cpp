@@ -156,34 +156,41 @@ LONG Clamp(const TumblerRecord *r, LONG n)
 // One step. The divisions are unsigned on the 32-bit patterns: up rounds to
 // the next multiple, down from a value that is not a multiple skips one,
 // and down from below the step turns negative.
-void Step(HWND window, bool up)
+// False when the parent destroyed the gadget on hearing of the change.
+bool Step(HWND window, bool up)
 {
     TumblerRecord *r = Record(window);
     if (!r)
-        return;
+        return true;
     LONG v = ReadValue(window, 0);
     DWORD step = r->step;
     if (step == 0) {
         OSErrorSetErrorInfo(RV_BadParms, "Tumbler step");
-        return;
+        return true;
     }
     DWORD pattern = static_cast<DWORD>(v);
     DWORD n = ((up ? pattern + step : pattern - step) / step) * step;
     LONG next = Clamp(r, static_cast<LONG>(n));
-    if (next != v)
-        WriteValue(window, next);
+    if (next == v)
+        return true;
+    WriteValue(window, next);
+    return GadgetAlive(window, r);
 }
 
 // The edit loses the focus: an empty or low value becomes the minimum, a
 // high one the maximum (unsigned comparisons), then the display form.
-void ValidateOnLeaving(HWND window, TumblerRecord *r)
+// False when the parent destroyed the gadget on hearing of a change.
+bool ValidateOnLeaving(HWND window, TumblerRecord *r)
 {
     LONG v = ReadValue(window, r->minimum);
     if (static_cast<DWORD>(v) <= static_cast<DWORD>(r->minimum))
         SetDlgItemInt(window, kEditId, static_cast<UINT>(r->minimum), TRUE);
     else if (static_cast<DWORD>(v) > static_cast<DWORD>(r->maximum))
         WriteValue(window, r->maximum);
+    if (!GadgetAlive(window, r))
+        return false;
     NormaliseEdit(window);
+    return GadgetAlive(window, r);
 }
 
 // ---------------------------------------------------------------- buttons
@@ -211,8 +218,10 @@ void CALLBACK OnTimer(HWND window, UINT, UINT_PTR id, DWORD)
     if (!r)
         return;
     SetFocus(Edit(window));
-    if (r->mouseMode)
-        Step(window, r->mouseMode == static_cast<LONG>(kUpButton));
+    if (!GadgetAlive(window, r))
+        return;
+    if (r->mouseMode && !Step(window, r->mouseMode == static_cast<LONG>(kUpButton)))
+        return;
     if (id == kDelayTimer) {
         KillTimer(window, kDelayTimer);
         SetTimer(window, kRepeatTimer, kRepeat, OnTimer);
@@ -225,13 +234,16 @@ void OnLButtonDown(HWND window, int x, int y)
 {
     TumblerRecord *r = Record(window);
     SetFocus(Edit(window));
+    if (!GadgetAlive(window, r))
+        return;
     r->buttonWidth = GetSystemMetrics(SM_CXVSCROLL);
     if (x <= r->buttonX)
         return;
     UINT button = y <= static_cast<LONG>(r->upHeight) ? kUpButton : kDownButton;
     r->mouseMode = button;
     ShowButton(window, r, button, true);
-    Step(window, button == kUpButton);
+    if (!Step(window, button == kUpButton))
+        return;
     StartRepeat(window);
     SetCapture(window);
 }
@@ -258,8 +270,8 @@ void OnMouseMove(HWND window, int x, int y)
         KillTimers(window);
     } else if (!shown) {
         ShowButton(window, r, half, true);
-        Step(window, half == kUpButton);
-        StartRepeat(window);
+        if (Step(window, half == kUpButton))
+            StartRepeat(window);
     }
 }
 
@@ -267,6 +279,8 @@ void OnLButtonUp(HWND window)
 {
     TumblerRecord *r = Record(window);
     SetFocus(Edit(window));
+    if (!GadgetAlive(window, r))
+        return;
     ShowButton(window, r, kUpButton, false);
     ShowButton(window, r, kDownButton, false);
     r->mouseMode = 0;
@@ -302,7 +316,8 @@ void OnChar(HWND window, WPARAM ch)
     if (ch != '+' && ch != '-')
         return;
     bool up = ch == '+';
-    Step(window, up);
+    if (!Step(window, up))
+        return;
     r->lastCharKey = static_cast<LONG>(ch);
     ShowButton(window, r, up ? kUpButton : kDownButton, true);
 }
@@ -315,11 +330,11 @@ void OnKeyUp(HWND window, WPARAM key)
         r->lastCharKey = kNoCharKey;
     }
     if (key == VK_UP || key == VK_ADD) {
-        GadgetNotifyParent(window, EN_CHANGE);
-        ShowButton(window, r, kUpButton, false);
+        if (GadgetNotifyAlive(window, EN_CHANGE, r))
+            ShowButton(window, r, kUpButton, false);
     } else if (key == VK_DOWN || key == VK_SUBTRACT) {
-        GadgetNotifyParent(window, EN_CHANGE);
-        ShowButton(window, r, kDownButton, false);
+        if (GadgetNotifyAlive(window, EN_CHANGE, r))
+            ShowButton(window, r, kDownButton, false);
     }
 }
 
@@ -350,8 +365,8 @@ LRESULT CALLBACK EditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam)
         break;
     case WM_KILLFOCUS: {
         HideCaret(edit);
-        ValidateOnLeaving(window, r);
-        GadgetNotifyParent(window, EN_CHANGE);
+        if (!ValidateOnLeaving(window, r) || !GadgetNotifyAlive(window, EN_CHANGE, r))
+            return 0;
         LRESULT result = CallWindowProcA(r->oldEditProc, edit, message, wParam, lParam);
         InvalidateRect(window, nullptr, TRUE);
         UpdateWindow(window);
@@ -423,14 +438,18 @@ void PaintButton(HDC dc, const TumblerRecord *r, UINT button, int y, int height)
         GetObjectA(glyph, sizeof info, &info);
         int glyphHeight = button == kDownButton ? info.bmHeight - 1 : info.bmHeight;
         HDC source = CreateCompatibleDC(dc);
-        HGDIOBJ oldGlyph = SelectObject(source, glyph);
-        SetTextColor(memory, GetSysColor(COLOR_BTNTEXT));
-        SetBkColor(memory, GetSysColor(COLOR_BTNFACE));
-        int shift = pressed ? 1 : 0;
-        BitBlt(memory, (width - info.bmWidth) / 2 + shift, (height - glyphHeight) / 2 + shift,
-               info.bmWidth, glyphHeight, source, 0, 0, SRCAND);
-        SelectObject(source, oldGlyph);
-        DeleteDC(source);
+        if (source) {
+            HGDIOBJ oldGlyph = SelectObject(source, glyph);
+            SetTextColor(memory, GetSysColor(COLOR_BTNTEXT));
+            SetBkColor(memory, GetSysColor(COLOR_BTNFACE));
+            int shift = pressed ? 1 : 0;
+            BitBlt(memory, (width - info.bmWidth) / 2 + shift, (height - glyphHeight) / 2 + shift,
+                   info.bmWidth, glyphHeight, source, 0, 0, SRCAND);
+            SelectObject(source, oldGlyph);
+            DeleteDC(source);
+        } else {
+            OSErrorSetErrorInfo(RV_GDIError);
+        }
         BitBlt(dc, r->buttonX, y, width, height, memory, 0, 0, SRCCOPY);
         SelectObject(memory, oldCanvas);
     }

@@ -2,6 +2,7 @@
 // mouse and the forced height, through messages as a host drives it.
 #include "qz_test.h"
 #include "window_harness.h"
+#include "failure_seam.h"
 #include <random>
 
 namespace {
@@ -72,6 +73,8 @@ TEST_F(TumblerTest, StepsByTheUnsignedRuleAndClamps)
         {-20, 20, -6, 5, false, -11},  {-20, 20, -6, 5, true, -1},  {-20, 20, -18, 5, false, -20},
         {50, 10, 20, 1, true, 10},     {50, 10, 20, 1, false, 10},  {-100, 100, 0, 1, true, 1},
         {-2000000000, 2000000000, -1999999999, 1000000000, true, -1294967296},
+        {10, 20, 12, 1, false, 11},    {10, 20, 11, 1, false, 10},  {10, 20, 10, 1, false, 10},
+        {10, 20, 18, 1, true, 19},     {10, 20, 19, 1, true, 20},   {10, 20, 20, 1, true, 20},
     };
     for (const auto &row : rows) {
         SetRange(g, row.minimum, row.maximum, row.value, row.step);
@@ -79,6 +82,33 @@ TEST_F(TumblerTest, StepsByTheUnsignedRuleAndClamps)
         SendMessageA(g, WM_KEYDOWN, row.up ? VK_UP : VK_DOWN, 0);
         SendMessageA(g, WM_KEYUP, row.up ? VK_UP : VK_DOWN, 0);
         EXPECT_EQ(row.expected, Value(g)) << row.value << (row.up ? " up " : " down ") << row.step;
+    }
+}
+
+// A button that cannot be composed for want of a GDI object records why.
+TEST_F(TumblerTest, PaintFailuresAreRecorded)
+{
+    RecordingParent parent;
+    HWND g = Make(parent);
+    auto paint = [&] {
+        RECT buttons = {ButtonX(g), 0, 1000, 1000};
+        InvalidateRect(g, &buttons, FALSE);
+        UpdateWindow(g);
+    };
+    unsigned points = 0;
+    {
+        FailureSeam count(FailureSeam::Gdi, 0);
+        paint();
+        points = count.Calls();
+    }
+    EXPECT_EQ(6u, points);  // per button: the canvas, its DC and the glyph's DC
+    for (unsigned n = 1; n <= points; ++n) {
+        OSErrorClearError();
+        {
+            FailureSeam seam(FailureSeam::Gdi, n);
+            paint();
+        }
+        EXPECT_EQ(RV_GDIError, OSErrorGetErrorValue()) << n;
     }
 }
 
@@ -288,53 +318,6 @@ TEST_F(TumblerTest, HeldButtonRepeats)
     Sleep(200);
     PumpMessages();
     EXPECT_EQ(held, Value(g));
-}
-
-// Random input, sizes and ranges; afterwards the value obeys the range
-// once the edit is left, the height is the font's, and no GDI object stays.
-TEST_F(TumblerTest, MonkeyLeavesItConsistent)
-{
-    const int steps = MonkeySteps(10000, 1000);
-    std::mt19937 random(16);
-    long before = GdiObjectsInUse();
-    {
-        RecordingParent parent;
-        HWND g = Make(parent, TUS_HOURMINUTE);
-        HWND edit = GetDlgItem(g, 1);
-        LONG minimum = 0, maximum = 1439;
-        SetRange(g, minimum, maximum, 60, 15);
-        const UINT keys[] = {VK_UP, VK_DOWN, VK_ADD, VK_SUBTRACT, VK_LEFT, '1', '9'};
-        for (int i = 0; i < steps; ++i) {
-            int x = random() % 140, y = random() % 30;
-            switch (random() % 8) {
-            case 0: SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y)); break;
-            case 1: SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, y)); break;
-            case 2: SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, y)); break;
-            case 3: SendMessageA(edit, WM_KEYDOWN, keys[random() % 7], 0); break;
-            case 4: SendMessageA(edit, WM_KEYUP, keys[random() % 7], 0); break;
-            case 5: SendMessageA(edit, WM_CHAR, "+-12 h"[random() % 6], 0); break;
-            case 6: SetWindowPos(g, nullptr, 0, 0, 60 + x, 10 + y, SWP_NOMOVE | SWP_NOZORDER); break;
-            case 7:
-                minimum = random() % 100;
-                maximum = minimum + 1 + random() % 1300;
-                SetRange(g, minimum, maximum, minimum + random() % 50, 1 + random() % 30);
-                break;
-            }
-            if (i % 500 == 0)
-                PumpMessages();
-        }
-        SendMessageA(g, WM_LBUTTONUP, 0, 0);
-        SendMessageA(edit, WM_KILLFOCUS, 0, 0);
-        LONG v = Value(g);
-        EXPECT_GE(v, minimum);
-        EXPECT_LE(v, maximum);
-        RECT client;
-        GetClientRect(g, &client);
-        EXPECT_EQ(LineHeight(static_cast<HFONT>(GetStockObject(ANSI_VAR_FONT))), client.bottom);
-        DestroyWindow(g);
-    }
-    PumpMessages();
-    EXPECT_EQ(before, GdiObjectsInUse());
 }
 
 }  // namespace
