@@ -112,15 +112,32 @@ if [ "$QZ_PREFIX_MODE" = make ]; then
   mkfs.ext4 -q -F -O ^has_journal -L qzprefix "$disk" &&
     mount -t ext4 "$disk" "$pfx/disk" && mkdir "$pfx/disk/prefix" ||
     fail "cannot format the prefix disk"
-  {
-    export WINEPREFIX=$pfx/disk/prefix
-    WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d" WINEDEBUG=-all \
-      "$wine" wineboot -i &&
-    "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f &&
-    "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f &&
-    "$wineserver" -w &&
-    touch "$WINEPREFIX/.qz-ready"   # tools/wine-run.sh's mark of a finished prefix
-  } >> "$job/prefix.log" 2>&1 || fail "cannot make the Wine prefix (see prefix.log)"
+  # On a heavily loaded host the emulated machine can be slow enough that
+  # the loader's wait for the first wineboot times out and the command fails,
+  # while wineboot itself goes on filling the prefix in the background. So a
+  # failure is followed by waiting for every Wine process to end, and an
+  # update of the same prefix (which finishes what is missing) is tried.
+  export WINEPREFIX=$pfx/disk/prefix
+  made=0
+  boot=-i
+  for try in 1 2 3; do
+    echo "run32: making the prefix (wineboot $boot), try $try" >> "$job/prefix.log"
+    if {
+      WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d" WINEDEBUG=err+all \
+        "$wine" wineboot $boot || { echo "run32: wineboot failed ($?)"; false; }
+    } && "$wineserver" -w && [ -f "$WINEPREFIX/system.reg" ] && {
+      "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f &&
+      "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f ||
+        { echo "run32: reg add failed ($?)"; false; }
+    } && "$wineserver" -w; then
+      touch "$WINEPREFIX/.qz-ready"   # tools/wine-run.sh's mark of a finished prefix
+      made=1
+      break
+    fi >> "$job/prefix.log" 2>&1
+    "$wineserver" -w >/dev/null 2>&1
+    boot=-u
+  done
+  [ $made = 1 ] || fail "cannot make the Wine prefix (see prefix.log)"
   unset WINEPREFIX
   umount "$pfx/disk" || fail "cannot unmount the new prefix disk"
   touch "$job/prefix-made"   # boot.sh keeps the image only when this is here
