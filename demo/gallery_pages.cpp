@@ -563,6 +563,59 @@ HWND BuildDialogTabsPage(HWND host)
     return dialog;
 }
 
+// Gauges at several values: the default colours at 0, 35 and 100 percent,
+// a green bar on cream at 70, and a raised one at 55.
+HWND BuildGasGaugePage(HWND host)
+{
+    HWND page = MakePageWindow(host, "GasGauge", 260, 196);
+    if (!page) return nullptr;
+    const struct {
+        LONG value;
+        COLORREF bar, back;
+        bool raised;
+    } rows[] = {
+        {0, 0xFF0000, 0xFFFFFF, false},  {35, 0xFF0000, 0xFFFFFF, false},
+        {70, 0x00A000, 0xD0F0FF, false}, {100, 0xFF0000, 0xFFFFFF, false},
+        {55, 0x800000, 0xFFFFFF, true},
+    };
+    for (int i = 0; i < 5; ++i) {
+        HWND gauge = Child(page, "GasGauge", "", 0, 100 + i, 10, 10 + i * 36, 240, 24);
+        if (!gauge) return nullptr;
+        if (rows[i].raised) {
+            SendMessageA(gauge, GGM_SETRAISED, 1, 0);
+            SetWindowPos(gauge, nullptr, 0, 0, 240, 26, SWP_NOMOVE | SWP_NOZORDER);
+        }
+        SendMessageA(gauge, GGM_SETBARCOLOUR, 0, rows[i].bar);
+        SendMessageA(gauge, GGM_SETBACKCOLOUR, 0, rows[i].back);
+        SendMessageA(gauge, GGM_SETVALUE, 0, rows[i].value);
+    }
+    return page;
+}
+
+// A job that advances a status box on a timer and stops on Cancel.
+void CALLBACK StatusJobStep(HWND box, UINT, UINT_PTR, DWORD)
+{
+    static DWORD done = 6;
+    if (StatusCanceled(box) || done >= 10) {
+        StatusClose(box);
+        return;
+    }
+    char text[64];
+    wsprintfA(text, "Copying file %lu of 10", ++done);
+    StatusSetText(box, text);
+    StatusValue(box, done);
+}
+
+// A status box over a running job, six files of ten done.
+HWND BuildStatusBoxPage(HWND)
+{
+    HWND box = StatusBox(nullptr, "Copying file 6 of 10", 0, 10, STATUS_CANCEL);
+    if (!box) return nullptr;
+    StatusValue(box, 6);
+    SetTimer(box, 1, 700, StatusJobStep);
+    return box;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
@@ -577,6 +630,8 @@ const GalleryPage kGalleryPages[] = {
     {"time_setter", "TimeSetter", BuildTimeSetterPage},
     {"date_tracker", "DateTracker", BuildDateTrackerPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
+    {"gas_gauge", "GasGauge", BuildGasGaugePage},
+    {"status_box", "Status box", BuildStatusBoxPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

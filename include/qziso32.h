@@ -1177,6 +1177,65 @@ QZAPI LONG WINAPI Tab_GetTabFromPosition(HWND tabs, LONG position);
 /* The strip's height; 0 with RV_GDIError when the tab picture is missing. */
 QZAPI LONG WINAPI Tab_GetTabHeight(HWND tabs);
 
+/* ------------------------------------------------------------------ */
+/* Time gadgets: GasGauge, a progress bar with its percentage          */
+/* ------------------------------------------------------------------ */
+/** Sets the range. lParam: three LONGs, the minimum, the maximum and the
+ *  percentage taken as shown. Nothing is repainted. Result 0; records
+ *  RV_BadParms for a null pointer. */
+#define GGM_SETRANGE      0x400
+/** Sets the value and animates the bar to value * 100 / (maximum - minimum)
+ *  percent, one frame per percent, dispatching waiting messages before
+ *  each frame of a step larger than 1. lParam: the value. Result 0; with a
+ *  maximum not above the minimum only the value is stored. */
+#define GGM_SETVALUE      0x401
+/** Sets the colour of the empty part (lParam: COLORREF) and its text
+ *  colour, and repaints. Result 0; records RV_GDIError if no brush is made. */
+#define GGM_SETBACKCOLOUR 0x402
+/** Sets the colour of the filled part; as GGM_SETBACKCOLOUR. */
+#define GGM_SETBARCOLOUR  0x403
+/** Kept for hosts that send it. Result always 0. */
+#define GGM_GETBACKCOLOUR 0x404
+/** Kept for hosts that send it. Result always 0. */
+#define GGM_GETBARCOLOUR  0x405
+/** Gives the bar a three-dimensional border (wParam: flag), taking effect
+ *  at the next resize, and sets both colours to light grey while the
+ *  brushes stay. Result 0. */
+#define GGM_SETRAISED     0x406
+
+/* ------------------------------------------------------------------ */
+/* Feedback: status boxes, a text and a GasGauge over a disabled       */
+/* parent for a job that polls for Cancel between its steps            */
+/* ------------------------------------------------------------------ */
+#define STATUS_SIMPLE      0x0000  /* template "SIMPLESTATUS": no button */
+#define STATUS_CANCEL      0x0001  /* template "CANCELSTATUS": a Cancel button */
+#define STATUS_HIDDEN      0x4000  /* the box is left hidden */
+#define STATUS_CLOSEATHIGH 0x8000  /* the box closes itself when the value reaches `high` */
+/** Opens a status box over `parent` (which is disabled) showing `text`,
+ *  which is not copied, and a gauge from `low` to `high`.
+ *  @return the box's dialog, or null. Records RV_Failure for a low byte of
+ *  `flags` other than 0 and 1, RV_UserError when the dialog cannot be made
+ *  and RV_OutOfLocalMemory when its record cannot. */
+QZAPI HWND WINAPI StatusBox(HWND parent, const char *text, DWORD low, DWORD high, LONG flags);
+/** Enables the box's parent again and destroys the box.
+ *  @return the result of DestroyWindow, or 0 when `dialog` is no window. */
+QZAPI BOOL WINAPI StatusClose(HWND dialog);
+/** Moves the gauge to `value`; the gauge dispatches waiting messages.
+ *  @return the gauge's answer; with STATUS_CLOSEATHIGH, `high` while the
+ *  value is below it, else the result of closing the box. 0 with
+ *  RV_BadParms recorded for a dialog that is no open status box. */
+QZAPI LRESULT WINAPI StatusValue(HWND dialog, DWORD value);
+/** Whether the user pressed Cancel (or closed the box by its system menu).
+ *  @return 1 after a cancel, else 0. 0 with RV_BadParms recorded for a
+ *  dialog that is no open status box. */
+QZAPI DWORD WINAPI StatusCanceled(HWND dialog);
+/** Clears the cancel, so that the job can go on.
+ *  @return 1 if `dialog` is an open status box, else 0. */
+QZAPI BOOL WINAPI StatusResume(HWND dialog);
+/** Replaces the box's text.
+ *  @return the result of SetDlgItemTextA. */
+QZAPI BOOL WINAPI StatusSetText(HWND dialog, const char *text);
+
 #ifdef __cplusplus
 }
 #endif
