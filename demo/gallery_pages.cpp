@@ -563,6 +563,37 @@ HWND BuildDialogTabsPage(HWND host)
     return dialog;
 }
 
+// A film's frames side by side over a striped ground: each cell of the
+// sheet played as the first frame of its own film, which stays; copied
+// whole, through the transparent colour, and through the mask halves.
+void PaintFilmStrip(HWND page, HDC dc)
+{
+    RECT client;
+    GetClientRect(page, &client);
+    for (int x = 0; x < client.right; x += 8) {
+        RECT stripe = {x, 0, x + 4, client.bottom};
+        FillRect(dc, &stripe, static_cast<HBRUSH>(GetStockObject(LTGRAY_BRUSH)));
+    }
+    // Two frames of one cell each: the second is never shown.
+    static const LONG cells[8][2] = {{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6}, {7, 7}};
+    const struct { DWORD sheet; LONG mode; int step; } rows[] = {
+        {9200, FILM_COPY, 24}, {9200, FILM_KEYCOLOUR, 24}, {9201, FILM_MASKHALF, 36},
+    };
+    for (int r = 0; r < 3; ++r)
+        for (int i = 0; i < 8; ++i) {
+            PlayFilm(dc, 10 + i * rows[r].step, 10 + r * 26, ResourceGetHandle(), rows[r].sheet, 4, 2,
+                     rows[r].mode, 2, 0, RGB(255, 0, 255), 0, cells[i], 0);
+            EndFilm();
+        }
+}
+
+HWND BuildFilmPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Film frames", 300, 88);
+    if (page) SetWindowLongPtrA(page, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(PaintFilmStrip));
+    return page;
+}
+
 // Gauges at several values: the default colours at 0, 35 and 100 percent,
 // a green bar on cream at 70, and a raised one at 55.
 HWND BuildGasGaugePage(HWND host)
@@ -632,6 +663,7 @@ const GalleryPage kGalleryPages[] = {
     {"tumbler", "Tumbler", BuildTumblerPage},
     {"gas_gauge", "GasGauge", BuildGasGaugePage},
     {"status_box", "Status box", BuildStatusBoxPage},
+    {"film", "Film frames", BuildFilmPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

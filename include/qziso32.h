@@ -1236,6 +1236,52 @@ QZAPI BOOL WINAPI StatusResume(HWND dialog);
  *  @return the result of SetDlgItemTextA. */
 QZAPI BOOL WINAPI StatusSetText(HWND dialog, const char *text);
 
+/* ------------------------------------------------------------------ */
+/* Drawing: the film player. A film is one bitmap, a sheet of equal    */
+/* cells in columns and rows (numbered left to right, then top to      */
+/* bottom), played at a place on a device context over what lay there, */
+/* which is put back at the end. One film plays at a time.             */
+/* ------------------------------------------------------------------ */
+#define FILM_COPY      0  /* the cell is copied as it is */
+#define FILM_MASKHALF  1  /* the cell's left half is the picture, its right half the mask */
+#define FILM_KEYCOLOUR 2  /* the mask is made from the transparent colour */
+/** Plays `frameCount` frames of the sheet `bitmapId` of `module` at (x, y)
+ *  on `dc` (its centre with `centred`), cells in order or the cells of
+ *  `sequence`, at least `minInterval` ms apart. With `runToEnd` the film
+ *  plays through and the screen is as before; without it the first frame
+ *  stays and the film's objects are released, so the next NextFrame ends
+ *  the film. An id with 1 in its high word names a sheet kept once loaded.
+ *  @return 1, or 0. Records RV_Failure during another film, RV_BadParms for
+ *  no columns or rows, no frames or a sequence cell off the sheet, and
+ *  RV_GDIError when a drawing step fails. */
+QZAPI BOOL WINAPI PlayFilm(HDC dc, LONG x, LONG y, HMODULE module, DWORD bitmapId, LONG columns,
+                           LONG rows, LONG maskMode, DWORD frameCount, DWORD minInterval,
+                           COLORREF transparent, DWORD centred, const LONG *sequence,
+                           LONG runToEnd);
+/** Shows the next frame once the least interval has passed; the last frame
+ *  ends the film.
+ *  @return 1, or 0 when the frame failed or no film plays, which records
+ *  RV_Failure and ends the film. */
+QZAPI BOOL WINAPI NextFrame(void);
+/** Puts the background back and releases the film.
+ *  @return 1. */
+QZAPI BOOL WINAPI EndFilm(void);
+/** Whether a film plays.
+ *  @return 1 while a film plays, else 0. */
+QZAPI LONG WINAPI IsFilmPlaying(void);
+/** Cuts cell `frame` out of a sheet: the bitmap `bitmap` of `module`, or
+ *  with a null module the HBITMAP `bitmap` itself. The copy is the cell's
+ *  width / (halves + 1) wide, from the cell's left plus half its width
+ *  times `half`, into a new bitmap of the cell's size.
+ *  @return the new bitmap, owned by the caller, or null. Records RV_BadParms
+ *  for no columns or rows and RV_GDIError when a step fails. */
+QZAPI HBITMAP WINAPI GetFrame(HDC dc, HMODULE module, DWORD_PTR bitmap, LONG columns, LONG rows,
+                              DWORD halves, LONG frame, DWORD half);
+/** A one-bit mask of `image`, set where it has the colour `transparent`;
+ *  as UICreateMaskBitmap.
+ *  @return the new mask, owned by the caller, or null with RV_GDIError. */
+QZAPI HBITMAP WINAPI CreateMask(HDC dc, HBITMAP image, COLORREF transparent);
+
 #ifdef __cplusplus
 }
 #endif
