@@ -594,6 +594,21 @@ HWND BuildFilmPage(HWND host)
     return page;
 }
 
+// Two stopwatches: one stopped at 0:10:42, one past a day at 27:35:05,
+// whose digits show the hours of the day.
+HWND BuildStopWatchPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "StopWatch", 220, 110);
+    if (!page) return nullptr;
+    const DWORD readings[2][3] = {{0, 10, 42}, {27, 35, 5}};
+    for (int i = 0; i < 2; ++i) {
+        HWND watch = Child(page, "StopWatch", "", 0, 100 + i, 10 + i * 105, 10, 95, 90);
+        if (!watch) return nullptr;
+        SendMessageA(watch, SWM_SETELAPSED, 0, reinterpret_cast<LPARAM>(readings[i]));
+    }
+    return page;
+}
+
 // Gauges at several values: the default colours at 0, 35 and 100 percent,
 // a green bar on cream at 70, and a raised one at 55.
 HWND BuildGasGaugePage(HWND host)
@@ -664,6 +679,7 @@ const GalleryPage kGalleryPages[] = {
     {"gas_gauge", "GasGauge", BuildGasGaugePage},
     {"status_box", "Status box", BuildStatusBoxPage},
     {"film", "Film frames", BuildFilmPage},
+    {"stop_watch", "StopWatch", BuildStopWatchPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

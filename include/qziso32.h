@@ -1282,6 +1282,24 @@ QZAPI HBITMAP WINAPI GetFrame(HDC dc, HMODULE module, DWORD_PTR bitmap, LONG col
  *  @return the new mask, owned by the caller, or null with RV_GDIError. */
 QZAPI HBITMAP WINAPI CreateMask(HDC dc, HBITMAP image, COLORREF transparent);
 
+/* ------------------------------------------------------------------ */
+/* Time gadgets: StopWatch, a watch with three hands and its digits    */
+/* ------------------------------------------------------------------ */
+/** Starts the watch from zero, showing the press for a moment. Result 0. */
+#define SWM_START      0x400
+/** Stops the watch, showing the press; the reading stays. Result 0. */
+#define SWM_STOP       0x401
+/** Reads the elapsed time. lParam: three DWORDs out, the hours (days folded
+ *  in), minutes and seconds. Result 0; records RV_BadParms for a null
+ *  pointer. */
+#define SWM_GETELAPSED 0x402
+/** Sets the elapsed time from three DWORDs (lParam): hours, minutes,
+ *  seconds. Result 0; records RV_BadParms for a null pointer. */
+#define SWM_SETELAPSED 0x403
+/** Notification (WM_COMMAND, high word of wParam): the reading or the
+ *  running state changed, after every tick and every click. */
+#define SWN_CHANGED    1
+
 #ifdef __cplusplus
 }
 #endif

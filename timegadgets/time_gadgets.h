@@ -8,3 +8,4 @@ extern "C" LRESULT CALLBACK GadTSWndProc(HWND window, UINT message, WPARAM wPara
 LRESULT CALLBACK DateTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK TimeTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK GasGaugeWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK StopWatchWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

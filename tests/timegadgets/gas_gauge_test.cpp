@@ -115,7 +115,7 @@ TEST_F(GasGaugeTest, LongStepDispatchesWaitingMessages)
     EXPECT_TRUE(PeekMessageA(&msg, parent.Window(), WM_USER + 7, WM_USER + 7, PM_NOREMOVE));
     Value(60);
     EXPECT_FALSE(PeekMessageA(&msg, parent.Window(), WM_USER + 7, WM_USER + 7, PM_NOREMOVE));
-    static const Message pumped[] = {{WM_USER + 7, sent | wparam, 1}, {0}};
+    static const Message pumped[] = {{WM_USER + 7, sent | wparam, 1, 0}, {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, pumped, "the posted message, dispatched inside the step");
 }
 
