@@ -36,12 +36,6 @@ BOOL WINAPI WatchingBitBlt(HDC dst, int x, int y, int w, int h, HDC src, int sx,
     return done;
 }
 
-COLORREF Pixel(const std::vector<DWORD> &frame, int x, int y)
-{
-    DWORD p = frame[y * SW + x];
-    return RGB((p >> 16) & 0xFF, (p >> 8) & 0xFF, p & 0xFF);
-}
-
 class FilmPlayer : public ErrorStateTest {
 protected:
     Surface s{SW, SH};
@@ -61,12 +55,7 @@ protected:
         GdiFlush();
         original.assign(s.bits, s.bits + SW * SH);
     }
-    void TearDown() override
-    {
-        EndFilm();
-        g_watched = nullptr;
-        ErrorStateTest::TearDown();
-    }
+    void TearDown() override { EndFilm(), g_watched = nullptr, ErrorStateTest::TearDown(); }
     // Checks one frame: cell `cell` drawn at (x, y) in `mode`, the backdrop
     // elsewhere. Mode 1 draws the whole cell's width; only the picture half
     // is looked at.
@@ -84,7 +73,8 @@ protected:
                     want = kColours[cell];
                 else if (inside && mode == FILM_COPY)
                     want = kKey;
-                wrong += Pixel(frame, px, py) != want;
+                DWORD p = frame[py * SW + px];
+                wrong += RGB((p >> 16) & 0xFF, (p >> 8) & 0xFF, p & 0xFF) != want;
             }
         EXPECT_EQ(0, wrong) << "mode " << mode << ", cell " << cell;
     }
@@ -158,9 +148,9 @@ TEST_F(FilmPlayer, BadFilmsAreRefusedAndDrawNothing)
     for (const Row &row : rows) {
         OSErrorClearError();
         g_frames.clear();
-        SCOPED_TRACE(row.id);
-        EXPECT_EQ(row.code == RV_Success, bool(Play(row.id, row.columns, row.rows, FILM_COPY, row.count,
-                                                    row.sequence, 1)));
+        BOOL played = Play(row.id, row.columns, row.rows, FILM_COPY, row.count, row.sequence, 1);
+        SCOPED_TRACE(&row - rows);
+        EXPECT_EQ(row.code == RV_Success, bool(played));
         EXPECT_EQ(row.code, OSErrorGetErrorValue());
         EXPECT_EQ(0, IsFilmPlaying());
         EXPECT_EQ(row.code == RV_Success ? row.count + 1 : 0, g_frames.size());
@@ -180,10 +170,8 @@ TEST_F(FilmPlayer, ThousandPlaysLeaveNoObjects)
         if (IsFilmPlaying() && i % 2)
             NextFrame();
         EndFilm();
-        if (i % 50 == 0) {
-            Play(kCells, 0, 2, FILM_COPY, 1, nullptr, 1);
+        if (i % 50 == 0)
             DeleteObject(GetFrame(s.dc, ResourceGetHandle(), kMasked, 4, 2, 1, i % 8, 1));
-        }
     }
     EXPECT_EQ(before, GdiObjectsInUse());
 }

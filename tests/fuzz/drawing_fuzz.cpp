@@ -243,26 +243,21 @@ void ReleaseMetafile(HGLOBAL metafile)
 void FuzzFilms(unsigned long count)
 {
     HDC dc = CreateCompatibleDC(nullptr);
-    HBITMAP target = CreateBitmap(64, 48, 1, 32, nullptr);
-    HGDIOBJ old = SelectObject(dc, target);
+    HGDIOBJ old = SelectObject(dc, CreateBitmap(64, 48, 1, 32, nullptr));
     for (unsigned long i = 0; i < count; ++i) {
         LONG sequence[12];
         for (LONG &cell : sequence)
             cell = static_cast<LONG>(Pick(14)) - 3;
-        OSErrorClearError();
-        PlayFilm(dc, static_cast<LONG>(Pick(80)) - 8, static_cast<LONG>(Pick(60)) - 8,
-                 ResourceGetHandle(), Pick(4) ? 9200 + Pick(2) : Pick(3) << 16 | 9200,
-                 static_cast<LONG>(Pick(12)) - 2, static_cast<LONG>(Pick(12)) - 2, Pick(4), Pick(13),
-                 0, 0xFF00FF, Pick(2), Pick(2) ? sequence : nullptr, Pick(4) != 0);
+        PlayFilm(dc, LONG(Pick(80)) - 8, LONG(Pick(60)) - 8, ResourceGetHandle(),
+                 Pick(4) ? 9200 + Pick(2) : Pick(3) << 16 | 9200, LONG(Pick(12)) - 2, LONG(Pick(12)) - 2,
+                 Pick(4), Pick(13), 0, 0xFF00FF, Pick(2), Pick(2) ? sequence : nullptr, Pick(4) != 0);
         if (Pick(2))
             NextFrame();
-        EndFilm();
-        if (IsFilmPlaying())
+        if (EndFilm() && IsFilmPlaying())
             Fail("EndFilm", i);
     }
     OSErrorClearError();
-    SelectObject(dc, old);
-    DeleteObject(target);
+    DeleteObject(SelectObject(dc, old));
     DeleteDC(dc);
 }
 

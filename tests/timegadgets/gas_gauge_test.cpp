@@ -26,12 +26,7 @@ protected:
         ASSERT_TRUE(g != nullptr);
         SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
     }
-    void TearDown() override
-    {
-        DestroyWindow(g);
-        DeleteObject(font);
-        GadgetTest::TearDown();
-    }
+    void TearDown() override { DestroyWindow(g), DeleteObject(font), GadgetTest::TearDown(); }
     void Range(LONG minimum, LONG maximum, LONG shown = 0)
     {
         LONG range[3] = {minimum, maximum, shown};
@@ -69,7 +64,8 @@ TEST_F(GasGaugeTest, BarEdgeAndTextLayersAtZeroMiddleAndFull)
     }
 }
 
-// Raised: a light grey frame, then grey top left and white bottom right.
+// Raised, after a resize: a light grey frame, then grey top left and white
+// bottom right.
 TEST_F(GasGaugeTest, RaisedBorderAfterResize)
 {
     SendMessageA(g, GGM_SETRAISED, 1, 0);
@@ -104,7 +100,8 @@ TEST_F(GasGaugeTest, PercentFormulaAtItsLimits)
     EXPECT_EQ(MulDiv(W, 40, 100), Edge());
 }
 
-// A long step empties the queue before its frames; a one-percent step does not.
+// A long step empties the queue before its frames; a one-percent step does
+// not; a gauge destroyed by a message it dispatches stops at once.
 TEST_F(GasGaugeTest, LongStepDispatchesWaitingMessages)
 {
     Value(10);
@@ -117,31 +114,20 @@ TEST_F(GasGaugeTest, LongStepDispatchesWaitingMessages)
     EXPECT_FALSE(PeekMessageA(&msg, parent.Window(), WM_USER + 7, WM_USER + 7, PM_NOREMOVE));
     static const Message pumped[] = {{WM_USER + 7, sent | wparam, 1, 0}, {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, pumped, "the posted message, dispatched inside the step");
-}
-
-TEST_F(GasGaugeTest, DestroyedInsideItsOwnPumpStopsAtOnce)
-{
     HWND gauge = g;
-    parent.Answer([gauge](HWND, UINT message, WPARAM, LPARAM, bool *handled) {
-        if (message != WM_USER + 8) return LRESULT(0);
-        DestroyWindow(gauge);
-        *handled = true;
-        return LRESULT(0);
-    });
+    parent.Answer([gauge](HWND, UINT m, WPARAM, LPARAM, bool *) { return LRESULT(m == WM_USER + 8 && DestroyWindow(gauge)); });
     PostMessageA(parent.Window(), WM_USER + 8, 0, 0);
-    Value(100);
+    Value(0);
     EXPECT_FALSE(IsWindow(gauge));
 }
 
 TEST_F(GasGaugeTest, MonkeyLeavesNoObjectsBehind)
 {
     DestroyWindow(g);
-    g = nullptr;
     long before = GdiObjectsInUse();
     std::mt19937 random(27);
-    const int steps = MonkeySteps(3000, 300);
-    HWND gauge = parent.CreateChild("GasGauge", ID, 0, 0, 0, W, H);
-    for (int i = 0; i < steps && gauge; ++i) {
+    HWND gauge = g = parent.CreateChild("GasGauge", ID, 0, 0, 0, W, H);
+    for (int i = 0; i < MonkeySteps(3000, 300); ++i) {
         LONG n = static_cast<LONG>(random()) - 0x40000000;
         switch (random() % 9) {
         case 0: { LONG range[3] = {LONG(random() % 50) - 10, LONG(random() % 300), n % 200};
@@ -159,7 +145,6 @@ TEST_F(GasGaugeTest, MonkeyLeavesNoObjectsBehind)
         }
     }
     DestroyWindow(gauge);
-    PumpMessages();
     EXPECT_EQ(before, GdiObjectsInUse());
 }
 
