@@ -35,6 +35,7 @@ const COLORREF kShadow = 0x808080;
 const COLORREF kLight = 0xFFFFFF;
 const COLORREF kFace = 0xC0C0C0;
 const int kTextSize = 5;  // "100%" and its terminator
+const int kMostPerFrame = 1000;
 
 GasGaugeRecord *Record(HWND window) { return GadgetRecord<GasGaugeRecord>(window); }
 
@@ -265,7 +266,9 @@ void OnSetValue(HWND window, GasGaugeRecord *r, LONG value)
             if ((direction > 0 && p > 100) || (direction < 0 && p < 0))
                 p = target;
             MSG msg;
-            while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            // A window that never validates its paint would refill the
+            // queue for ever: a frame dispatches a bounded number.
+            for (int n = 0; n < kMostPerFrame && PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE); ++n) {
                 if (msg.message == WM_QUIT) {
                     PostQuitMessage(static_cast<int>(msg.wParam));
                     break;

@@ -12,6 +12,11 @@ const int W = 200, H = 40;
 const COLORREF kBar = 0xFF0000, kBack = 0xFFFFFF, kShadow = 0x808080;
 const COLORREF kBlack = 0x000000, kWhite = 0xFFFFFF;
 
+LRESULT CALLBACK NeverValidated(HWND w, UINT m, WPARAM wp, LPARAM lp)
+{
+    return m == WM_PAINT ? 0 : DefWindowProcA(w, m, wp, lp);
+}
+
 class GasGaugeTest : public GadgetTest {
 protected:
     RecordingParent parent;
@@ -119,6 +124,20 @@ TEST_F(GasGaugeTest, LongStepDispatchesWaitingMessages)
     PostMessageA(parent.Window(), WM_USER + 8, 0, 0);
     Value(0);
     EXPECT_FALSE(IsWindow(gauge));
+}
+
+// A window whose paint is never validated is sent WM_PAINT without end; the
+// step still finishes.
+TEST_F(GasGaugeTest, LongStepEndsBesideAWindowThatNeverPaints)
+{
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = NeverValidated;
+    wc.lpszClassName = "QzNeverValidated";
+    RegisterClassA(&wc);
+    HWND w = CreateWindowA(wc.lpszClassName, "", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, 0, 0, 0, 0);
+    Value(2);
+    EXPECT_EQ(MulDiv(W, 2, 100), Edge());
+    DestroyWindow(w);
 }
 
 TEST_F(GasGaugeTest, MonkeyLeavesNoObjectsBehind)
