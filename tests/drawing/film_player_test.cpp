@@ -2,6 +2,7 @@
 // the target (the library's BitBlt is watched), in each mask mode, in order
 // and by sequence; the background restored byte for byte; the films that
 // are refused; and no GDI object left after a thousand plays.
+#include "failure_seam.h"
 #include "import_patch.h"
 #include "readback.h"
 #include "surface.h"
@@ -157,6 +158,34 @@ TEST_F(FilmPlayer, BadFilmsAreRefusedAndDrawNothing)
     }
     EXPECT_EQ(nullptr, GetFrame(s.dc, ResourceGetHandle(), kCells, 4, 2, 0xFFFFFFFF, 0, 0));
     EXPECT_EQ(nullptr, GetFrame(s.dc, ResourceGetHandle(), kCells, 0, 2, 0, 0, 0));
+}
+
+// Each GDI creation of a film failed in turn: the film is refused or ends
+// early, and either way the screen is as it was and nothing is left.
+TEST_F(FilmPlayer, EveryFailingCreationLeavesTheScreenAsItWas)
+{
+    static const LONG sequence[] = {5, 2, 7};
+    for (LONG mode : {FILM_KEYCOLOUR, FILM_MASKHALF}) {
+        DWORD id = mode == FILM_MASKHALF ? kMasked : kCells;
+        unsigned points;
+        {
+            FailureSeam count(FailureSeam::Gdi | FailureSeam::Memory, 0);
+            Play(id, 4, 2, mode, 3, sequence, 1);
+            points = count.Calls();
+        }
+        EXPECT_GT(points, 10u);
+        long before = GdiObjectsInUse();
+        for (unsigned n = 1; n <= points; ++n) {
+            {
+                FailureSeam seam(FailureSeam::Gdi | FailureSeam::Memory, n);
+                Play(id, 4, 2, mode, 3, sequence, 1);
+            }
+            EXPECT_EQ(0, IsFilmPlaying()) << n;
+            GdiFlush();
+            EXPECT_TRUE(std::equal(original.begin(), original.end(), s.bits)) << "point " << n;
+        }
+        EXPECT_EQ(before, GdiObjectsInUse());
+    }
 }
 
 TEST_F(FilmPlayer, ThousandPlaysLeaveNoObjects)
