@@ -103,7 +103,6 @@ TEST_F(StatusBoxTest, TwoBoxesStayApartAndUnknownHandlesAreRefused)
     StatusClose(first);
     EXPECT_TRUE(IsWindowEnabled(parent.Window()));
     EXPECT_FALSE(IsWindowEnabled(other.Window()));
-    EXPECT_EQ(1u, StatusCanceled(second));
     StatusClose(second);
     for (HWND stranger : {HWND(nullptr), parent.Window(), first}) {
         OSErrorClearError();
@@ -120,11 +119,9 @@ TEST_F(StatusBoxTest, ClosedFromInsideItsGaugesPump)
 {
     HWND box = StatusBox(parent.Window(), "", 0, 100, STATUS_CANCEL | STATUS_CLOSEATHIGH);
     HWND next = nullptr;
-    parent.Answer([&](HWND, UINT message, WPARAM, LPARAM, bool *handled) {
-        if (message != WM_USER + 9) return LRESULT(0);
-        *handled = true;
-        StatusClose(box);
-        next = StatusBox(nullptr, "", 0, 1000, STATUS_CANCEL | STATUS_CLOSEATHIGH | STATUS_HIDDEN);
+    parent.Answer([&](HWND, UINT message, WPARAM, LPARAM, bool *) {
+        if (message == WM_USER + 9 && StatusClose(box))
+            next = StatusBox(nullptr, "", 0, 1000, STATUS_CANCEL | STATUS_CLOSEATHIGH | STATUS_HIDDEN);
         return LRESULT(0);
     });
     PostMessageA(parent.Window(), WM_USER + 9, 0, 0);
@@ -150,7 +147,7 @@ TEST_F(StatusBoxTest, MonkeyLeavesNothingOpen)
         case 1: SendMessageA(box, WM_COMMAND, 1 + n % 2, 0); break;
         case 2: SendMessageA(box, WM_SYSCOMMAND, SC_CLOSE, 0); break;
         case 3: StatusResume(box); break;
-        case 4: SendMessageA(box, WM_KEYDOWN, n % 2 ? VK_ESCAPE : VK_RETURN, 0); break;
+        case 4: SendMessageA(box, WM_KEYDOWN + n % 3, n % 2 ? VK_ESCAPE : VK_RETURN, 0); break;
         case 5: SendMessageA(box, WM_SETFONT, n % 2 ? WPARAM(GetStockObject(SYSTEM_FONT)) : 0, 1); break;
         case 6: MoveWindow(box, 0, 0, n % 400, (n >> 4) % 200, TRUE); break;
         case 7: if (n % 5 == 0) StatusClose(box); break;
