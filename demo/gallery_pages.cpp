@@ -549,6 +549,105 @@ HWND BuildDialogTabsPage(HWND host)
     return dialog;
 }
 
+// A film's frames side by side over a striped ground: each cell of the
+// sheet played as the first frame of its own film, which stays; copied
+// whole, through the transparent colour, and through the mask halves.
+void PaintFilmStrip(HWND page, HDC dc)
+{
+    RECT client;
+    GetClientRect(page, &client);
+    for (int x = 0; x < client.right; x += 8) {
+        RECT stripe = {x, 0, x + 4, client.bottom};
+        FillRect(dc, &stripe, static_cast<HBRUSH>(GetStockObject(LTGRAY_BRUSH)));
+    }
+    // Two frames of one cell each: the second is never shown.
+    static const LONG cells[8][2] = {{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}, {6, 6}, {7, 7}};
+    const struct { DWORD sheet; LONG mode; int step; } rows[] = {
+        {9200, FILM_COPY, 24}, {9200, FILM_KEYCOLOUR, 24}, {9201, FILM_MASKHALF, 36},
+    };
+    for (int r = 0; r < 3; ++r)
+        for (int i = 0; i < 8; ++i) {
+            PlayFilm(dc, 10 + i * rows[r].step, 10 + r * 26, ResourceGetHandle(), rows[r].sheet, 4, 2,
+                     rows[r].mode, 2, 0, RGB(255, 0, 255), 0, cells[i], 0);
+            EndFilm();
+        }
+}
+
+HWND BuildFilmPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "Film frames", 300, 88);
+    if (page) SetWindowLongPtrA(page, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(PaintFilmStrip));
+    return page;
+}
+
+// Two stopwatches: one stopped at 0:10:42, one past a day at 27:35:05,
+// whose digits show the hours of the day.
+HWND BuildStopWatchPage(HWND host)
+{
+    HWND page = MakePageWindow(host, "StopWatch", 220, 110);
+    if (!page) return nullptr;
+    const DWORD readings[2][3] = {{0, 10, 42}, {27, 35, 5}};
+    for (int i = 0; i < 2; ++i) {
+        HWND watch = Child(page, "StopWatch", "", 0, 100 + i, 10 + i * 105, 10, 95, 90);
+        if (!watch) return nullptr;
+        SendMessageA(watch, SWM_SETELAPSED, 0, reinterpret_cast<LPARAM>(readings[i]));
+    }
+    return page;
+}
+
+// Gauges at several values: the default colours at 0, 35 and 100 percent,
+// a green bar on cream at 70, and a raised one at 55.
+HWND BuildGasGaugePage(HWND host)
+{
+    HWND page = MakePageWindow(host, "GasGauge", 260, 196);
+    if (!page) return nullptr;
+    const struct {
+        LONG value;
+        COLORREF bar, back;
+        bool raised;
+    } rows[] = {
+        {0, 0xFF0000, 0xFFFFFF, false},  {35, 0xFF0000, 0xFFFFFF, false},
+        {70, 0x00A000, 0xD0F0FF, false}, {100, 0xFF0000, 0xFFFFFF, false},
+        {55, 0x800000, 0xFFFFFF, true},
+    };
+    for (int i = 0; i < 5; ++i) {
+        HWND gauge = Child(page, "GasGauge", "", 0, 100 + i, 10, 10 + i * 36, 240, 24);
+        if (!gauge) return nullptr;
+        if (rows[i].raised) {
+            SendMessageA(gauge, GGM_SETRAISED, 1, 0);
+            SetWindowPos(gauge, nullptr, 0, 0, 240, 26, SWP_NOMOVE | SWP_NOZORDER);
+        }
+        SendMessageA(gauge, GGM_SETBARCOLOUR, 0, rows[i].bar);
+        SendMessageA(gauge, GGM_SETBACKCOLOUR, 0, rows[i].back);
+        SendMessageA(gauge, GGM_SETVALUE, 0, rows[i].value);
+    }
+    return page;
+}
+
+// A job that advances a status box on a timer and stops on Cancel.
+void CALLBACK StatusJobStep(HWND box, UINT, UINT_PTR, DWORD)
+{
+    static DWORD done = 6;
+    if (StatusCanceled(box) || done >= 10) {
+        StatusClose(box);
+        return;
+    }
+    char text[64];
+    wsprintfA(text, "Copying file %lu of 10", ++done);
+    StatusSetText(box, text);
+    StatusValue(box, done);
+}
+
+// A status box over a running job, six files of ten done.
+HWND BuildStatusBoxPage(HWND)
+{
+    HWND box = StatusBox(nullptr, "Copying file 6 of 10", 0, 10, STATUS_CANCEL);
+    if (!box) return nullptr;
+    StatusValue(box, 6);
+    SetTimer(box, 1, 700, StatusJobStep);
+    return box;
+}
+
 }  // namespace
 
 const GalleryPage kGalleryPages[] = {
@@ -563,6 +662,10 @@ const GalleryPage kGalleryPages[] = {
     {"time_setter", "TimeSetter", BuildTimeSetterPage},
     {"date_tracker", "DateTracker", BuildDateTrackerPage},
     {"tumbler", "Tumbler", BuildTumblerPage},
+    {"gas_gauge", "GasGauge", BuildGasGaugePage},
+    {"status_box", "Status box", BuildStatusBoxPage},
+    {"film", "Film frames", BuildFilmPage},
+    {"stop_watch", "StopWatch", BuildStopWatchPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

@@ -18,9 +18,11 @@ namespace {
 // one pointer-sized word of window extra and no class extra. A gadget joins
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
+    {"StopWatch", 0x6003, IDC_ARROW, GB_None, 0, StopWatchWndProc},
     {"DialogTab", 0x600B, IDC_ARROW, GB_None, 0, DialogTabWndProc},
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
+    {"GasGauge", 0x6003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, GasGaugeWndProc},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
     {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},

@@ -2237,6 +2237,141 @@ QZAPI LONG WINAPI Tab_GetTabFromPosition(HWND tabs, LONG position);
 QZAPI LONG WINAPI Tab_GetTabHeight(HWND tabs);
 
 /** @} */
+/* ------------------------------------------------------------------ */
+/* Time gadgets: GasGauge, a progress bar with its percentage          */
+/* ------------------------------------------------------------------ */
+/** @defgroup gas_gauge GasGauge gadget
+ *  @{ */
+/** Sets the range. lParam: three LONGs, the minimum, the maximum and the
+ *  percentage taken as shown. Nothing is repainted. Result 0; records
+ *  RV_BadParms for a null pointer. */
+#define GGM_SETRANGE      0x400
+/** Sets the value and animates the bar to value * 100 / (maximum - minimum)
+ *  percent, one frame per percent, dispatching waiting messages before
+ *  each frame of a step larger than 1. lParam: the value. Result 0; with a
+ *  maximum not above the minimum only the value is stored. */
+#define GGM_SETVALUE      0x401
+/** Sets the colour of the empty part (lParam: COLORREF) and its text
+ *  colour, and repaints. Result 0; records RV_GDIError if no brush is made. */
+#define GGM_SETBACKCOLOUR 0x402
+/** Sets the colour of the filled part; as GGM_SETBACKCOLOUR. */
+#define GGM_SETBARCOLOUR  0x403
+/** Kept for hosts that send it. Result always 0. */
+#define GGM_GETBACKCOLOUR 0x404
+/** Kept for hosts that send it. Result always 0. */
+#define GGM_GETBARCOLOUR  0x405
+/** Gives the bar a three-dimensional border (wParam: flag), taking effect
+ *  at the next resize, and sets both colours to light grey while the
+ *  brushes stay. Result 0. */
+#define GGM_SETRAISED     0x406
+
+/* ------------------------------------------------------------------ */
+/* Feedback: status boxes, a text and a GasGauge over a disabled       */
+/* parent for a job that polls for Cancel between its steps            */
+/* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup status_box Status boxes
+ *  @{ */
+#define STATUS_SIMPLE      0x0000  /* template "SIMPLESTATUS": no button */
+#define STATUS_CANCEL      0x0001  /* template "CANCELSTATUS": a Cancel button */
+#define STATUS_HIDDEN      0x4000  /* the box is left hidden */
+#define STATUS_CLOSEATHIGH 0x8000  /* the box closes itself when the value reaches `high` */
+/** Opens a status box over `parent` (which is disabled) showing `text`,
+ *  which is not copied, and a gauge from `low` to `high`.
+ *  @return the box's dialog, or null. Records RV_Failure for a low byte of
+ *  `flags` other than 0 and 1, RV_UserError when the dialog cannot be made
+ *  and RV_OutOfLocalMemory when its record cannot. */
+QZAPI HWND WINAPI StatusBox(HWND parent, const char *text, DWORD low, DWORD high, LONG flags);
+/** Enables the box's parent again and destroys the box.
+ *  @return the result of DestroyWindow, or 0 when `dialog` is no window. */
+QZAPI BOOL WINAPI StatusClose(HWND dialog);
+/** Moves the gauge to `value`; the gauge dispatches waiting messages.
+ *  @return the gauge's answer; with STATUS_CLOSEATHIGH, `high` while the
+ *  value is below it, else the result of closing the box. 0 with
+ *  RV_BadParms recorded for a dialog that is no open status box. */
+QZAPI LRESULT WINAPI StatusValue(HWND dialog, DWORD value);
+/** Whether the user pressed Cancel (or closed the box by its system menu).
+ *  @return 1 after a cancel, else 0. 0 with RV_BadParms recorded for a
+ *  dialog that is no open status box. */
+QZAPI DWORD WINAPI StatusCanceled(HWND dialog);
+/** Clears the cancel, so that the job can go on.
+ *  @return 1 if `dialog` is an open status box, else 0. */
+QZAPI BOOL WINAPI StatusResume(HWND dialog);
+/** Replaces the box's text.
+ *  @return the result of SetDlgItemTextA. */
+QZAPI BOOL WINAPI StatusSetText(HWND dialog, const char *text);
+
+/* ------------------------------------------------------------------ */
+/* Drawing: the film player. A film is one bitmap, a sheet of equal    */
+/* cells in columns and rows (numbered left to right, then top to      */
+/* bottom), played at a place on a device context over what lay there, */
+/* which is put back at the end. One film plays at a time.             */
+/* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup film_player Film player
+ *  @{ */
+#define FILM_COPY      0  /* the cell is copied as it is */
+#define FILM_MASKHALF  1  /* the cell's left half is the picture, its right half the mask */
+#define FILM_KEYCOLOUR 2  /* the mask is made from the transparent colour */
+/** Plays `frameCount` frames of the sheet `bitmapId` of `module` at (x, y)
+ *  on `dc` (its centre with `centred`), cells in order or the cells of
+ *  `sequence`, at least `minInterval` ms apart. With `runToEnd` the film
+ *  plays through and the screen is as before; without it the first frame
+ *  stays and the film's objects are released, so the next NextFrame ends
+ *  the film. An id with 1 in its high word names a sheet kept once loaded.
+ *  @return 1, or 0. Records RV_Failure during another film, RV_BadParms for
+ *  no columns or rows, no frames or a sequence cell off the sheet, and
+ *  RV_GDIError when a drawing step fails. */
+QZAPI BOOL WINAPI PlayFilm(HDC dc, LONG x, LONG y, HMODULE module, DWORD bitmapId, LONG columns,
+                           LONG rows, LONG maskMode, DWORD frameCount, DWORD minInterval,
+                           COLORREF transparent, DWORD centred, const LONG *sequence,
+                           LONG runToEnd);
+/** Shows the next frame once the least interval has passed; the last frame
+ *  ends the film.
+ *  @return 1, or 0 when the frame failed or no film plays, which records
+ *  RV_Failure and ends the film. */
+QZAPI BOOL WINAPI NextFrame(void);
+/** Puts the background back and releases the film.
+ *  @return 1. */
+QZAPI BOOL WINAPI EndFilm(void);
+/** Whether a film plays.
+ *  @return 1 while a film plays, else 0. */
+QZAPI LONG WINAPI IsFilmPlaying(void);
+/** Cuts cell `frame` out of a sheet: the bitmap `bitmap` of `module`, or
+ *  with a null module the HBITMAP `bitmap` itself. The copy is the cell's
+ *  width / (halves + 1) wide, from the cell's left plus half its width
+ *  times `half`, into a new bitmap of the cell's size.
+ *  @return the new bitmap, owned by the caller, or null. Records RV_BadParms
+ *  for no columns or rows and RV_GDIError when a step fails. */
+QZAPI HBITMAP WINAPI GetFrame(HDC dc, HMODULE module, DWORD_PTR bitmap, LONG columns, LONG rows,
+                              DWORD halves, LONG frame, DWORD half);
+/** A one-bit mask of `image`, set where it has the colour `transparent`;
+ *  as UICreateMaskBitmap.
+ *  @return the new mask, owned by the caller, or null with RV_GDIError. */
+QZAPI HBITMAP WINAPI CreateMask(HDC dc, HBITMAP image, COLORREF transparent);
+
+/* ------------------------------------------------------------------ */
+/* Time gadgets: StopWatch, a watch with three hands and its digits    */
+/* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup stop_watch StopWatch gadget
+ *  @{ */
+/** Starts the watch from zero, showing the press for a moment. Result 0. */
+#define SWM_START      0x400
+/** Stops the watch, showing the press; the reading stays. Result 0. */
+#define SWM_STOP       0x401
+/** Reads the elapsed time. lParam: three DWORDs out, the hours (days folded
+ *  in), minutes and seconds. Result 0; records RV_BadParms for a null
+ *  pointer. */
+#define SWM_GETELAPSED 0x402
+/** Sets the elapsed time from three DWORDs (lParam): hours, minutes,
+ *  seconds. Result 0; records RV_BadParms for a null pointer. */
+#define SWM_SETELAPSED 0x403
+/** Notification (WM_COMMAND, high word of wParam): the reading or the
+ *  running state changed, after every tick and every click. */
+#define SWN_CHANGED    1
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -7,3 +7,5 @@ LRESULT CALLBACK TumblerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM
 extern "C" LRESULT CALLBACK GadTSWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK DateTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK TimeTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK GasGaugeWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK StopWatchWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

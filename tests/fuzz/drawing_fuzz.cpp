@@ -260,6 +260,30 @@ void ReleaseMetafile(HGLOBAL metafile)
 
 }  // namespace
 
+// Films with random layouts, frame counts, sequences and modes played from
+// the resource library's film sheets on a memory context: refused or played,
+// each must end with no film running.
+void FuzzFilms(unsigned long count)
+{
+    HDC dc = CreateCompatibleDC(nullptr);
+    HGDIOBJ old = SelectObject(dc, CreateBitmap(64, 48, 1, 32, nullptr));
+    for (unsigned long i = 0; i < count; ++i) {
+        LONG sequence[12];
+        for (LONG &cell : sequence)
+            cell = static_cast<LONG>(Pick(14)) - 3;
+        PlayFilm(dc, LONG(Pick(80)) - 8, LONG(Pick(60)) - 8, ResourceGetHandle(),
+                 Pick(4) ? 9200 + Pick(2) : Pick(3) << 16 | 9200, LONG(Pick(12)) - 2, LONG(Pick(12)) - 2,
+                 Pick(4), Pick(13), 0, 0xFF00FF, Pick(2), Pick(2) ? sequence : nullptr, Pick(4) != 0);
+        if (Pick(2))
+            NextFrame();
+        if (EndFilm() && IsFilmPlaying())
+            Fail("EndFilm", i);
+    }
+    OSErrorClearError();
+    DeleteObject(SelectObject(dc, old));
+    DeleteDC(dc);
+}
+
 int main(int argc, char **argv)
 {
 #if defined(_WIN64)
@@ -319,6 +343,7 @@ int main(int argc, char **argv)
         }
     }
     DeleteFileA(path.c_str());
+    FuzzFilms(inputs / 20);
     std::printf("%zu corpus files and %lu mutants, seed %lu: %ld loaded, %ld refused, %ld failures\n",
                 corpus.size(), inputs, seed, g_loaded, g_refused, g_failures);
     return g_failures ? 1 : 0;
