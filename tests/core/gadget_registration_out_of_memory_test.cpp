@@ -30,15 +30,12 @@ int ThreadWindows()
     return count;
 }
 
-// One of each gadget in a parent, destroyed with it. The two hour scales
-// wait for their own fix: refused a memory context at creation, they keep
-// their mask bitmap.
+// One of each gadget in a parent, destroyed with it.
 void MakeEveryGadget()
 {
     HWND parent = CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr, nullptr, nullptr, nullptr);
     for (const char *name : kClasses)
-        if (lstrcmpA(name, "TimeTracker") && lstrcmpA(name, "TimeSetter"))
-            CreateWindowA(name, "", WS_CHILD | WS_VISIBLE, 0, 0, 200, 150, parent, nullptr, nullptr, nullptr);
+        CreateWindowA(name, "", WS_CHILD | WS_VISIBLE, 0, 0, 200, 150, parent, nullptr, nullptr, nullptr);
     DestroyWindow(parent);
 }
 
