@@ -82,7 +82,8 @@ namespace {
 // The end label as the gadget shows it, against the same label drawn by the
 // platform's DrawText (centred both ways, one line) on a copy of what is
 // shown: the label's edges are found in the pixels (white top and left,
-// black right and bottom), its face filled grey again, and the text drawn.
+// black right and bottom, the grey face from one pixel in), its face filled
+// grey again, and the text drawn.
 TEST_F(TimeTrackerDragPaint, LabelTextStandsWhereDrawTextPutsIt)
 {
     RecordingParent parent(320, 420);
@@ -106,7 +107,7 @@ TEST_F(TimeTrackerDragPaint, LabelTextStandsWhereDrawTextPutsIt)
         while (top > 0 && shown.At(left + 2, top) != 0xFFFFFF) --top;
         while (bottom < client.bottom && shown.At(left + 2, bottom) != 0) ++bottom;
         LONG right = left + 1;
-        while (right < client.right && shown.At(right, top + 1) == 0) ++right;
+        while (right < client.right && shown.At(right, bottom) == 0) ++right;
         --right;
         ASSERT_GT(right - left, 10);
         // The platform's label on a copy of the window's pixels.
@@ -116,7 +117,7 @@ TEST_F(TimeTrackerDragPaint, LabelTextStandsWhereDrawTextPutsIt)
         HGDIOBJ oldBitmap = SelectObject(dc, bitmap);
         BitBlt(dc, 0, 0, client.right, client.bottom, screen, 0, 0, SRCCOPY);
         ReleaseDC(g, screen);
-        RECT face = {left + 2, top + 2, right, bottom};
+        RECT face = {left + 1, top + 1, right, bottom};
         HBRUSH grey = CreateSolidBrush(0xC0C0C0);
         FillRect(dc, &face, grey);
         DeleteObject(grey);
