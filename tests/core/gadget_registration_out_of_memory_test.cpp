@@ -21,12 +21,16 @@ int RegisteredClasses()
     return count;
 }
 
+BOOL CALLBACK CountWindow(HWND, LPARAM counter)
+{
+    ++*reinterpret_cast<int *>(counter);
+    return TRUE;
+}
+
 int ThreadWindows()
 {
     int count = 0;
-    EnumThreadWindows(
-        GetCurrentThreadId(), [](HWND, LPARAM counter) { return ++*reinterpret_cast<int *>(counter), TRUE; },
-        reinterpret_cast<LPARAM>(&count));
+    EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
     return count;
 }
 
