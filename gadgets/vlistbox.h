@@ -1,0 +1,109 @@
+// The QzVListBox's record and what its units share: the cache and its
+// lookups, painting and scrolling, input and the window procedure
+// (vlistbox_*.cpp; the exports are in vlistbox.cpp).
+#pragma once
+#include "gadget_frame.h"
+#include "vlist_shared.h"
+#include "qziso32.h"
+
+namespace vlb {
+
+const DWORD kUnknown = 0xFFFFFFFFu;
+const DWORD kMaxCache = 4096;
+const UINT_PTR kAutoScrollTimer = 29;
+const WORD kCodeSetFocus = 0x0B, kCodeKillFocus = 0x0C, kCodeSelChange = 0x11,
+           kCodeMouseUp = 0x12;
+
+struct CacheEntry {
+    DWORD valid;
+    DWORD index;
+    char *text;  // owned local copy, or the caller's text in the scratch entry
+    LPARAM itemData;
+};
+
+struct VListRecord {
+    CacheEntry *cacheEntries;
+    HFONT font;
+    DWORD cacheFirst;
+    DWORD cacheSize;
+    int itemHeight;
+    DWORD caretIndex;
+    VListSelection selection;
+    DWORD currentSelection;
+    DWORD totalItems;
+    bool mouseCaptured;
+    HDC memoryDC;
+    HBITMAP savedBitmap;
+    DWORD highWater;
+    VLISTBOXPROC callback;
+    LPARAM callbackData;
+    DWORD topIndex;
+    DWORD visibleCount;
+    CacheEntry *scratchEntry;
+    bool inScrollRange;
+    DWORD loadBatch;
+    bool autoScrollRunning;
+    DWORD anchorIndex;
+    bool inResize;
+    bool inTextSync;
+    bool focused;
+    int clientWidth;
+};
+
+inline VListRecord *Rec(HWND w) { return w ? GadgetRecord<VListRecord>(w) : nullptr; }
+inline bool HasStyle(HWND w, DWORD mask) { return (GetWindowLongA(w, GWL_STYLE) & mask) == mask; }
+inline bool Extended(HWND w) { return HasStyle(w, VLS_EXTENDEDSEL); }
+inline bool Multiple(HWND w) { return HasStyle(w, VLS_MULTIPLESEL); }
+inline bool Single(HWND w) { return !Extended(w) && !Multiple(w); }
+inline DWORD Count(const VListRecord *r) { return r->totalItems != kUnknown ? r->totalItems : r->highWater; }
+
+// ---------------------------------------------------------------- cache and lookups
+void Notify(HWND w, VListRecord *r, UINT code, void *request);
+void ReportError(HWND w);
+bool Valid(const VListRecord *r, DWORD pos);
+CacheEntry *Cached(VListRecord *r, DWORD index);
+bool IsSelected(HWND w, const VListRecord *r, DWORD index);
+void ReleaseEntry(HWND w, VListRecord *r, DWORD pos);
+void DropCache(HWND w, VListRecord *r);
+DWORD WindowStart(const VListRecord *r, DWORD size);
+void PlaceCache(HWND w, VListRecord *r);
+void Load(HWND w, VListRecord *r, DWORD first, DWORD last);
+void Refill(HWND w, VListRecord *r);
+BOOL Add(HWND w, DWORD index, const char *text, LPARAM data, bool isString);
+bool LookUp(HWND w, DWORD index, CacheEntry *answer);
+// ---------------------------------------------------------------- painting, scrolling, selection and row fit
+RECT RowRect(const VListRecord *r, DWORD row);
+RECT RowsRect(const VListRecord *r);
+void PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row);
+void PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all);
+void RepaintAll(HWND w, VListRecord *r);
+void RepaintItem(HWND w, VListRecord *r, DWORD index);
+void MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index);
+void UpdateThumb(HWND w, VListRecord *r);
+DWORD ClampTop(const VListRecord *r, DWORD top);
+void ScrollTo(HWND w, VListRecord *r, DWORD top, int step);
+void SyncText(HWND w, VListRecord *r);
+void SelChanged(HWND w, VListRecord *r);
+void Toggle(HWND w, VListRecord *r, DWORD index);
+void SelectRun(HWND w, VListRecord *r);
+void RangeWalk(HWND w, VListRecord *r, DWORD p, DWORD q);
+void FitRows(HWND w, VListRecord *r);
+void FreeMemoryDC(VListRecord *r);
+void RebuildMemoryDC(HWND w, VListRecord *r);
+// ---------------------------------------------------------------- input
+void FollowCaret(HWND w, VListRecord *r, int step);
+void OnKeyDown(HWND w, VListRecord *r, WPARAM key);
+DWORD IndexAt(const VListRecord *r, int y);
+void OnLButtonDown(HWND w, VListRecord *r, WPARAM keys, int y);
+void OnMouseMove(HWND w, VListRecord *r, int y);
+void OnLButtonUp(HWND w, VListRecord *r);
+void OnSetText(HWND w, VListRecord *r, const char *text);
+// ---------------------------------------------------------------- window procedure
+LRESULT OnCreate(HWND w);
+void OnDestroy(HWND w, VListRecord *r);
+void OnSize(HWND w, VListRecord *r);
+void OnPaint(HWND w, VListRecord *r);
+void OnFocus(HWND w, VListRecord *r, bool gained, HWND other);
+LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam);
+
+}  // namespace vlb

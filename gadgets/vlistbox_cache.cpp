@@ -1,0 +1,234 @@
+// QzVListBox: the sliding window of entries, the loads that fill it, the
+// adds the host makes from its callback and the one-item lookups.
+#include "vlistbox.h"
+#include <string.h>
+
+namespace vlb {
+
+void Notify(HWND w, VListRecord *r, UINT code, void *request)
+{
+    if (r->callback)
+        r->callback(w, code, request, r->callbackData);
+}
+
+void ReportError(HWND w)
+{
+    VListRecord *r = Rec(w);
+    if (r)
+        Notify(w, r, VLN_ERROR, nullptr);
+}
+
+bool Valid(const VListRecord *r, DWORD pos)
+{
+    return r->cacheEntries && pos < r->cacheSize && r->cacheEntries[pos].valid;
+}
+
+// The cached entry of `index`, or null.
+CacheEntry *Cached(VListRecord *r, DWORD index)
+{
+    if (index < r->cacheFirst || index - r->cacheFirst >= r->cacheSize || !r->cacheEntries)
+        return nullptr;
+    CacheEntry *e = &r->cacheEntries[index - r->cacheFirst];
+    return e->valid ? e : nullptr;
+}
+
+bool IsSelected(HWND w, const VListRecord *r, DWORD index)
+{
+    if (Single(w))
+        return index == r->currentSelection;
+    return VListSelContains(r->selection, index);
+}
+
+void ReleaseEntry(HWND w, VListRecord *r, DWORD pos)
+{
+    CacheEntry e = r->cacheEntries[pos];
+    if (!e.valid)
+        return;
+    memset(&r->cacheEntries[pos], 0, sizeof(CacheEntry));
+    VLRELEASEREQUEST request = {r->cacheFirst + pos, e.itemData, e.text};
+    Notify(w, r, VLN_RELEASE, &request);
+    if (e.text)
+        LocalFree(e.text);
+}
+
+// Releases every entry, frees the cache and the selection; a scratch entry
+// left here belongs to the lookup that is running and is freed by it.
+void DropCache(HWND w, VListRecord *r)
+{
+    if (r->cacheEntries) {
+        for (DWORD p = 0; p < r->cacheSize && r->cacheEntries; ++p)
+            ReleaseEntry(w, r, p);
+        if (r->cacheEntries)
+            LocalFree(r->cacheEntries);
+        r->cacheEntries = nullptr;
+    }
+    VListSelClear(r->selection);
+    r->scratchEntry = nullptr;
+}
+
+// The first index of a window of `size` that centres the view.
+DWORD WindowStart(const VListRecord *r, DWORD size)
+{
+    DWORD h = r->visibleCount / 2, g = size / 2;
+    unsigned long long first =
+        static_cast<unsigned long long>(r->topIndex) + h < g ? 0 : r->topIndex - g + h;
+    if (r->totalItems != kUnknown && static_cast<unsigned long long>(size) + first > r->totalItems)
+        first = r->totalItems > size ? r->totalItems - size : 0;
+    return static_cast<DWORD>(first);
+}
+
+void PlaceCache(HWND w, VListRecord *r)
+{
+    unsigned long long first = r->cacheFirst, size = r->cacheSize;
+    if (first <= r->topIndex && first + size >= static_cast<unsigned long long>(r->topIndex) +
+                                                       r->visibleCount)
+        return;
+    DWORD newFirst = WindowStart(r, r->cacheSize);
+    if (r->cacheEntries) {
+        for (DWORD p = 0; p < r->cacheSize && r->cacheEntries; ++p) {
+            unsigned long long index = first + p;
+            if (index < newFirst || index >= static_cast<unsigned long long>(newFirst) + size)
+                ReleaseEntry(w, r, p);
+        }
+    }
+    if (r->cacheEntries)
+        VListShiftEntries(r->cacheEntries, r->cacheSize, sizeof(CacheEntry),
+                          static_cast<long long>(newFirst) - static_cast<long long>(first));
+    r->cacheFirst = newFirst;
+}
+
+void Load(HWND w, VListRecord *r, DWORD first, DWORD last)
+{
+    VLLOADREQUEST request = {first, last};
+    Notify(w, r, VLN_LOAD, &request);
+}
+
+void Refill(HWND w, VListRecord *r)
+{
+    if (!r->callback || r->totalItems == 0 || r->cacheSize == 0)
+        return;
+    bool complete = true;
+    for (DWORD row = 0; row < r->visibleCount && complete; ++row) {
+        DWORD index = r->topIndex + row;
+        if (r->totalItems != kUnknown && index >= r->totalItems)
+            break;
+        complete = Cached(r, index) != nullptr;
+    }
+    if (complete)
+        return;
+    DWORD start = WindowStart(r, r->loadBatch);
+    DWORD end = r->cacheSize;  // positions in the window
+    if (r->totalItems != kUnknown && r->totalItems - r->cacheFirst < end)
+        end = r->totalItems - r->cacheFirst;
+    DWORD pos = start > r->cacheFirst ? start - r->cacheFirst : 0;
+    while (pos < end && Valid(r, pos))
+        ++pos;
+    DWORD limit = pos + r->loadBatch < end ? pos + r->loadBatch : end;
+    DWORD runStart = kUnknown;
+    for (; pos < limit; ++pos) {
+        if (!Valid(r, pos)) {
+            if (runStart == kUnknown)
+                runStart = pos;
+        } else if (runStart != kUnknown) {
+            Load(w, r, r->cacheFirst + runStart, r->cacheFirst + pos - 1);
+            runStart = kUnknown;
+        }
+    }
+    // A trailing run of one waits for the next refill.
+    if (runStart != kUnknown && limit - runStart >= 2)
+        Load(w, r, r->cacheFirst + runStart, r->cacheFirst + limit - 1);
+}
+
+// Fills the entry for `index` (growing the window to reach it), or the
+// scratch entry of a running lookup.
+BOOL Add(HWND w, DWORD index, const char *text, LPARAM data, bool isString)
+{
+    VListRecord *r = Rec(w);
+    if (!r)
+        return FALSE;
+    if (r->scratchEntry) {
+        CacheEntry *s = r->scratchEntry;
+        if (isString) {
+            if (s->valid)
+                return FALSE;
+            s->index = index;
+            s->text = const_cast<char *>(text);
+        }
+        s->itemData = data;
+        s->valid = 1;
+        return TRUE;
+    }
+    unsigned long long first = r->cacheFirst, size = r->cacheSize;
+    unsigned long long newFirst = index < first ? index : first;
+    unsigned long long newEnd = index >= first + size ? index + 1ull : first + size;
+    if (!r->cacheEntries || newFirst != first || newEnd != first + size) {
+        unsigned long long count = newEnd - newFirst;
+        SIZE_T bytes = static_cast<SIZE_T>(count * sizeof(CacheEntry));
+        if (count > 0xFFFFFFFFull || bytes / sizeof(CacheEntry) != count) {
+            OSErrorSetErrorInfo(RV_OutOfLocalMemory);
+            return FALSE;
+        }
+        CacheEntry *grown = static_cast<CacheEntry *>(LocalAlloc(LPTR, bytes));
+        if (!grown) {
+            OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(bytes));
+            return FALSE;
+        }
+        if (r->cacheEntries) {
+            memcpy(grown + (first - newFirst), r->cacheEntries, size * sizeof(CacheEntry));
+            LocalFree(r->cacheEntries);
+        }
+        r->cacheEntries = grown;
+        r->cacheFirst = static_cast<DWORD>(newFirst);
+        r->cacheSize = static_cast<DWORD>(count);
+    }
+    CacheEntry *e = &r->cacheEntries[index - r->cacheFirst];
+    if (isString) {
+        if (e->valid)
+            return FALSE;
+        char *copy = nullptr;
+        if (text) {
+            copy = static_cast<char *>(LocalAlloc(LMEM_FIXED, lstrlenA(text) + 1));
+            if (!copy) {
+                OSErrorSetErrorInfo(RV_OutOfLocalMemory);
+                return FALSE;
+            }
+            lstrcpyA(copy, text);
+        }
+        e->index = index;
+        e->text = copy;
+    }
+    e->itemData = data;
+    e->valid = 1;
+    if (r->totalItems == kUnknown) {
+        if (static_cast<unsigned long long>(index) + 1 > r->highWater)
+            r->highWater = index + 1;
+        UpdateThumb(w, r);
+    }
+    return TRUE;
+}
+
+// One item, from the cache or through a one-item scratch entry.
+bool LookUp(HWND w, DWORD index, CacheEntry *answer)
+{
+    VListRecord *r = Rec(w);
+    if (!r || (r->totalItems != kUnknown && index > r->totalItems))
+        return false;
+    if (CacheEntry *e = Cached(r, index)) {
+        *answer = *e;
+        return true;
+    }
+    CacheEntry *scratch = static_cast<CacheEntry *>(LocalAlloc(LPTR, sizeof(CacheEntry)));
+    if (!scratch) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, sizeof(CacheEntry));
+        return false;
+    }
+    r->scratchEntry = scratch;
+    Load(w, r, index, index);
+    *answer = *scratch;
+    LocalFree(scratch);
+    if ((r = Rec(w)) != nullptr && r->scratchEntry == scratch)
+        r->scratchEntry = nullptr;
+    return answer->valid != 0;
+}
+
+}  // namespace vlb
