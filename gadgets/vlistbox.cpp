@@ -17,24 +17,25 @@ LRESULT OnCreate(HWND w)
     return 0;
 }
 
+// The record leaves the window first, so that whatever the host does from
+// the releases and VLN_DESTROY (destroy the window again, call an export)
+// finds no list; it is freed once everything is told.
 void OnDestroy(HWND w, VListRecord *r)
 {
+    SetWindowLongPtrA(w, 0, 0);
+    r->dying = true;
     DropCache(w, r);
     Notify(w, r, VLN_DESTROY, nullptr);
     FreeMemoryDC(r);
-    if (r->autoScrollRunning)
-        OSKillTimer(w, kAutoScrollTimer);
+    EndDrag(w, r);
+    SetWindowLongPtrA(w, 0, reinterpret_cast<LONG_PTR>(r));
     GadgetFreeRecord(w, true);
 }
 
-void OnSize(HWND w, VListRecord *r)
+bool OnSize(HWND w, VListRecord *r)
 {
-    FitRows(w, r);
-    RebuildMemoryDC(w, r);
-    PlaceCache(w, r);
-    Refill(w, r);
-    RepaintAll(w, r);
-    UpdateThumb(w, r);
+    return FitRows(w, r) && RebuildMemoryDC(w, r) && PlaceCache(w, r) && Refill(w, r) &&
+           RepaintAll(w, r) && UpdateThumb(w, r);
 }
 
 void OnPaint(HWND w, VListRecord *r)
@@ -48,17 +49,17 @@ void OnPaint(HWND w, VListRecord *r)
     EndPaint(w, &ps);
 }
 
-void OnFocus(HWND w, VListRecord *r, bool gained, HWND other)
+bool OnFocus(HWND w, VListRecord *r, bool gained, HWND other)
 {
     r->focused = gained;
     if (r->callback) {
-        GadgetNotifyParent(w, gained ? kCodeSetFocus : kCodeKillFocus);
-        if (!(r = Rec(w)))
-            return;
+        if (!GadgetNotifyAlive(w, gained ? kCodeSetFocus : kCodeKillFocus, r))
+            return false;
         VLFOCUSREQUEST request = {other};
-        Notify(w, r, gained ? VLN_SETFOCUS : VLN_KILLFOCUS, &request);
+        if (!Notify(w, r, gained ? VLN_SETFOCUS : VLN_KILLFOCUS, &request))
+            return false;
     }
-    RepaintItem(w, r, r->caretIndex);
+    return RepaintItem(w, r, r->caretIndex);
 }
 
 LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
@@ -130,6 +131,16 @@ LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_MOUSEMOVE: OnMouseMove(w, r, static_cast<short>(HIWORD(lParam))); return 0;
     case WM_LBUTTONDOWN: OnLButtonDown(w, r, wParam, static_cast<short>(HIWORD(lParam))); return 0;
     case WM_LBUTTONUP: OnLButtonUp(w, r); return 0;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != w)
+            EndDrag(w, r);
+        return 0;
+    case WM_CANCELMODE:
+        if (r->mouseCaptured) {
+            EndDrag(w, r);
+            ReleaseCapture();
+        }
+        return 0;
     case WM_LBUTTONDBLCLK:
         if (HasStyle(w, VLS_NOTIFY)) {
             DWORD index = IndexAt(r, static_cast<short>(HIWORD(lParam)));
@@ -155,7 +166,8 @@ extern "C" BOOL WINAPI VListBox_Initialize(HWND w, DWORD total, DWORD cacheSize,
     VListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    DropCache(w, r);
+    if (!DropCache(w, r))
+        return FALSE;
     r->currentSelection = kUnknown;
     if (cacheSize == kUnknown)
         cacheSize = kMaxCache;
@@ -172,11 +184,8 @@ extern "C" BOOL WINAPI VListBox_Initialize(HWND w, DWORD total, DWORD cacheSize,
     r->cacheFirst = 0;
     r->topIndex = 0;
     VLINITREQUEST request = {total < r->visibleCount ? total : r->visibleCount, r->loadBatch};
-    Notify(w, r, VLN_INIT, &request);
-    if (!(r = Rec(w)))
+    if (!Notify(w, r, VLN_INIT, &request) || !UpdateThumb(w, r) || !RepaintAll(w, r))
         return FALSE;
-    UpdateThumb(w, r);
-    RepaintAll(w, r);
     return TRUE;
 }
 
@@ -200,18 +209,16 @@ extern "C" BOOL WINAPI VListBox_SetNumItems(HWND w, DWORD total)
     if (total != kUnknown) {
         if (total <= r->visibleCount) {
             r->topIndex = 0;
-            r->cacheSize = r->loadBatch = total;
+            if (!ResizeCache(w, r, total))
+                return FALSE;
+            r->loadBatch = total;
         } else if (r->topIndex > total - r->visibleCount) {
             r->topIndex = total - r->visibleCount;
         }
     }
     r->totalItems = total;
-    PlaceCache(w, r);
-    Refill(w, r);
-    if ((r = Rec(w)) != nullptr) {
-        UpdateThumb(w, r);
-        RepaintAll(w, r);
-    }
+    if (!PlaceCache(w, r) || !Refill(w, r) || !UpdateThumb(w, r) || !RepaintAll(w, r))
+        return FALSE;
     return TRUE;
 }
 
@@ -234,16 +241,14 @@ extern "C" BOOL WINAPI VListBox_SetCurSel(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r || Multiple(w))
         return FALSE;
-    MoveMark(w, r, r->currentSelection, index);
-    VListBox_SetTopIndex(w, index);
-    if (!(r = Rec(w)))
+    if (!MoveMark(w, r, r->currentSelection, index) || !VListBox_SetTopIndex(w, index))
         return FALSE;
     r->caretIndex = index;
     UpdateWindow(w);
-    if (!r->inTextSync) {
-        SyncText(w, r);
-        GadgetNotifyParent(w, kCodeSelChange);
-    }
+    if (!GadgetAlive(w, r))
+        return FALSE;
+    if (!r->inTextSync && !(SyncText(w, r) && GadgetNotifyAlive(w, kCodeSelChange, r)))
+        return FALSE;
     return TRUE;
 }
 
@@ -258,8 +263,7 @@ extern "C" BOOL WINAPI VListBox_SetCaretIndex(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    MoveMark(w, r, r->caretIndex, index);
-    return TRUE;
+    return MoveMark(w, r, r->caretIndex, index) ? TRUE : FALSE;
 }
 
 extern "C" BOOL WINAPI VListBox_SetSel(HWND w, BOOL /*flag*/, DWORD index)
@@ -269,8 +273,7 @@ extern "C" BOOL WINAPI VListBox_SetSel(HWND w, BOOL /*flag*/, DWORD index)
         return FALSE;
     if (!VListSelAdd(r->selection, index))
         return FALSE;
-    RepaintItem(w, r, index);
-    return TRUE;
+    return RepaintItem(w, r, index) ? TRUE : FALSE;
 }
 
 extern "C" BOOL WINAPI VListBox_GetSel(HWND w, DWORD index)
@@ -305,8 +308,7 @@ extern "C" BOOL WINAPI VListBox_SetSelItems(HWND w, DWORD count, const DWORD *it
     for (DWORD i = 0; i < count; ++i)
         if (!VListSelAdd(r->selection, items[i]))
             return FALSE;
-    RepaintAll(w, r);
-    return TRUE;
+    return RepaintAll(w, r) ? TRUE : FALSE;
 }
 
 extern "C" DWORD WINAPI VListBox_GetTopIndex(HWND w)
@@ -320,8 +322,7 @@ extern "C" BOOL WINAPI VListBox_SetTopIndex(HWND w, DWORD index)
     VListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    ScrollTo(w, r, index, 1);
-    return TRUE;
+    return ScrollTo(w, r, index, 1) ? TRUE : FALSE;
 }
 
 extern "C" LPARAM WINAPI VListBox_GetItemData(HWND w, DWORD index)

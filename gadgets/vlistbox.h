@@ -48,6 +48,8 @@ struct VListRecord {
     bool inTextSync;
     bool focused;
     int clientWidth;
+    DWORD cacheCapacity;  // entries the array holds; cacheSize never exceeds it once made
+    bool dying;           // WM_DESTROY has taken the record from the window
 };
 
 inline VListRecord *Rec(HWND w) { return w ? GadgetRecord<VListRecord>(w) : nullptr; }
@@ -57,41 +59,50 @@ inline bool Multiple(HWND w) { return HasStyle(w, VLS_MULTIPLESEL); }
 inline bool Single(HWND w) { return !Extended(w) && !Multiple(w); }
 inline DWORD Count(const VListRecord *r) { return r->totalItems != kUnknown ? r->totalItems : r->highWater; }
 
+// A helper that may hand control to the host (a callback, a notification,
+// a message that re-enters the procedure) answers whether the gadget still
+// lives afterwards; on false its caller returns at once without touching
+// the record.
+
 // ---------------------------------------------------------------- cache and lookups
-void Notify(HWND w, VListRecord *r, UINT code, void *request);
-void ReportError(HWND w);
+bool Notify(HWND w, VListRecord *r, UINT code, void *request);
+bool ReportError(HWND w);
 bool Valid(const VListRecord *r, DWORD pos);
 CacheEntry *Cached(VListRecord *r, DWORD index);
 bool IsSelected(HWND w, const VListRecord *r, DWORD index);
-void ReleaseEntry(HWND w, VListRecord *r, DWORD pos);
-void DropCache(HWND w, VListRecord *r);
+bool ReleaseEntry(HWND w, VListRecord *r, DWORD pos);
+bool DropCache(HWND w, VListRecord *r);
 DWORD WindowStart(const VListRecord *r, DWORD size);
-void PlaceCache(HWND w, VListRecord *r);
-void Load(HWND w, VListRecord *r, DWORD first, DWORD last);
-void Refill(HWND w, VListRecord *r);
+bool PlaceCache(HWND w, VListRecord *r);
+bool Load(HWND w, VListRecord *r, DWORD first, DWORD last);
+bool Refill(HWND w, VListRecord *r);
+bool ResizeCache(HWND w, VListRecord *r, DWORD size);
+bool RaiseHighWater(HWND w, VListRecord *r, DWORD index);
 BOOL Add(HWND w, DWORD index, const char *text, LPARAM data, bool isString);
 bool LookUp(HWND w, DWORD index, CacheEntry *answer);
 // ---------------------------------------------------------------- painting, scrolling, selection and row fit
 RECT RowRect(const VListRecord *r, DWORD row);
 RECT RowsRect(const VListRecord *r);
-void PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row);
-void PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all);
-void RepaintAll(HWND w, VListRecord *r);
-void RepaintItem(HWND w, VListRecord *r, DWORD index);
-void MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index);
-void UpdateThumb(HWND w, VListRecord *r);
+bool PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row);
+bool PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all);
+bool RepaintAll(HWND w, VListRecord *r);
+bool RepaintItem(HWND w, VListRecord *r, DWORD index);
+bool MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index);
+bool UpdateThumb(HWND w, VListRecord *r);
 DWORD ClampTop(const VListRecord *r, DWORD top);
-void ScrollTo(HWND w, VListRecord *r, DWORD top, int step);
-void SyncText(HWND w, VListRecord *r);
-void SelChanged(HWND w, VListRecord *r);
-void Toggle(HWND w, VListRecord *r, DWORD index);
-void SelectRun(HWND w, VListRecord *r);
-void RangeWalk(HWND w, VListRecord *r, DWORD p, DWORD q);
-void FitRows(HWND w, VListRecord *r);
+bool ScrollTo(HWND w, VListRecord *r, DWORD top, int step);
+bool SyncText(HWND w, VListRecord *r);
+bool SelChanged(HWND w, VListRecord *r);
+bool Toggle(HWND w, VListRecord *r, DWORD index);
+bool SelectRun(HWND w, VListRecord *r);
+bool RangeWalk(HWND w, VListRecord *r, DWORD p, DWORD q);
+bool FitRows(HWND w, VListRecord *r);
 void FreeMemoryDC(VListRecord *r);
-void RebuildMemoryDC(HWND w, VListRecord *r);
+bool RebuildMemoryDC(HWND w, VListRecord *r);
 // ---------------------------------------------------------------- input
-void FollowCaret(HWND w, VListRecord *r, int step);
+bool FollowCaret(HWND w, VListRecord *r, int step);
+void EndDrag(HWND w, VListRecord *r);
+bool SelAndParent(HWND w, VListRecord *r);
 void OnKeyDown(HWND w, VListRecord *r, WPARAM key);
 DWORD IndexAt(const VListRecord *r, int y);
 void OnLButtonDown(HWND w, VListRecord *r, WPARAM keys, int y);
@@ -101,9 +112,9 @@ void OnSetText(HWND w, VListRecord *r, const char *text);
 // ---------------------------------------------------------------- window procedure
 LRESULT OnCreate(HWND w);
 void OnDestroy(HWND w, VListRecord *r);
-void OnSize(HWND w, VListRecord *r);
+bool OnSize(HWND w, VListRecord *r);
 void OnPaint(HWND w, VListRecord *r);
-void OnFocus(HWND w, VListRecord *r, bool gained, HWND other);
+bool OnFocus(HWND w, VListRecord *r, bool gained, HWND other);
 LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace vlb

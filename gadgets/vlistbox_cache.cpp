@@ -5,17 +5,18 @@
 
 namespace vlb {
 
-void Notify(HWND w, VListRecord *r, UINT code, void *request)
+bool Notify(HWND w, VListRecord *r, UINT code, void *request)
 {
     if (r->callback)
         r->callback(w, code, request, r->callbackData);
+    // While WM_DESTROY runs the record is its own and lives to the end.
+    return r->dying || GadgetAlive(w, r);
 }
 
-void ReportError(HWND w)
+bool ReportError(HWND w)
 {
     VListRecord *r = Rec(w);
-    if (r)
-        Notify(w, r, VLN_ERROR, nullptr);
+    return r && Notify(w, r, VLN_ERROR, nullptr);
 }
 
 bool Valid(const VListRecord *r, DWORD pos)
@@ -39,31 +40,35 @@ bool IsSelected(HWND w, const VListRecord *r, DWORD index)
     return VListSelContains(r->selection, index);
 }
 
-void ReleaseEntry(HWND w, VListRecord *r, DWORD pos)
+bool ReleaseEntry(HWND w, VListRecord *r, DWORD pos)
 {
     CacheEntry e = r->cacheEntries[pos];
     if (!e.valid)
-        return;
+        return true;
     memset(&r->cacheEntries[pos], 0, sizeof(CacheEntry));
     VLRELEASEREQUEST request = {r->cacheFirst + pos, e.itemData, e.text};
-    Notify(w, r, VLN_RELEASE, &request);
+    bool alive = Notify(w, r, VLN_RELEASE, &request);
     if (e.text)
         LocalFree(e.text);
+    return alive;
 }
 
 // Releases every entry, frees the cache and the selection; a scratch entry
 // left here belongs to the lookup that is running and is freed by it.
-void DropCache(HWND w, VListRecord *r)
+bool DropCache(HWND w, VListRecord *r)
 {
     if (r->cacheEntries) {
         for (DWORD p = 0; p < r->cacheSize && r->cacheEntries; ++p)
-            ReleaseEntry(w, r, p);
+            if (!ReleaseEntry(w, r, p))
+                return false;
         if (r->cacheEntries)
             LocalFree(r->cacheEntries);
         r->cacheEntries = nullptr;
+        r->cacheCapacity = 0;
     }
     VListSelClear(r->selection);
     r->scratchEntry = nullptr;
+    return true;
 }
 
 // The first index of a window of `size` that centres the view.
@@ -77,36 +82,70 @@ DWORD WindowStart(const VListRecord *r, DWORD size)
     return static_cast<DWORD>(first);
 }
 
-void PlaceCache(HWND w, VListRecord *r)
+bool PlaceCache(HWND w, VListRecord *r)
 {
     unsigned long long first = r->cacheFirst, size = r->cacheSize;
     if (first <= r->topIndex && first + size >= static_cast<unsigned long long>(r->topIndex) +
                                                        r->visibleCount)
-        return;
+        return true;
     DWORD newFirst = WindowStart(r, r->cacheSize);
     if (r->cacheEntries) {
         for (DWORD p = 0; p < r->cacheSize && r->cacheEntries; ++p) {
             unsigned long long index = first + p;
-            if (index < newFirst || index >= static_cast<unsigned long long>(newFirst) + size)
-                ReleaseEntry(w, r, p);
+            if (index < newFirst || index >= static_cast<unsigned long long>(newFirst) + size) {
+                if (!ReleaseEntry(w, r, p))
+                    return false;
+                // The host moved the view or sized the window from the
+                // release: start again from what the record says now.
+                if (r->cacheFirst != first || r->cacheSize != size)
+                    return PlaceCache(w, r);
+            }
         }
     }
     if (r->cacheEntries)
         VListShiftEntries(r->cacheEntries, r->cacheSize, sizeof(CacheEntry),
                           static_cast<long long>(newFirst) - static_cast<long long>(first));
     r->cacheFirst = newFirst;
+    return true;
 }
 
-void Load(HWND w, VListRecord *r, DWORD first, DWORD last)
+// Makes the window `size` entries long. Entries past a shorter window are
+// released at once (an entry lives exactly as long as it stays inside the
+// window); a longer one grows the array, keeping the entries it holds.
+bool ResizeCache(HWND w, VListRecord *r, DWORD size)
+{
+    for (DWORD p = size; p < r->cacheSize && r->cacheEntries; ++p)
+        if (!ReleaseEntry(w, r, p))
+            return false;
+    if (r->cacheEntries && size > r->cacheCapacity) {
+        SIZE_T bytes = static_cast<SIZE_T>(size) * sizeof(CacheEntry);
+        CacheEntry *grown = bytes / sizeof(CacheEntry) == size
+                                ? static_cast<CacheEntry *>(LocalAlloc(LPTR, bytes))
+                                : nullptr;
+        if (!grown) {
+            OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(bytes));
+            return ReportError(w);  // the window keeps the size it has
+        }
+        DWORD kept = r->cacheSize < size ? r->cacheSize : size;
+        memcpy(grown, r->cacheEntries, kept * sizeof(CacheEntry));
+        LocalFree(r->cacheEntries);
+        r->cacheEntries = grown;
+        r->cacheCapacity = size;
+    }
+    r->cacheSize = size;
+    return true;
+}
+
+bool Load(HWND w, VListRecord *r, DWORD first, DWORD last)
 {
     VLLOADREQUEST request = {first, last};
-    Notify(w, r, VLN_LOAD, &request);
+    return Notify(w, r, VLN_LOAD, &request);
 }
 
-void Refill(HWND w, VListRecord *r)
+bool Refill(HWND w, VListRecord *r)
 {
     if (!r->callback || r->totalItems == 0 || r->cacheSize == 0)
-        return;
+        return true;
     bool complete = true;
     for (DWORD row = 0; row < r->visibleCount && complete; ++row) {
         DWORD index = r->topIndex + row;
@@ -115,7 +154,7 @@ void Refill(HWND w, VListRecord *r)
         complete = Cached(r, index) != nullptr;
     }
     if (complete)
-        return;
+        return true;
     DWORD start = WindowStart(r, r->loadBatch);
     DWORD end = r->cacheSize;  // positions in the window
     if (r->totalItems != kUnknown && r->totalItems - r->cacheFirst < end)
@@ -125,18 +164,35 @@ void Refill(HWND w, VListRecord *r)
         ++pos;
     DWORD limit = pos + r->loadBatch < end ? pos + r->loadBatch : end;
     DWORD runStart = kUnknown;
+    DWORD first = r->cacheFirst;
     for (; pos < limit; ++pos) {
+        // A load may have moved or shrunk the window (the host re-sized it,
+        // or set a total): this refill then ends, the next one goes on.
+        if (r->cacheFirst != first || limit > r->cacheSize)
+            return true;
         if (!Valid(r, pos)) {
             if (runStart == kUnknown)
                 runStart = pos;
         } else if (runStart != kUnknown) {
-            Load(w, r, r->cacheFirst + runStart, r->cacheFirst + pos - 1);
+            if (!Load(w, r, first + runStart, first + pos - 1))
+                return false;
             runStart = kUnknown;
         }
     }
     // A trailing run of one waits for the next refill.
     if (runStart != kUnknown && limit - runStart >= 2)
-        Load(w, r, r->cacheFirst + runStart, r->cacheFirst + limit - 1);
+        return Load(w, r, first + runStart, first + limit - 1);
+    return true;
+}
+
+// After an add to a list of unknown length: the count reaches past `index`.
+bool RaiseHighWater(HWND w, VListRecord *r, DWORD index)
+{
+    if (r->totalItems != kUnknown)
+        return true;
+    if (static_cast<unsigned long long>(index) + 1 > r->highWater)
+        r->highWater = index + 1;
+    return UpdateThumb(w, r);
 }
 
 // Fills the entry for `index` (growing the window to reach it), or the
@@ -156,7 +212,7 @@ BOOL Add(HWND w, DWORD index, const char *text, LPARAM data, bool isString)
         }
         s->itemData = data;
         s->valid = 1;
-        return TRUE;
+        return RaiseHighWater(w, r, index) ? TRUE : FALSE;
     }
     unsigned long long first = r->cacheFirst, size = r->cacheSize;
     unsigned long long newFirst = index < first ? index : first;
@@ -179,7 +235,7 @@ BOOL Add(HWND w, DWORD index, const char *text, LPARAM data, bool isString)
         }
         r->cacheEntries = grown;
         r->cacheFirst = static_cast<DWORD>(newFirst);
-        r->cacheSize = static_cast<DWORD>(count);
+        r->cacheSize = r->cacheCapacity = static_cast<DWORD>(count);
     }
     CacheEntry *e = &r->cacheEntries[index - r->cacheFirst];
     if (isString) {
@@ -199,12 +255,7 @@ BOOL Add(HWND w, DWORD index, const char *text, LPARAM data, bool isString)
     }
     e->itemData = data;
     e->valid = 1;
-    if (r->totalItems == kUnknown) {
-        if (static_cast<unsigned long long>(index) + 1 > r->highWater)
-            r->highWater = index + 1;
-        UpdateThumb(w, r);
-    }
-    return TRUE;
+    return RaiseHighWater(w, r, index) ? TRUE : FALSE;
 }
 
 // One item, from the cache or through a one-item scratch entry.

@@ -4,16 +4,21 @@
 
 namespace vlb {
 
-// Moves the caret to `index` and scrolls it into view.
-void FollowCaret(HWND w, VListRecord *r, int step)
+// Scrolls the caret into view, or repaints its row when it is on view.
+bool FollowCaret(HWND w, VListRecord *r, int step)
 {
     DWORD caret = r->caretIndex;
     if (caret < r->topIndex)
-        ScrollTo(w, r, caret, step);
-    else if (r->visibleCount && caret - r->topIndex >= r->visibleCount)
-        ScrollTo(w, r, caret - r->visibleCount + 1, step);
-    else
-        RepaintItem(w, r, caret);
+        return ScrollTo(w, r, caret, step);
+    if (r->visibleCount && caret - r->topIndex >= r->visibleCount)
+        return ScrollTo(w, r, caret - r->visibleCount + 1, step);
+    return RepaintItem(w, r, caret);
+}
+
+// VLN_SELCHANGE (and the text link), then code 0x11 to the parent.
+bool SelAndParent(HWND w, VListRecord *r)
+{
+    return SelChanged(w, r) && GadgetNotifyAlive(w, kCodeSelChange, r);
 }
 
 void OnKeyDown(HWND w, VListRecord *r, WPARAM key)
@@ -28,11 +33,9 @@ void OnKeyDown(HWND w, VListRecord *r, WPARAM key)
     case VK_SPACE:
         if (Single(w))
             r->currentSelection = r->currentSelection == caret ? kUnknown : caret;
-        else if (Multiple(w))
-            Toggle(w, r, caret);
-        SelChanged(w, r);
-        GadgetNotifyParent(w, kCodeSelChange);
-        if ((r = Rec(w)) != nullptr)
+        else if (Multiple(w) && !Toggle(w, r, caret))
+            return;
+        if (SelAndParent(w, r))
             RepaintItem(w, r, r->caretIndex);
         return;
     case VK_PRIOR:
@@ -60,31 +63,25 @@ void OnKeyDown(HWND w, VListRecord *r, WPARAM key)
     r->caretIndex = caret;
     if (!Multiple(w))
         r->currentSelection = caret;
-    SelChanged(w, r);
-    GadgetNotifyParent(w, kCodeSelChange);
-    if (!(r = Rec(w)))
+    if (!SelAndParent(w, r))
         return;
     if (Extended(w)) {
+        bool alive;
         if (GetKeyState(VK_SHIFT) < 0) {
-            if (key == VK_HOME || key == VK_END)
-                SelectRun(w, r);
-            else
-                RangeWalk(w, r, old, r->caretIndex);
+            alive = key == VK_HOME || key == VK_END ? SelectRun(w, r)
+                                                    : RangeWalk(w, r, old, r->caretIndex);
         } else {
             VListSelClear(r->selection);
             r->anchorIndex = r->caretIndex;
-            if (!VListSelAdd(r->selection, r->caretIndex))
-                ReportError(w);
-            RepaintAll(w, r);
+            alive = (VListSelAdd(r->selection, r->caretIndex) || ReportError(w)) && RepaintAll(w, r);
         }
-        SelChanged(w, r);
-        GadgetNotifyParent(w, kCodeSelChange);
-        if (!(r = Rec(w)))
+        if (!alive || !SelAndParent(w, r))
             return;
     }
-    RepaintItem(w, r, old);
-    if (Single(w) && oldSel != kUnknown)
-        RepaintItem(w, r, oldSel);
+    if (!RepaintItem(w, r, old))
+        return;
+    if (Single(w) && oldSel != kUnknown && !RepaintItem(w, r, oldSel))
+        return;
     FollowCaret(w, r, step);
 }
 
@@ -104,31 +101,30 @@ void OnLButtonDown(HWND w, VListRecord *r, WPARAM keys, int y)
     r->mouseCaptured = true;
     DWORD oldCaret = r->caretIndex, oldSel = r->currentSelection;
     r->caretIndex = index;
+    bool alive = true;
     if (Single(w)) {
         r->currentSelection = index;
-        RepaintItem(w, r, oldSel);
+        alive = RepaintItem(w, r, oldSel);
     } else if (Multiple(w)) {
-        Toggle(w, r, index);
+        alive = Toggle(w, r, index);
     } else {
         r->currentSelection = index;
         if (keys & MK_CONTROL) {
             r->anchorIndex = index;
-            Toggle(w, r, index);
+            alive = Toggle(w, r, index);
+            if (alive)
+                EndDrag(w, r);
             ReleaseCapture();
-            r->mouseCaptured = false;
         } else if (keys & MK_SHIFT) {
-            SelectRun(w, r);
+            alive = SelectRun(w, r);
         } else {
             r->anchorIndex = index;
             VListSelClear(r->selection);
-            if (!VListSelAdd(r->selection, index))
-                ReportError(w);
-            RepaintAll(w, r);
+            alive = (VListSelAdd(r->selection, index) || ReportError(w)) && RepaintAll(w, r);
         }
     }
-    RepaintItem(w, r, oldCaret);
-    RepaintItem(w, r, index);
-    SetFocus(w);
+    if (alive && RepaintItem(w, r, oldCaret) && RepaintItem(w, r, index))
+        SetFocus(w);
 }
 
 void OnMouseMove(HWND w, VListRecord *r, int y)
@@ -150,41 +146,49 @@ void OnMouseMove(HWND w, VListRecord *r, int y)
             if (r->topIndex == 0)
                 return;
             caret = r->topIndex - 1;
-            ScrollTo(w, r, r->topIndex - 1, r->itemHeight);
+            if (!ScrollTo(w, r, r->topIndex - 1, r->itemHeight))
+                return;
         } else {
             if (r->totalItems != kUnknown && r->topIndex == ClampTop(r, kUnknown))
                 return;
             caret = r->topIndex + r->visibleCount;
-            ScrollTo(w, r, r->topIndex + 1, r->itemHeight);
+            if (!ScrollTo(w, r, r->topIndex + 1, r->itemHeight))
+                return;
         }
     }
-    if (!(r = Rec(w)) || caret == old)
+    if (caret == old)
         return;
     r->caretIndex = caret;
     if (Single(w)) {
         DWORD oldSel = r->currentSelection;
         r->currentSelection = caret;
-        RepaintItem(w, r, oldSel);
+        if (!RepaintItem(w, r, oldSel))
+            return;
     } else if (Extended(w)) {
         r->currentSelection = caret;
-        RangeWalk(w, r, old, caret);
+        if (!RangeWalk(w, r, old, caret))
+            return;
     }
-    RepaintItem(w, r, old);
-    RepaintItem(w, r, caret);
+    if (RepaintItem(w, r, old))
+        RepaintItem(w, r, caret);
+}
+
+// The drag ends without a word to anyone: capture lost, WM_CANCELMODE, or
+// a Ctrl click that ends it at once.
+void EndDrag(HWND w, VListRecord *r)
+{
+    r->mouseCaptured = false;
+    VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
 }
 
 void OnLButtonUp(HWND w, VListRecord *r)
 {
     if (!r->mouseCaptured)
         return;
-    r->mouseCaptured = false;
+    EndDrag(w, r);
     ReleaseCapture();
-    if (!(r = Rec(w)))
-        return;
-    SelChanged(w, r);
-    GadgetNotifyParent(w, kCodeMouseUp);
-    if ((r = Rec(w)) != nullptr)
-        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
+    if (GadgetAlive(w, r) && SelChanged(w, r))
+        GadgetNotifyParent(w, kCodeMouseUp);
 }
 
 void OnSetText(HWND w, VListRecord *r, const char *text)
@@ -196,11 +200,12 @@ void OnSetText(HWND w, VListRecord *r, const char *text)
     GetWindowTextA(w, current, sizeof current);
     if (lstrcmpiA(text ? text : "", current) != 0) {
         VLFINDREQUEST request = {text ? text : "", 0};
-        Notify(w, r, VLN_FIND, &request);
-        if (request.index != kUnknown)
-            VListBox_SetCurSel(w, request.index);
+        if (!Notify(w, r, VLN_FIND, &request))
+            return;
+        if (request.index != kUnknown && !VListBox_SetCurSel(w, request.index))
+            return;
     }
-    if ((r = Rec(w)) != nullptr)
+    if (GadgetAlive(w, r))
         r->inTextSync = false;
 }
 

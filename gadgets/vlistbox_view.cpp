@@ -18,16 +18,16 @@ RECT RowsRect(const VListRecord *r)
     return RECT{0, 0, r->clientWidth, static_cast<int>(r->visibleCount) * r->itemHeight};
 }
 
-void PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row)
+bool PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row)
 {
     DWORD index = r->topIndex + row;
     RECT rect = RowRect(r, row);
     PatBlt(dc, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, PATCOPY);
     if (r->totalItems != kUnknown && index >= r->totalItems)
-        return;
+        return true;
     if (index < r->cacheFirst || index - r->cacheFirst >= r->cacheSize) {
         OSErrorSetErrorInfo(RV_Failure);
-        return;
+        return true;
     }
     CacheEntry *e = Cached(r, index);
     bool selected = IsSelected(w, r, index);
@@ -35,8 +35,7 @@ void PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row)
     if (HasStyle(w, VLS_OWNERDRAW)) {
         VLDRAWREQUEST request = {index, (selected ? VLDS_SELECTED : 0u) | (caret ? VLDS_FOCUS : 0u),
                                  dc, rect, e ? e->itemData : 0, e ? e->text : nullptr};
-        Notify(w, r, VLN_DRAW, &request);
-        return;
+        return Notify(w, r, VLN_DRAW, &request);
     }
     if (e && e->text) {
         SetBkColor(dc, GetSysColor(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
@@ -46,14 +45,20 @@ void PaintRow(HWND w, VListRecord *r, HDC dc, DWORD row)
     }
     if (caret)
         DrawFocusRect(dc, &rect);
+    return true;
 }
 
 // Paints `first` to `last` rows (or all) into `dc` with the font and brush.
-void PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all)
+// A host that destroys the list from VLN_DRAW ends the pass there.
+bool PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all)
 {
     if (!r->callback || r->itemHeight <= 0)
-        return;
+        return true;
     VListRowPaint paint = VListBeginRowPaint(dc, r->font);
+    if (!paint.brush) {
+        VListEndRowPaint(paint);
+        return ReportError(w);
+    }
     if (all) {
         RECT client;
         GetClientRect(w, &client);
@@ -61,44 +66,48 @@ void PaintRows(HWND w, VListRecord *r, HDC dc, DWORD first, DWORD last, bool all
         first = 0;
         last = r->visibleCount ? r->visibleCount - 1 : 0;
     }
-    for (DWORD row = first; row <= last && row < r->visibleCount; ++row)
-        PaintRow(w, r, dc, row);
+    bool alive = true;
+    for (DWORD row = first; alive && row <= last && row < r->visibleCount; ++row)
+        alive = PaintRow(w, r, dc, row);
     VListEndRowPaint(paint);
+    return alive;
 }
 
-void RepaintAll(HWND w, VListRecord *r)
+bool RepaintAll(HWND w, VListRecord *r)
 {
-    if (r->memoryDC)
-        PaintRows(w, r, r->memoryDC, 0, 0, true);
+    if (r->memoryDC && !PaintRows(w, r, r->memoryDC, 0, 0, true))
+        return false;
     InvalidateRect(w, nullptr, r->memoryDC ? FALSE : TRUE);
+    return true;
 }
 
 // Repaints the row of `index` if it is on view.
-void RepaintItem(HWND w, VListRecord *r, DWORD index)
+bool RepaintItem(HWND w, VListRecord *r, DWORD index)
 {
     if (index < r->topIndex || index - r->topIndex >= r->visibleCount)
-        return;
+        return true;
     DWORD row = index - r->topIndex;
     RECT rect = RowRect(r, row);
-    if (r->memoryDC)
-        PaintRows(w, r, r->memoryDC, row, row, false);
+    if (r->memoryDC && !PaintRows(w, r, r->memoryDC, row, row, false))
+        return false;
     InvalidateRect(w, &rect, r->memoryDC ? FALSE : TRUE);
+    return true;
 }
 
 // Moves a mark (the current selection or the caret) to `index`, repainting
 // the row it leaves and then the row it reaches.
-void MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index)
+bool MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index)
 {
     DWORD old = mark;
     mark = index;
-    RepaintItem(w, r, old);
-    RepaintItem(w, r, index);
+    return RepaintItem(w, r, old) && RepaintItem(w, r, index);
 }
 
-void UpdateThumb(HWND w, VListRecord *r)
+// SetScrollRange may show or hide the bar, which re-enters the procedure.
+bool UpdateThumb(HWND w, VListRecord *r)
 {
     if (r->inScrollRange)
-        return;
+        return true;
     r->inScrollRange = true;
     DWORD count = Count(r);
     int range = VListThumbRange(count, r->visibleCount);
@@ -106,13 +115,13 @@ void UpdateThumb(HWND w, VListRecord *r)
     GetScrollRange(w, SB_VERT, &low, &high);
     if (low != 0 || high != range)
         SetScrollRange(w, SB_VERT, 0, range, TRUE);
-    r = Rec(w);
-    if (r) {
-        int pos = VListThumbFromIndex(r->topIndex, count, r->visibleCount);
-        if (GetScrollPos(w, SB_VERT) != pos)
-            SetScrollPos(w, SB_VERT, pos, TRUE);
-        r->inScrollRange = false;
-    }
+    if (!GadgetAlive(w, r))
+        return false;
+    int pos = VListThumbFromIndex(r->topIndex, count, r->visibleCount);
+    if (GetScrollPos(w, SB_VERT) != pos)
+        SetScrollPos(w, SB_VERT, pos, TRUE);
+    r->inScrollRange = false;
+    return true;
 }
 
 DWORD ClampTop(const VListRecord *r, DWORD top)
@@ -124,19 +133,21 @@ DWORD ClampTop(const VListRecord *r, DWORD top)
 }
 
 // Moves the view to `top`, gliding by `step` pixels.
-void ScrollTo(HWND w, VListRecord *r, DWORD top, int step)
+bool ScrollTo(HWND w, VListRecord *r, DWORD top, int step)
 {
-    UpdateWindow(w);
+    UpdateWindow(w);  // pending paint may reach the host's VLN_DRAW
+    if (!GadgetAlive(w, r))
+        return false;
     bool wasUnknown = r->totalItems == kUnknown;
     top = ClampTop(r, top);
     DWORD old = r->topIndex;
     r->topIndex = top;
-    PlaceCache(w, r);
-    Refill(w, r);
+    if (!PlaceCache(w, r) || !Refill(w, r))
+        return false;
     if (wasUnknown && r->totalItems != kUnknown) {
         r->topIndex = ClampTop(r, r->topIndex);
-        PlaceCache(w, r);
-        Refill(w, r);
+        if (!PlaceCache(w, r) || !Refill(w, r))
+            return false;
     }
     top = r->topIndex;
     if (!r->memoryDC) {
@@ -144,61 +155,66 @@ void ScrollTo(HWND w, VListRecord *r, DWORD top, int step)
     } else if (top != old) {
         DWORD d = top > old ? top - old : old - top;
         if (d >= r->visibleCount) {
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return false;
         } else {
             RECT rows = RowsRect(r);
             int pixels = static_cast<int>(d) * r->itemHeight;
             int dy = top > old ? -pixels : pixels;
             ScrollDC(r->memoryDC, 0, dy, &rows, &rows, nullptr, nullptr);
-            if (top > old)
-                PaintRows(w, r, r->memoryDC, r->visibleCount - d, r->visibleCount - 1, false);
-            else
-                PaintRows(w, r, r->memoryDC, 0, d - 1, false);
+            bool alive = top > old
+                             ? PaintRows(w, r, r->memoryDC, r->visibleCount - d, r->visibleCount - 1, false)
+                             : PaintRows(w, r, r->memoryDC, 0, d - 1, false);
+            if (!alive)
+                return false;
             VListGlide(w, r->memoryDC, rows, -dy, step);
         }
     }
-    UpdateThumb(w, r);
+    return UpdateThumb(w, r);
 }
 
 // Sends VLN_SELCHANGE (with VLS_NOTIFY) and keeps the window text in step.
-void SyncText(HWND w, VListRecord *r)
+bool SyncText(HWND w, VListRecord *r)
 {
     if (!Single(w) || !HasStyle(w, VLS_NOTIFY))
-        return;
+        return true;
     char buffer[256] = "";
     if (r->currentSelection != kUnknown) {
         VLGETTEXTREQUEST request = {buffer, r->currentSelection, sizeof buffer};
-        Notify(w, r, VLN_GETTEXT, &request);
+        if (!Notify(w, r, VLN_GETTEXT, &request))
+            return false;
         buffer[sizeof buffer - 1] = 0;
     }
     r->inTextSync = true;
     SetWindowTextA(w, buffer);
-    if ((r = Rec(w)) != nullptr)
-        r->inTextSync = false;
+    if (!GadgetAlive(w, r))
+        return false;
+    r->inTextSync = false;
+    return true;
 }
 
-void SelChanged(HWND w, VListRecord *r)
+bool SelChanged(HWND w, VListRecord *r)
 {
     if (HasStyle(w, VLS_NOTIFY)) {
         DWORD word = 0;
-        Notify(w, r, VLN_SELCHANGE, &word);
+        if (!Notify(w, r, VLN_SELCHANGE, &word))
+            return false;
     }
-    if (!r->inTextSync)
-        SyncText(w, r);
+    return r->inTextSync || SyncText(w, r);
 }
 
 // ---------------------------------------------------------------- selection
-void Toggle(HWND w, VListRecord *r, DWORD index)
+bool Toggle(HWND w, VListRecord *r, DWORD index)
 {
     bool ok = VListSelContains(r->selection, index) ? VListSelRemove(r->selection, index)
                                                      : VListSelAdd(r->selection, index);
-    if (!ok)
-        ReportError(w);
-    RepaintItem(w, r, index);
+    if (!ok && !ReportError(w))
+        return false;
+    return RepaintItem(w, r, index);
 }
 
 // Shift with Home, End or a click: the selection becomes the full run.
-void SelectRun(HWND w, VListRecord *r)
+bool SelectRun(HWND w, VListRecord *r)
 {
     if (r->totalItems == kUnknown && r->highWater) {
         if (r->caretIndex > r->highWater - 1)
@@ -208,14 +224,14 @@ void SelectRun(HWND w, VListRecord *r)
     }
     DWORD low = r->anchorIndex < r->caretIndex ? r->anchorIndex : r->caretIndex;
     DWORD high = r->anchorIndex < r->caretIndex ? r->caretIndex : r->anchorIndex;
-    if (!VListSelSetRun(r->selection, low, high))
-        ReportError(w);
-    RepaintAll(w, r);
+    if (!VListSelSetRun(r->selection, low, high) && !ReportError(w))
+        return false;
+    return RepaintAll(w, r);
 }
 
 // The caret moved from p to q with the anchor fixed: the selection stays the
 // run between anchor and caret.
-void RangeWalk(HWND w, VListRecord *r, DWORD p, DWORD q)
+bool RangeWalk(HWND w, VListRecord *r, DWORD p, DWORD q)
 {
     DWORD a = r->anchorIndex;
     DWORD low = p < q ? p : q, high = p < q ? q : p;
@@ -230,36 +246,42 @@ void RangeWalk(HWND w, VListRecord *r, DWORD p, DWORD q)
                     ok = VListSelAdd(r->selection, i);
                 else if (i != q)
                     ok = VListSelRemove(r->selection, i);
-                if (!ok)
-                    ReportError(w);
+                if (!ok && !ReportError(w))
+                    return false;
             }
         }
-        RepaintItem(w, r, i);
+        if (!RepaintItem(w, r, i))
+            return false;
         if (i == high)
-            break;
+            return true;
     }
 }
 
 // ---------------------------------------------------------------- row fit
-void FitRows(HWND w, VListRecord *r)
+bool FitRows(HWND w, VListRecord *r)
 {
     if (r->inResize)
-        return;
+        return true;
     r->inResize = true;
     RECT client;
     GetClientRect(w, &client);
     VListRowMetrics m = VListMeasureRows(w, r->font, HasStyle(w, VLS_OWNERDRAW), r->callback,
                                          r->callbackData, client.bottom);
+    if (!GadgetAlive(w, r))  // VLN_MEASURE went to the host
+        return false;
     r->itemHeight = m.itemHeight;
     r->visibleCount = m.visibleCount;
-    if (r->cacheSize && r->cacheSize < r->visibleCount)
-        r->cacheSize = r->visibleCount;  // the array grows at the next add
+    // More rows than the window holds: the window (and its array) grows.
+    if (r->cacheSize && r->cacheSize < r->visibleCount && !ResizeCache(w, r, r->visibleCount))
+        return false;
     if (r->loadBatch < r->visibleCount)
         r->loadBatch = r->visibleCount;
     // The height fits whole rows; the width stays as the window has it.
     VListFitWindow(w, static_cast<int>(r->visibleCount) * m.itemHeight);
-    if ((r = Rec(w)) != nullptr)
-        r->inResize = false;
+    if (!GadgetAlive(w, r))
+        return false;
+    r->inResize = false;
+    return true;
 }
 
 void FreeMemoryDC(VListRecord *r)
@@ -267,17 +289,16 @@ void FreeMemoryDC(VListRecord *r)
     VListFreeMemoryDC(r->memoryDC, r->savedBitmap);
 }
 
-void RebuildMemoryDC(HWND w, VListRecord *r)
+bool RebuildMemoryDC(HWND w, VListRecord *r)
 {
     FreeMemoryDC(r);
     RECT client;
     GetClientRect(w, &client);
     r->clientWidth = client.right;
     if (client.right <= 0 || client.bottom <= 0)
-        return;
+        return true;
     r->memoryDC = VListCreateMemoryDC(w, &r->savedBitmap);
-    if (!r->memoryDC)
-        ReportError(w);
+    return r->memoryDC || ReportError(w);
 }
 
 }  // namespace vlb
