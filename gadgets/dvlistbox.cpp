@@ -32,21 +32,27 @@ void FreeRefs(DVListRecord *r)
 }
 
 // Releases everything the list holds of the host's items.
-void DropItems(HWND w, DVListRecord *r)
+bool DropItems(HWND w, DVListRecord *r)
 {
-    Flush(w, r);
+    if (!Flush(w, r))
+        return false;
     if (r->cacheEntries)
         LocalFree(r->cacheEntries);
     r->cacheEntries = nullptr;
     SelClear(r);
-    DropScratch(w, r);
+    if (!DropScratch(w, r))
+        return false;
     if (r->scratchEntry)
         LocalFree(r->scratchEntry);
     r->scratchEntry = nullptr;
+    return true;
 }
 
+// Whatever the host does from the releases and VLN_DESTROY finds no list;
+// the record is freed at the end.
 void OnDestroy(HWND w, DVListRecord *r)
 {
+    r->dying = true;
     DropItems(w, r);
     FreeRefs(r);
     VListFreeMemoryDC(r->memoryDC, r->savedBitmap);
@@ -60,7 +66,8 @@ void OnDestroy(HWND w, DVListRecord *r)
 void OnSize(HWND w, DVListRecord *r)
 {
     r->updateEnabled = false;
-    FitRows(w, r);
+    if (!FitRows(w, r))
+        return;
     if (HasStyle(w, VLS_DOUBLEBUFFER)) {
         VListFreeMemoryDC(r->memoryDC, r->savedBitmap);
         r->memoryDC = VListCreateMemoryDC(w, &r->savedBitmap);
@@ -69,8 +76,10 @@ void OnSize(HWND w, DVListRecord *r)
     if (!(r = Rec(w)))
         return;
     r->updateEnabled = true;
-    RepaintAll(w, r);
-    UpdateThumb(w, r);
+    if (!RepaintAll(w, r))
+        return;
+    if (!UpdateThumb(w, r))
+        return;
 }
 
 void OnPaint(HWND w, DVListRecord *r)
@@ -84,7 +93,8 @@ void OnPaint(HWND w, DVListRecord *r)
     if (r->memoryDC)
         VListCopyArea(dc, ps.rcPaint, r->memoryDC);
     else
-        PaintRows(w, r, dc, &ps.rcPaint);
+        if (!PaintRows(w, r, dc, &ps.rcPaint))
+            return;
     EndPaint(w, &ps);
 }
 
@@ -94,7 +104,8 @@ void OnFocus(HWND w, DVListRecord *r, bool gained, HWND other)
     VLFOCUSREQUEST request = {other};
     Notify(w, r, gained ? VLN_SETFOCUS : VLN_KILLFOCUS, &request);
     if ((r = Rec(w)) != nullptr)
-        RepaintRow(w, r, r->caretIndex);
+        if (!RepaintRow(w, r, r->caretIndex))
+            return;
 }
 
 LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
@@ -137,6 +148,16 @@ LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_MOUSEMOVE: OnMouseMove(w, r, static_cast<short>(HIWORD(lParam))); return 0;
     case WM_LBUTTONDOWN: OnLButtonDown(w, r, wParam, static_cast<short>(HIWORD(lParam))); return 0;
     case WM_LBUTTONUP: OnLButtonUp(w, r); return 0;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != w)
+            EndDrag(w, r);
+        return 0;
+    case WM_CANCELMODE:
+        if (r->mouseCaptured) {
+            EndDrag(w, r);
+            ReleaseCapture();
+        }
+        return 0;
     case WM_LBUTTONDBLCLK:
         if (HasStyle(w, VLS_NOTIFY) && r->itemHeight > 0) {
             LONG index = IndexAt(r, static_cast<short>(HIWORD(lParam)));
@@ -165,9 +186,8 @@ extern "C" BOOL WINAPI DVListBox_Initialize(HWND w, LONG total, DWORD cacheSize,
                                             DWORD refSize, VLISTBOXPROC callback, LPARAM data)
 {
     DVListRecord *r = Rec(w);
-    if (!r)
+    if (!r || !DropItems(w, r))
         return FALSE;
-    DropItems(w, r);
     r->multiSelect = HasStyle(w, VLS_EXTENDEDSEL) || HasStyle(w, VLS_MULTIPLESEL);
     if (cacheSize == 0xFFFFFFFFu)
         cacheSize = kMaxCache;
@@ -219,8 +239,10 @@ extern "C" BOOL WINAPI DVListBox_Initialize(HWND w, LONG total, DWORD cacheSize,
     Notify(w, r, VLN_INIT, &request);
     if (!(r = Rec(w)))
         return FALSE;
-    UpdateThumb(w, r);
-    RepaintAll(w, r);
+    if (!UpdateThumb(w, r))
+        return FALSE;
+    if (!RepaintAll(w, r))
+        return FALSE;
     return TRUE;
 }
 
@@ -246,7 +268,8 @@ extern "C" BOOL WINAPI DVListBox_SetNumItems(HWND w, LONG total)
     if (!r->moving && r->cacheEntries)
         Move(w, r, r->topIndex, 1);
     if ((r = Rec(w)) != nullptr)
-        UpdateThumb(w, r);
+        if (!UpdateThumb(w, r))
+            return FALSE;
     return TRUE;
 }
 
@@ -280,10 +303,12 @@ extern "C" BOOL WINAPI DVListBox_SetCurSel(HWND w, LONG index)
     if (r->refSize == 0)
         return FALSE;
     BYTE *ref = static_cast<BYTE *>(LocalAlloc(LPTR, r->refSize));
-    if (!ref)
+    if (!ref) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, r->refSize);
         return FALSE;
-    BOOL ok = CopyEntryRef(r, LookUp(w, index, true), ref) && (r = Rec(w)) != nullptr &&
-              SetRef(w, r, kCurrent, ref, false);
+    }
+    DvEntry *e = LookUp(w, index, true);  // the host may destroy the list meanwhile
+    BOOL ok = GadgetAlive(w, r) && CopyEntryRef(r, e, ref) && SetRef(w, r, kCurrent, ref, false);
     LocalFree(ref);
     return ok;
 }
@@ -317,7 +342,7 @@ extern "C" BOOL WINAPI DVListBox_SetCaretIndex(HWND w, LONG index)
     BYTE *ref = static_cast<BYTE *>(LocalAlloc(LPTR, r->refSize));
     if (!ref)
         return FALSE;
-    BOOL ok = CopyEntryRef(r, LookUp(w, index, true), ref) && (r = Rec(w)) != nullptr &&
+    BOOL ok = LookUpRef(w, r, index, ref) &&
               SetCaretRef(w, r, ref, false);
     LocalFree(ref);
     return ok;
@@ -340,10 +365,8 @@ extern "C" BOOL WINAPI DVListBox_SetCaretRefNReload(HWND w, const void *ref, BOO
     bool update = r->updateEnabled;
     WORD loads = r->loadCount;
     r->updateEnabled = false;
-    if (reload) {
-        Flush(w, r);
-        DropScratch(w, r);
-    }
+    if (reload && (!Flush(w, r) || !DropScratch(w, r)))
+        return FALSE;
     SetCaretRef(w, r, ref, false);
     if (!(r = Rec(w)))
         return FALSE;
@@ -353,7 +376,8 @@ extern "C" BOOL WINAPI DVListBox_SetCaretRefNReload(HWND w, const void *ref, BOO
         return FALSE;
     r->updateEnabled = update;
     if (reload)
-        RepaintAll(w, r);
+        if (!RepaintAll(w, r))
+            return FALSE;
     if (CanPaint(r))
         UpdateWindow(w);
     return TRUE;
@@ -385,7 +409,7 @@ extern "C" BOOL WINAPI DVListBox_SetSel(HWND w, DWORD mode, LONG index)
     BYTE *ref = static_cast<BYTE *>(LocalAlloc(LPTR, r->refSize));
     if (!ref)
         return FALSE;
-    BOOL ok = CopyEntryRef(r, LookUp(w, index, true), ref) && (r = Rec(w)) != nullptr &&
+    BOOL ok = LookUpRef(w, r, index, ref) &&
               SetSelRef(w, r, mode, ref);
     LocalFree(ref);
     return ok;
@@ -439,7 +463,8 @@ extern "C" BOOL WINAPI DVListBox_SetSelItems(HWND w, DWORD count, const void *re
             MarkCached(r, from + static_cast<size_t>(i) * r->refSize, true, &index);
         }
     }
-    RepaintAll(w, r);
+    if (!RepaintAll(w, r))
+        return FALSE;
     return TRUE;
 }
 
@@ -529,7 +554,8 @@ extern "C" BOOL WINAPI DVListBox_SetAbsoluteTop(HWND w, LONG n)
     r->topIndex = Wrap(static_cast<long long>(r->topIndex) - n);
     if (r->topIndex < 0)
         r->topIndex = 0;
-    PlaceCache(w, r);
+    if (!PlaceCache(w, r))
+        return FALSE;
     r->endFlags |= kAtTop;
     r->topFound = true;
     return TRUE;
@@ -574,7 +600,8 @@ extern "C" BOOL WINAPI DVListBox_SetAbsoluteBottom(HWND w, LONG n)
     if (!highWaterSet)
         r->highWater = Wrap(r->highWater + shift);
     r->indexShift = Wrap(shift);
-    PlaceCache(w, r);
+    if (!PlaceCache(w, r))
+        return FALSE;
     r->endFlags |= kAtBottom;
     r->bottomFound = true;
     return TRUE;
@@ -610,7 +637,8 @@ extern "C" BOOL WINAPI DVListBox_Invalidate(HWND w)
     DVListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    RepaintAll(w, r);
+    if (!RepaintAll(w, r))
+        return FALSE;
     return TRUE;
 }
 
@@ -619,6 +647,7 @@ extern "C" BOOL WINAPI DVListBox_InvalidateItem(HWND w, LONG index)
     DVListRecord *r = Rec(w);
     if (!r)
         return FALSE;
-    RepaintRow(w, r, index);
+    if (!RepaintRow(w, r, index))
+        return FALSE;
     return TRUE;
 }

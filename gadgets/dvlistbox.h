@@ -88,10 +88,17 @@ struct DVListRecord {
     bool focused;
     int moving;          // moves in hand: adds then leave painting to the move
     bool addedOnView;    // an add during a move filled a row on view
+    bool dying;           // WM_DESTROY is releasing everything
 };
 
 
-inline DVListRecord *Rec(HWND w) { return w ? GadgetRecord<DVListRecord>(w) : nullptr; }
+// The record, or null; while WM_DESTROY runs, the record belongs to it
+// alone and the exports and messages find none.
+inline DVListRecord *Rec(HWND w)
+{
+    DVListRecord *r = w ? GadgetRecord<DVListRecord>(w) : nullptr;
+    return r && !r->dying ? r : nullptr;
+}
 inline bool HasStyle(HWND w, DWORD mask) { return (GetWindowLongA(w, GWL_STYLE) & mask) == mask; }
 inline bool Extended(HWND w) { return HasStyle(w, VLS_EXTENDEDSEL); }
 inline bool Multiple(HWND w) { return HasStyle(w, VLS_MULTIPLESEL); }
@@ -104,7 +111,7 @@ inline bool CanPaint(const DVListRecord *r) { return r->redrawEnabled && r->upda
 enum Which { kCaret, kCurrent };
 
 // ---------------------------------------------------------------- cache and lookups
-void Notify(HWND w, DVListRecord *r, UINT code, void *request);
+bool Notify(HWND w, DVListRecord *r, UINT code, void *request);
 void ReportError(HWND w);
 void ClearLoadFlags(DVListRecord *r);
 bool AnyEndReport(const DVListRecord *r);
@@ -112,17 +119,18 @@ bool InWindow(const DVListRecord *r, LONG index);
 DvEntry *Slot(DVListRecord *r, LONG index);
 DvEntry *Cached(DVListRecord *r, LONG index);
 bool SameRef(const DVListRecord *r, const BYTE *a, const void *b);
-void ReleaseEntry(HWND w, DVListRecord *r, DvEntry &entry, LONG index);
-void DropScratch(HWND w, DVListRecord *r);
-void Flush(HWND w, DVListRecord *r);
+bool ReleaseEntry(HWND w, DVListRecord *r, DvEntry &entry, LONG index);
+bool DropScratch(HWND w, DVListRecord *r);
+bool Flush(HWND w, DVListRecord *r);
 bool FindInCache(DVListRecord *r, const void *ref, LONG *index);
 long long WindowStart(const DVListRecord *r, DWORD size);
-void PlaceCache(HWND w, DVListRecord *r);
+bool PlaceCache(HWND w, DVListRecord *r);
 void Load(HWND w, DVListRecord *r, LONG first, LONG last);
 bool Possible(const DVListRecord *r, LONG index);
 void Resolve(DVListRecord *r, bool valid, const BYTE *ref, LONG &index, long long f, long long l);
 void Refill(HWND w, DVListRecord *r);
 DvEntry *LookUp(HWND w, LONG index, bool load);
+bool LookUpRef(HWND w, DVListRecord *r, LONG index, BYTE *to);
 BOOL Add(HWND w, LONG index, const void *ref, const char *text, LPARAM data, bool isString);
 // ---------------------------------------------------------------- selection and references
 DWORD SelSearch(const DVListRecord *r, const BYTE *refs, const void *ref, bool *found);
@@ -138,19 +146,20 @@ bool SetRef(HWND w, DVListRecord *r, Which which, const void *ref, bool reloadAs
 bool SetCaretRef(HWND w, DVListRecord *r, const void *ref, bool reload);
 // ---------------------------------------------------------------- painting, moves and row fit
 RECT RowRect(HWND w, const DVListRecord *r, DWORD row);
-void PaintRow(HWND w, DVListRecord *r, HDC dc, DWORD row);
-void PaintRows(HWND w, DVListRecord *r, HDC dc, const RECT *clip);
-void RepaintAll(HWND w, DVListRecord *r);
+bool PaintRow(HWND w, DVListRecord *r, HDC dc, DWORD row);
+bool PaintRows(HWND w, DVListRecord *r, HDC dc, const RECT *clip);
+bool RepaintAll(HWND w, DVListRecord *r);
 bool RowOf(const DVListRecord *r, LONG index, DWORD *row);
-void RepaintRow(HWND w, DVListRecord *r, LONG index);
-void UpdateThumb(HWND w, DVListRecord *r);
+bool RepaintRow(HWND w, DVListRecord *r, LONG index);
+bool UpdateThumb(HWND w, DVListRecord *r);
 LONG ClampTop(const DVListRecord *r, LONG top);
-bool SettleTop(HWND w, DVListRecord *&r, LONG newTop, LONG &oldTop, bool up, bool atEnd);
+enum Settle { kSettleUp, kSettleDown, kSettleReload, kSettleAtEnd };
+bool SettleTop(HWND w, DVListRecord *&r, LONG newTop, LONG &oldTop, Settle how);
 void Move(HWND w, DVListRecord *r, LONG top, int step);
 void Reload(HWND w, DVListRecord *r, LONG top);
 void SetTop(HWND w, DVListRecord *r, LONG index, bool reload, int step);
 void ShowIndex(HWND w, DVListRecord *r, LONG index, bool reload, int step);
-void FitRows(HWND w, DVListRecord *r);
+bool FitRows(HWND w, DVListRecord *r);
 // ---------------------------------------------------------------- input
 void SelChange(HWND w, DVListRecord *r);
 bool TakeCaretEntry(HWND w, DVListRecord *r, bool load);
@@ -161,6 +170,7 @@ LONG IndexAt(const DVListRecord *r, int y);
 void OnLButtonDown(HWND w, DVListRecord *r, WPARAM keys, int y);
 void OnMouseMove(HWND w, DVListRecord *r, int y);
 void OnLButtonUp(HWND w, DVListRecord *r);
+void EndDrag(HWND w, DVListRecord *r);
 void OnChar(HWND w, DVListRecord *r, WPARAM ch, LPARAM lParam);
 void Search(HWND w, DVListRecord *r, const char *text, BYTE *ref, DVLSEARCHREQUEST *request);
 void OnTypeAheadTimer(HWND w, DVListRecord *r);
@@ -169,7 +179,7 @@ void OnVScroll(HWND w, DVListRecord *r, WORD request, int thumb);
 // ---------------------------------------------------------------- window procedure
 LRESULT OnCreate(HWND w);
 void FreeRefs(DVListRecord *r);
-void DropItems(HWND w, DVListRecord *r);
+bool DropItems(HWND w, DVListRecord *r);
 void OnDestroy(HWND w, DVListRecord *r);
 void OnSize(HWND w, DVListRecord *r);
 void OnPaint(HWND w, DVListRecord *r);

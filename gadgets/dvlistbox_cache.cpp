@@ -5,10 +5,11 @@
 
 namespace dvl {
 
-void Notify(HWND w, DVListRecord *r, UINT code, void *request)
+bool Notify(HWND w, DVListRecord *r, UINT code, void *request)
 {
     if (r->callback)
         r->callback(w, code, request, r->callbackData);
+    return GadgetAlive(w, r);
 }
 
 void ReportError(HWND w)
@@ -53,34 +54,38 @@ bool SameRef(const DVListRecord *r, const BYTE *a, const void *b)
 }
 
 // Releases a valid entry to the host and frees what it owns.
-void ReleaseEntry(HWND w, DVListRecord *r, DvEntry &entry, LONG index)
+bool ReleaseEntry(HWND w, DVListRecord *r, DvEntry &entry, LONG index)
 {
     if (!(entry.flags & kValid))
-        return;
+        return true;
     DvEntry gone = entry;
     memset(&entry, 0, sizeof entry);
     DVLRELEASEREQUEST request = {index, gone.itemData, gone.text};
-    Notify(w, r, VLN_RELEASE, &request);
+    bool alive = Notify(w, r, VLN_RELEASE, &request);
     if (gone.ref)
         LocalFree(gone.ref);
     if (gone.text)
         LocalFree(gone.text);
+    return alive;
 }
 
-void DropScratch(HWND w, DVListRecord *r)
+bool DropScratch(HWND w, DVListRecord *r)
 {
-    if (r->scratchEntry)
-        ReleaseEntry(w, r, *r->scratchEntry, r->scratchIndex);
+    if (r->scratchEntry && !ReleaseEntry(w, r, *r->scratchEntry, r->scratchIndex))
+        return false;
     r->scratchIndex = kNoIndex;
+    return true;
 }
 
 // Releases every entry; what the list knew of the ends goes with them.
-void Flush(HWND w, DVListRecord *r)
+bool Flush(HWND w, DVListRecord *r)
 {
     for (DWORD p = 0; r->cacheEntries && p < r->cacheSize; ++p)
-        ReleaseEntry(w, r, r->cacheEntries[p], Wrap(static_cast<long long>(r->cacheFirst) + p));
+        if (!ReleaseEntry(w, r, r->cacheEntries[p], Wrap(static_cast<long long>(r->cacheFirst) + p)))
+            return false;
     r->endFlags &= ~(kAtTop | kAtBottom);
     ++r->flushCount;
+    return true;
 }
 
 bool FindInCache(DVListRecord *r, const void *ref, LONG *index)
@@ -111,16 +116,17 @@ long long WindowStart(const DVListRecord *r, DWORD size)
     return first;
 }
 
-void PlaceCache(HWND w, DVListRecord *r)
+bool PlaceCache(HWND w, DVListRecord *r)
 {
     long long first = r->cacheFirst, size = r->cacheSize, top = r->topIndex;
     if (first <= top && top + r->visibleCount <= first + size)
-        return;
+        return true;
     long long newFirst = WindowStart(r, r->cacheSize);
     for (DWORD p = 0; r->cacheEntries && p < r->cacheSize; ++p) {
         long long index = first + p;
-        if (index < newFirst || index >= newFirst + size)
-            ReleaseEntry(w, r, r->cacheEntries[p], Wrap(index));
+        if ((index < newFirst || index >= newFirst + size) &&
+            !ReleaseEntry(w, r, r->cacheEntries[p], Wrap(index)))
+            return false;
     }
     if (newFirst > first)
         r->endFlags &= ~kAtTop;
@@ -129,6 +135,7 @@ void PlaceCache(HWND w, DVListRecord *r)
     if (r->cacheEntries)
         VListShiftEntries(r->cacheEntries, r->cacheSize, sizeof(DvEntry), newFirst - first);
     r->cacheFirst = Wrap(newFirst);
+    return true;
 }
 
 void Load(HWND w, DVListRecord *r, LONG first, LONG last)
@@ -185,7 +192,8 @@ void Refill(HWND w, DVListRecord *r)
     long long f = start;
     while (f <= windowEnd && Cached(r, Wrap(f)))
         ++f;
-    long long l = f + r->loadBatch - 1 < windowEnd ? f + r->loadBatch - 1 : windowEnd;
+    // f through f + loadBatch, both included: a last run may hold loadBatch + 1.
+    long long l = f + r->loadBatch < windowEnd ? f + r->loadBatch : windowEnd;
     // Nothing is asked for beyond an end the list knows.
     if ((r->endFlags & kAtTop) && f < 0)
         f = 0;
@@ -225,6 +233,14 @@ void Refill(HWND w, DVListRecord *r)
     Resolve(r, r->anchorRefValid, r->anchorRef, r->anchorIndex, f, l);
 }
 
+// The reference of one item (asked for if need be) into `to`; false when
+// there is none, or when the host destroyed the list meanwhile.
+bool LookUpRef(HWND w, DVListRecord *r, LONG index, BYTE *to)
+{
+    DvEntry *e = LookUp(w, index, true);
+    return GadgetAlive(w, r) && CopyEntryRef(r, e, to);
+}
+
 // One item: from the cache, from the scratch entry, or (with `load`) asked
 // for alone. The item may move while it is asked for; the lookup follows it
 // a few times and then gives up.
@@ -239,7 +255,8 @@ DvEntry *LookUp(HWND w, LONG index, bool load)
                 return nullptr;
             if (r->scratchIndex == index && (r->scratchEntry->flags & kValid))
                 return r->scratchEntry;
-            DropScratch(w, r);
+            if (!DropScratch(w, r))
+                return nullptr;
             r->scratchIndex = index;
         } else {
             DvEntry *e = Slot(r, index);
@@ -320,14 +337,16 @@ BOOL Add(HWND w, LONG index, const void *ref, const char *text, LPARAM data, boo
     e->itemData = data;
     if (r->totalItems == -1 && static_cast<long long>(index) + 1 > r->highWater) {
         r->highWater = Wrap(static_cast<long long>(index) + 1);
-        UpdateThumb(w, r);
+        if (!UpdateThumb(w, r))
+            return FALSE;
     }
     DWORD row;
     if ((r = Rec(w)) != nullptr && !scratch && RowOf(r, index, &row)) {
         if (r->moving)
             r->addedOnView = true;
         else
-            RepaintRow(w, r, index);
+            if (!RepaintRow(w, r, index))
+                return FALSE;
     }
     return TRUE;
 }

@@ -38,7 +38,7 @@ void ShiftStep(HWND w, DVListRecord *r, LONG p)
     BYTE *pRef = static_cast<BYTE *>(LocalAlloc(LPTR, r->refSize));
     if (!pRef)
         return;
-    bool havePRef = CopyEntryRef(r, LookUp(w, p, true), pRef);
+    bool havePRef = LookUpRef(w, r, p, pRef);
     if (!(r = Rec(w))) {
         LocalFree(pRef);
         return;
@@ -55,7 +55,8 @@ void ShiftStep(HWND w, DVListRecord *r, LONG p)
         if (r->caretRefValid)
             SetSelRef(w, r, 1, r->caretRef);
         r->updateEnabled = true;
-        RepaintAll(w, r);
+        if (!RepaintAll(w, r))
+            return;
     }
     LocalFree(pRef);
 }
@@ -117,7 +118,8 @@ void OnKeyDown(HWND w, DVListRecord *r, WPARAM key)
             return;
         SelChange(w, r);
         if ((r = Rec(w)) != nullptr)
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return;
         return;
     case VK_PRIOR:
         if ((r->endFlags & kAtTop) && caret <= vis - 1)
@@ -177,20 +179,24 @@ void OnKeyDown(HWND w, DVListRecord *r, WPARAM key)
     if (!multiple) {
         if (DvEntry *e = Cached(r, oldCurrent)) {
             e->flags &= ~kSelected;
-            RepaintRow(w, r, oldCurrent);
+            if (!RepaintRow(w, r, oldCurrent))
+                return;
         }
         if (extended && !shift) {
             SelClear(r);
             r->anchorIndex = r->caretIndex;
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return;
         }
     } else {
         r->currentIndex = oldCurrent;
     }
     if (r->caretIndex != oldCaret)
-        RepaintRow(w, r, oldCaret);
+        if (!RepaintRow(w, r, oldCaret))
+            return;
     if (single)
-        RepaintRow(w, r, oldCurrent);
+        if (!RepaintRow(w, r, oldCurrent))
+            return;
     TakeCaretEntry(w, r, false);
     if (!(r = Rec(w)))
         return;
@@ -201,7 +207,8 @@ void OnKeyDown(HWND w, DVListRecord *r, WPARAM key)
         TakeCaretEntry(w, r, true);
         if (!(r = Rec(w)))
             return;
-        RepaintRow(w, r, r->caretIndex);
+        if (!RepaintRow(w, r, r->caretIndex))
+            return;
     }
     if (extended) {
         if (shift) {
@@ -210,13 +217,15 @@ void OnKeyDown(HWND w, DVListRecord *r, WPARAM key)
                 SelClear(r);
                 SelectRange(w, r, a, r->caretIndex, 1);
                 if ((r = Rec(w)) != nullptr)
-                    RepaintAll(w, r);
+                    if (!RepaintAll(w, r))
+                        return;
             } else {
                 ShiftStep(w, r, oldCaret);
             }
         } else if (r->caretRefValid) {
             SetSelRef(w, r, 1, r->caretRef);
-            RepaintRow(w, r, r->caretIndex);
+            if (!RepaintRow(w, r, r->caretIndex))
+                return;
         }
         if ((r = Rec(w)) != nullptr)
             SelChange(w, r);
@@ -253,7 +262,8 @@ void OnLButtonDown(HWND w, DVListRecord *r, WPARAM keys, int y)
             memcpy(r->currentRef, e->ref, r->refSize);
             e->flags |= kSelected;
         }
-        RepaintRow(w, r, oldCurrent);
+        if (!RepaintRow(w, r, oldCurrent))
+            return;
     } else if (Multiple(w) && !Extended(w)) {
         if (e && e->ref)
             SetSelRef(w, r, 2, e->ref);
@@ -278,7 +288,8 @@ void OnLButtonDown(HWND w, DVListRecord *r, WPARAM keys, int y)
             SelClear(r);
             SelectRange(w, r, r->anchorIndex, r->caretIndex, 1);
             if ((r = Rec(w)) != nullptr)
-                RepaintAll(w, r);
+                if (!RepaintAll(w, r))
+                    return;
         } else {
             r->anchorIndex = r->caretIndex;
             r->anchorRefValid = r->caretRefValid;
@@ -287,13 +298,16 @@ void OnLButtonDown(HWND w, DVListRecord *r, WPARAM keys, int y)
             SelClear(r);
             if (e && e->ref)
                 SetSelRef(w, r, 1, e->ref);
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return;
         }
     }
     if (!(r = Rec(w)))
         return;
-    RepaintRow(w, r, oldCaret);
-    RepaintRow(w, r, index);
+    if (!RepaintRow(w, r, oldCaret))
+        return;
+    if (!RepaintRow(w, r, index))
+        return;
     SetFocus(w);
 }
 
@@ -304,10 +318,11 @@ void OnMouseMove(HWND w, DVListRecord *r, int y)
     LONG old = r->caretIndex, caret = old;
     int rowsBottom = static_cast<int>(r->visibleCount) * r->itemHeight;
     if (y >= 0 && y < rowsBottom) {
+        // Back inside the rows the scrolling stops, past a known end too.
+        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
         caret = IndexAt(r, y);
         if (!Possible(r, caret))
             return;
-        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
     } else {
         VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, true);
         if (y < 0) {
@@ -339,7 +354,8 @@ void OnMouseMove(HWND w, DVListRecord *r, int y)
             memcpy(r->currentRef, e->ref, r->refSize);
             e->flags |= kSelected;
         }
-        RepaintRow(w, r, oldCurrent);
+        if (!RepaintRow(w, r, oldCurrent))
+            return;
     } else if (Extended(w)) {
         r->currentIndex = caret;
         if (DvEntry *e = Cached(r, caret)) {
@@ -352,8 +368,10 @@ void OnMouseMove(HWND w, DVListRecord *r, int y)
         if (!(r = Rec(w)))
             return;
     }
-    RepaintRow(w, r, old);
-    RepaintRow(w, r, caret);
+    if (!RepaintRow(w, r, old))
+        return;
+    if (!RepaintRow(w, r, caret))
+        return;
 }
 
 void OnLButtonUp(HWND w, DVListRecord *r)
@@ -362,13 +380,17 @@ void OnLButtonUp(HWND w, DVListRecord *r)
         return;
     DvEntry *e = LookUp(w, r->caretIndex, false);
     r->caretRefValid = CopyEntryRef(r, e, r->caretRef);
-    r->mouseCaptured = false;
+    EndDrag(w, r);
     ReleaseCapture();
-    if (!(r = Rec(w)))
-        return;
-    SelChange(w, r);
-    if ((r = Rec(w)) != nullptr)
-        VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
+    if (GadgetAlive(w, r))
+        SelChange(w, r);
+}
+
+// The drag ends without a word to anyone: capture lost or WM_CANCELMODE.
+void EndDrag(HWND w, DVListRecord *r)
+{
+    r->mouseCaptured = false;
+    VListSetAutoScroll(w, kAutoScrollTimer, r->autoScrollRunning, false);
 }
 
 void OnChar(HWND w, DVListRecord *r, WPARAM ch, LPARAM lParam)
@@ -430,7 +452,8 @@ void OnTypeAheadTimer(HWND w, DVListRecord *r)
             SetCaretRef(w, r, ref, false);
         if ((r = Rec(w)) != nullptr) {
             r->updateEnabled = true;
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return;
             if (r->redrawEnabled)
                 UpdateWindow(w);
         }

@@ -122,16 +122,19 @@ bool SetSelRef(HWND w, DVListRecord *r, DWORD mode, const void *ref)
             return false;
         }
         MarkCached(r, ref, true, &index);
-        RepaintRow(w, r, index);
+        if (!RepaintRow(w, r, index))
+            return false;
     } else if (!want && found) {
         if (r->selectedCount == 1) {
             SelClear(r);
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return false;
             return true;
         }
         SelRemove(r, at);
         MarkCached(r, ref, false, &index);
-        RepaintRow(w, r, index);
+        if (!RepaintRow(w, r, index))
+            return false;
     }
     return true;
 }
@@ -238,12 +241,14 @@ bool SetRef(HWND w, DVListRecord *r, Which which, const void *ref, bool reloadAs
         SetTop(w, r, index, true, 1);
     } else {
         if (oldFound)
-            RepaintRow(w, r, oldIndex);
+            if (!RepaintRow(w, r, oldIndex))
+                return false;
         if (index != kNoIndex) {
             DWORD row;
             if (RowOf(r, index, &row)) {
                 if (index != oldIndex)
-                    RepaintRow(w, r, index);
+                    if (!RepaintRow(w, r, index))
+                        return false;
             } else {
                 ShowIndex(w, r, index, false, 1);
             }

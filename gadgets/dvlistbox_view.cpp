@@ -15,16 +15,16 @@ RECT RowRect(HWND w, const DVListRecord *r, DWORD row)
     return rect;
 }
 
-void PaintRow(HWND w, DVListRecord *r, HDC dc, DWORD row)
+bool PaintRow(HWND w, DVListRecord *r, HDC dc, DWORD row)
 {
     LONG index = Wrap(static_cast<long long>(r->topIndex) + row);
     RECT rect = RowRect(w, r, row);
     PatBlt(dc, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, PATCOPY);
     if (!Possible(r, index))
-        return;
+        return true;
     if (!InWindow(r, index)) {
         OSErrorSetErrorInfo(RV_Warning);
-        return;
+        return true;
     }
     DvEntry *e = Cached(r, index);
     bool selected = e && (e->flags & kSelected);
@@ -33,8 +33,7 @@ void PaintRow(HWND w, DVListRecord *r, HDC dc, DWORD row)
         VLDRAWREQUEST request = {static_cast<DWORD>(index),
                                  (selected ? VLDS_SELECTED : 0u) | (caret ? VLDS_FOCUS : 0u), dc, rect,
                                  e ? e->itemData : 0, e ? e->text : nullptr};
-        Notify(w, r, VLN_DRAW, &request);
-        return;
+        return Notify(w, r, VLN_DRAW, &request);
     }
     if (e && e->text) {
         SetBkColor(dc, GetSysColor(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
@@ -44,33 +43,43 @@ void PaintRow(HWND w, DVListRecord *r, HDC dc, DWORD row)
     }
     if (caret)
         DrawFocusRect(dc, &rect);
+    return true;
 }
 
-// Paints the rows that meet `clip` (all rows when null) into `dc`.
-void PaintRows(HWND w, DVListRecord *r, HDC dc, const RECT *clip)
+// Paints the rows that meet `clip` (all rows when null) into `dc`. A host
+// that destroys the list from VLN_DRAW ends the pass there.
+bool PaintRows(HWND w, DVListRecord *r, HDC dc, const RECT *clip)
 {
     if (!r->cacheEntries || !CanPaint(r) || r->itemHeight <= 0)
-        return;
+        return true;
     VListRowPaint paint = VListBeginRowPaint(dc, r->font);
+    if (!paint.brush) {
+        VListEndRowPaint(paint);
+        ReportError(w);
+        return GadgetAlive(w, r);
+    }
     RECT client;
     GetClientRect(w, &client);
     if (!clip || Count(r) == 0)
         PatBlt(dc, 0, 0, client.right, client.bottom, PATCOPY);
+    bool alive = true;
     if (Count(r) != 0 || r->totalItems == -1) {
-        for (DWORD row = 0; row < r->visibleCount; ++row) {
+        for (DWORD row = 0; alive && row < r->visibleCount; ++row) {
             RECT rect = RowRect(w, r, row), meet;
             if (!clip || IntersectRect(&meet, &rect, clip))
-                PaintRow(w, r, dc, row);
+                alive = PaintRow(w, r, dc, row);
         }
     }
     VListEndRowPaint(paint);
+    return alive;
 }
 
-void RepaintAll(HWND w, DVListRecord *r)
+bool RepaintAll(HWND w, DVListRecord *r)
 {
-    if (r->memoryDC)
-        PaintRows(w, r, r->memoryDC, nullptr);
+    if (r->memoryDC && !PaintRows(w, r, r->memoryDC, nullptr))
+        return false;
     InvalidateRect(w, nullptr, FALSE);
+    return true;
 }
 
 bool RowOf(const DVListRecord *r, LONG index, DWORD *row)
@@ -82,25 +91,27 @@ bool RowOf(const DVListRecord *r, LONG index, DWORD *row)
     return true;
 }
 
-void RepaintRow(HWND w, DVListRecord *r, LONG index)
+bool RepaintRow(HWND w, DVListRecord *r, LONG index)
 {
     DWORD row;
     if (!RowOf(r, index, &row))
-        return;
+        return true;
     RECT rect = RowRect(w, r, row);
     if (!r->cacheEntries || !CanPaint(r)) {
         ValidateRect(w, &rect);
-        return;
+        return true;
     }
-    if (r->memoryDC)
-        PaintRows(w, r, r->memoryDC, &rect);
+    if (r->memoryDC && !PaintRows(w, r, r->memoryDC, &rect))
+        return false;
     InvalidateRect(w, &rect, FALSE);
+    return true;
 }
 
-void UpdateThumb(HWND w, DVListRecord *r)
+// SetScrollRange may show or hide the bar, which re-enters the procedure.
+bool UpdateThumb(HWND w, DVListRecord *r)
 {
     if (r->inScrollRange)
-        return;
+        return true;
     r->inScrollRange = true;
     DWORD count = Count(r) > 0 ? static_cast<DWORD>(Count(r)) : 0;
     int range = VListThumbRange(count, r->visibleCount);
@@ -108,13 +119,14 @@ void UpdateThumb(HWND w, DVListRecord *r)
     GetScrollRange(w, SB_VERT, &low, &high);
     if (low != 0 || high != range)
         SetScrollRange(w, SB_VERT, 0, range, TRUE);
-    if (!(r = Rec(w)))
-        return;
+    if (!GadgetAlive(w, r))
+        return false;
     DWORD top = r->topIndex > 0 ? static_cast<DWORD>(r->topIndex) : 0;
     int pos = VListThumbFromIndex(top, count, r->visibleCount);
     if (GetScrollPos(w, SB_VERT) != pos)
         SetScrollPos(w, SB_VERT, pos, TRUE);
     r->inScrollRange = false;
+    return true;
 }
 
 // ---------------------------------------------------------------- moves
@@ -131,23 +143,28 @@ LONG ClampTop(const DVListRecord *r, LONG top)
 // The rounds of a move or a reload: place and refill around `newTop` until
 // the host's reports of its ends settle. Returns false when a load ran off
 // the data (pastTop or pastBottom left set).
-bool SettleTop(HWND w, DVListRecord *&r, LONG newTop, LONG &oldTop, bool up, bool atEnd)
+bool SettleTop(HWND w, DVListRecord *&r, LONG newTop, LONG &oldTop, Settle how)
 {
     bool wasUnknown = r->totalItems == -1;
     for (int round = 0; round < kMoveRounds; ++round) {
         r->topIndex = newTop;
         ClearLoadFlags(r);
-        PlaceCache(w, r);
+        if (!PlaceCache(w, r)) {
+            r = nullptr;
+            return true;
+        }
         Refill(w, r);
         if (!(r = Rec(w)))
             return true;
         if (r->pastTop || r->pastBottom) {
-            if (atEnd) {
+            if (how == kSettleAtEnd) {
                 r->pastTop = r->pastBottom = false;
             } else {
-                if (up)
+                // A move keeps the end it moves towards; a plain reload
+                // stops at either.
+                if (how == kSettleUp)
                     r->pastBottom = false;
-                else
+                else if (how == kSettleDown)
                     r->pastTop = false;
                 if (r->pastTop || r->pastBottom)
                     return false;
@@ -184,7 +201,7 @@ void Move(HWND w, DVListRecord *r, LONG top, int step)
     bool up = top < oldTop;
     ++r->moving;
     r->addedOnView = false;
-    bool settled = SettleTop(w, r, top, oldTop, up, false);
+    bool settled = SettleTop(w, r, top, oldTop, up ? kSettleUp : kSettleDown);
     if (!r)
         return;
     --r->moving;
@@ -197,7 +214,8 @@ void Move(HWND w, DVListRecord *r, LONG top, int step)
     long long distance = static_cast<long long>(r->topIndex) - oldTop;
     long long d = distance < 0 ? -distance : distance;
     if (distance == 0 && r->addedOnView) {
-        RepaintAll(w, r);
+        if (!RepaintAll(w, r))
+            return;
     } else if (distance != 0) {
         if (r->memoryDC && CanPaint(r) && d < r->visibleCount) {
             RECT client;
@@ -210,24 +228,27 @@ void Move(HWND w, DVListRecord *r, LONG top, int step)
                 strip.top = rows.bottom - pixels;
             else
                 strip.bottom = pixels;
-            PaintRows(w, r, r->memoryDC, &strip);
+            if (!PaintRows(w, r, r->memoryDC, &strip))
+                return;
             VListGlide(w, r->memoryDC, rows, distance > 0 ? pixels : -pixels, step);
         } else if (r->memoryDC) {
-            RepaintAll(w, r);
+            if (!RepaintAll(w, r))
+                return;
         } else if (d < r->visibleCount && CanPaint(r)) {
             ScrollWindow(w, 0, static_cast<int>(-distance * r->itemHeight), nullptr, nullptr);
         } else {
             InvalidateRect(w, nullptr, TRUE);
         }
     }
-    UpdateThumb(w, r);
+    if (!UpdateThumb(w, r))
+        return;
 }
 
 // Rebuilds the whole window around `top`, which may name an end.
 void Reload(HWND w, DVListRecord *r, LONG top)
 {
-    Flush(w, r);
-    DropScratch(w, r);
+    if (!Flush(w, r) || !DropScratch(w, r))
+        return;
     bool atEnd = false;
     if (top == kSentinelTop) {
         DVListBox_SetAbsoluteTop(w, 0);
@@ -246,7 +267,7 @@ void Reload(HWND w, DVListRecord *r, LONG top)
         top = Wrap(static_cast<long long>(r->totalItems) - r->visibleCount);
     LONG oldTop = r->topIndex;
     ++r->moving;
-    bool settled = SettleTop(w, r, top, oldTop, false, atEnd);
+    bool settled = SettleTop(w, r, top, oldTop, atEnd ? kSettleAtEnd : kSettleReload);
     if (!r)
         return;
     --r->moving;
@@ -257,8 +278,10 @@ void Reload(HWND w, DVListRecord *r, LONG top)
         Reload(w, r, end);
         return;
     }
-    RepaintAll(w, r);
-    UpdateThumb(w, r);
+    if (!RepaintAll(w, r))
+        return;
+    if (!UpdateThumb(w, r))
+        return;
 }
 
 void SetTop(HWND w, DVListRecord *r, LONG index, bool reload, int step)
@@ -275,8 +298,9 @@ void SetTop(HWND w, DVListRecord *r, LONG index, bool reload, int step)
 void ShowIndex(HWND w, DVListRecord *r, LONG index, bool reload, int step)
 {
     DWORD row;
-    if (RowOf(r, index, &row) && !reload) {
-        RepaintRow(w, r, index);
+    if (RowOf(r, index, &row)) {  // on screen: no move, and no reload either
+        if (!RepaintRow(w, r, index))
+            return;
         return;
     }
     LONG top = index;
@@ -286,16 +310,18 @@ void ShowIndex(HWND w, DVListRecord *r, LONG index, bool reload, int step)
 }
 
 // ---------------------------------------------------------------- row fit
-void FitRows(HWND w, DVListRecord *r)
+bool FitRows(HWND w, DVListRecord *r)
 {
     if (r->inResize)
-        return;
+        return true;
     r->inResize = true;
     RECT client;
     GetClientRect(w, &client);
     int height = client.bottom > r->requestedHeight ? client.bottom : r->requestedHeight;
     VListRowMetrics m = VListMeasureRows(w, r->font, HasStyle(w, VLS_OWNERDRAW), r->callback,
                                          r->callbackData, height);
+    if (!GadgetAlive(w, r))  // VLN_MEASURE went to the host
+        return false;
     r->itemHeight = m.itemHeight;
     r->charWidth = m.charWidth;
     r->visibleCount = m.visibleCount;
@@ -313,8 +339,10 @@ void FitRows(HWND w, DVListRecord *r)
     if (r->loadBatch < r->visibleCount)
         r->loadBatch = r->visibleCount;
     VListFitWindow(w, static_cast<int>(r->visibleCount) * m.itemHeight);
-    if ((r = Rec(w)) != nullptr)
-        r->inResize = false;
+    if (!GadgetAlive(w, r))
+        return false;
+    r->inResize = false;
+    return true;
 }
 
 }  // namespace dvl

@@ -17,18 +17,16 @@ LRESULT OnCreate(HWND w)
     return 0;
 }
 
-// The record leaves the window first, so that whatever the host does from
-// the releases and VLN_DESTROY (destroy the window again, call an export)
-// finds no list; it is freed once everything is told.
+// Whatever the host does from the releases and VLN_DESTROY (destroy the
+// window again, call an export) finds no list; the record is freed once
+// everything is told.
 void OnDestroy(HWND w, VListRecord *r)
 {
-    SetWindowLongPtrA(w, 0, 0);
     r->dying = true;
     DropCache(w, r);
     Notify(w, r, VLN_DESTROY, nullptr);
     FreeMemoryDC(r);
     EndDrag(w, r);
-    SetWindowLongPtrA(w, 0, reinterpret_cast<LONG_PTR>(r));
     GadgetFreeRecord(w, true);
 }
 

@@ -49,10 +49,16 @@ struct VListRecord {
     bool focused;
     int clientWidth;
     DWORD cacheCapacity;  // entries the array holds; cacheSize never exceeds it once made
-    bool dying;           // WM_DESTROY has taken the record from the window
+    bool dying;           // WM_DESTROY is releasing everything
 };
 
-inline VListRecord *Rec(HWND w) { return w ? GadgetRecord<VListRecord>(w) : nullptr; }
+// The record, or null; while WM_DESTROY runs, the record belongs to it
+// alone and the exports and messages find none.
+inline VListRecord *Rec(HWND w)
+{
+    VListRecord *r = w ? GadgetRecord<VListRecord>(w) : nullptr;
+    return r && !r->dying ? r : nullptr;
+}
 inline bool HasStyle(HWND w, DWORD mask) { return (GetWindowLongA(w, GWL_STYLE) & mask) == mask; }
 inline bool Extended(HWND w) { return HasStyle(w, VLS_EXTENDEDSEL); }
 inline bool Multiple(HWND w) { return HasStyle(w, VLS_MULTIPLESEL); }

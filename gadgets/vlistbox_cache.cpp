@@ -9,8 +9,7 @@ bool Notify(HWND w, VListRecord *r, UINT code, void *request)
 {
     if (r->callback)
         r->callback(w, code, request, r->callbackData);
-    // While WM_DESTROY runs the record is its own and lives to the end.
-    return r->dying || GadgetAlive(w, r);
+    return GadgetAlive(w, r);
 }
 
 bool ReportError(HWND w)
