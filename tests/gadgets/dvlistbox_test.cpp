@@ -453,6 +453,36 @@ TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
 }
 
 // ------------------------------------------------------------- monkey
+// A plain reload that runs past the top of the data starts again from it.
+TEST_F(DVListBox, APlainReloadPastTheTopRestartsFromTheTop)
+{
+    db_.keys = Keys(200);
+    HWND list = Make(0, -1);
+    EXPECT_TRUE(DVListBox_SetTopIndex(list, -50, TRUE));
+    EXPECT_EQ(0, DVListBox_GetTopIndex(list));
+    EXPECT_EQ(Name(db_.keys[0]), Text(list, 0));
+    EXPECT_EQ(Name(db_.keys[9]), Text(list, 9));
+    Finish(list);
+}
+
+// A key whose caret the host finds on screen (asking for a reload) only
+// repaints the row.
+TEST_F(DVListBox, AKeyThatLeavesTheCaretOnScreenDoesNotReload)
+{
+    db_.keys = Keys(100);
+    HWND list = Make(0, 100);
+    Click(list, 5, 3 * RowHeight() + 1);
+    db_.keys.erase(db_.keys.begin() + 3);  // the caret's record goes, the list reloads
+    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+    ASSERT_EQ(DVL_NOINDEX, DVListBox_GetCaretIndex(list));
+    db_.keys = Keys(100);  // and comes back: VLN_FIND finds it at 3, asking for a reload
+    db_.Take();
+    Key(list, VK_DOWN);
+    EXPECT_EQ(4, DVListBox_GetCaretIndex(list));
+    EXPECT_EQ(Log({"FIND 130", "SELCHANGE"}), db_.Take());
+    Finish(list);
+}
+
 TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
 {
     const int steps = MonkeySteps(20000, 1000);
@@ -462,6 +492,7 @@ TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
     std::mt19937 random(63);
     auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % (n ? n : 1)); };
     HWND list = Make(0, 400, 60, 20);
+    ShowWindow(list, SW_HIDE);  // no glides: they are tested on a visible list
     const int h = RowHeight();
     DWORD rows = kRows;
     for (int step = 0; step < steps; ++step) {

@@ -144,4 +144,36 @@ TEST_F(HostileHost, DVListBoxSurvivesAHostThatDestroysItOrOpensABoxAnywhere)
                 VLN_SETFOCUS, VLN_KILLFOCUS, VLN_CHAR});
 }
 
+// A drag held below the rows auto-scrolls on timer 29; losing the capture
+// (WM_CANCELMODE, or another window taking it) ends it: the timer stops and
+// the release that follows tells nobody.
+TEST_F(HostileHost, DragsEndWhenTheCaptureIsLost)
+{
+    for (bool dynamic : {false, true})
+        for (bool cancel : {false, true}) {
+            Hostile h{dynamic, 0, false, nullptr, {}, false};
+            h.list = CreateList(dynamic ? "QzDVListBox" : "QzVListBox", 7, VLS_NOTIFY, kRows);
+            if (dynamic)
+                DVListBox_Initialize(h.list, 500, 20, 10, 4, HostileProc, reinterpret_cast<LPARAM>(&h));
+            else
+                VListBox_Initialize(h.list, 500, 20, 10, HostileProc, reinterpret_cast<LPARAM>(&h));
+            SendMessageA(h.list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 1));
+            SendMessageA(h.list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, kRows * RowHeight() + 5));
+            ASSERT_EQ(h.list, GetCapture());
+            if (cancel)
+                SendMessageA(h.list, WM_CANCELMODE, 0, 0);
+            else
+                SetCapture(parent_->Window());
+            EXPECT_NE(h.list, GetCapture());
+            EXPECT_FALSE(KillTimer(h.list, 29)) << "dynamic " << dynamic << " cancel " << cancel;
+            h.seen.clear();
+            parent_->Clear();
+            SendMessageA(h.list, WM_LBUTTONUP, 0, MAKELPARAM(5, 1));
+            EXPECT_TRUE(h.seen.empty());
+            EXPECT_TRUE(parent_->Take().empty());
+            ReleaseCapture();
+            DestroyWindow(h.list);
+        }
+}
+
 }  // namespace
