@@ -1,6 +1,7 @@
 // The virtual lists under a host that, inside one notification or callback,
 // destroys the list or opens a message box; run under Wine's heap checks.
 #include "vlist_test_fixture.h"
+#include "failure_seam.h"
 #include "message_box_driver.h"
 #include "qziso32.h"
 #include <functional>
@@ -174,6 +175,47 @@ TEST_F(HostileHost, DragsEndWhenTheCaptureIsLost)
             ReleaseCapture();
             DestroyWindow(h.list);
         }
+}
+
+// With GDI objects short, each failure while a list scrolls and repaints is
+// recorded; with memory short, DVListBox_SetCurSel says why it failed.
+TEST_F(HostileHost, ShortagesWhilePaintingAreRecorded)
+{
+    for (bool dynamic : {false, true}) {
+        Hostile h{dynamic, 0, false, nullptr, {}, false};
+        h.list = CreateList(dynamic ? "QzDVListBox" : "QzVListBox", 7, 0, kRows);
+        if (dynamic)
+            DVListBox_Initialize(h.list, 500, 20, 10, 4, HostileProc, reinterpret_cast<LPARAM>(&h));
+        else
+            VListBox_Initialize(h.list, 500, 20, 10, HostileProc, reinterpret_cast<LPARAM>(&h));
+        auto scroll = [&] {
+            SendMessageA(h.list, WM_VSCROLL, SB_TOP, 0);
+            SendMessageA(h.list, WM_VSCROLL, SB_PAGEDOWN, 0);
+        };
+        unsigned points;
+        {
+            FailureSeam count(FailureSeam::Gdi, 0);
+            scroll();
+            points = count.Calls();
+        }
+        ASSERT_GT(points, 0u);
+        for (unsigned n = 1; n <= points; ++n) {
+            OSErrorClearError();
+            {
+                FailureSeam seam(FailureSeam::Gdi, n);
+                scroll();
+            }
+            EXPECT_NE(0, OSErrorGetErrorInfo()->errorCode) << "dynamic " << dynamic << " point " << n;
+        }
+        if (dynamic) {
+            OSErrorClearError();
+            FailureSeam seam(FailureSeam::Memory, 1);
+            EXPECT_FALSE(DVListBox_SetCurSel(h.list, 3));
+            EXPECT_EQ(RV_OutOfLocalMemory, OSErrorGetErrorInfo()->errorCode);
+        }
+        OSErrorClearError();
+        DestroyWindow(h.list);
+    }
 }
 
 }  // namespace
