@@ -244,6 +244,12 @@ BOOL AddTab(HWND gadget, TabKind kind, const char *label, DWORD tabId, const DWO
     DialogTabRecord *record = TabRecordOf(gadget);
     if (!record)
         return FALSE;
+    // A list tab's label is text; a number below 65536 there is no address.
+    if (kind != TK_Dialog && label && IS_INTRESOURCE(label)) {
+        OSErrorSetErrorInfo(RV_BadParms);
+        *building = nullptr;
+        return FALSE;
+    }
     *building = record->firstTab;
     TabNode *node = static_cast<TabNode *>(LocalAlloc(LPTR, sizeof(TabNode)));
     if (!node) {

@@ -152,6 +152,13 @@ TEST_F(DialogTab, InclusionAndExclusionTabs)
     // The Ex variant hides a page whatever follows it.
     Tab_SetCurrentTabEx(tabs_, 4);
     ExpectShown(Item(202), false, false, "page 1 edit after the Ex switch");
+
+    // A list tab's label is text: a number below 65536 is refused, not read.
+    OSErrorClearError();
+    EXPECT_FALSE(Tab_AddInclusionTab(tabs_, MAKEINTRESOURCEA(7), 6, kIncluded, 0));
+    EXPECT_FALSE(Tab_AddExclusionTab(tabs_, MAKEINTRESOURCEA(65535), 7, kExcluded));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorInfo()->errorCode);
+    OSErrorClearError();
 }
 
 TEST_F(DialogTab, NotificationsInOrder)
