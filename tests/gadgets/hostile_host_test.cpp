@@ -69,10 +69,6 @@ void Exercise(HWND list, Hostile &h)
 {
     const int rh = RowHeight();
     auto live = [&] { return IsWindow(list) != FALSE; };
-    if (h.dynamic)
-        DVListBox_Initialize(list, 500, 20, 10, 4, HostileProc, reinterpret_cast<LPARAM>(&h));
-    else
-        VListBox_Initialize(list, 500, 20, 10, HostileProc, reinterpret_cast<LPARAM>(&h));
     const std::function<void()> steps[] = {
         [&] { SetFocus(list); },
         [&] { SetWindowPos(list, nullptr, 0, 0, 200, 2 * kRows * rh, SWP_NOMOVE | SWP_NOZORDER); },
@@ -105,6 +101,17 @@ void Exercise(HWND list, Hostile &h)
 
 class HostileHost : public VListFixture {
 protected:
+    // A list of 500 items with a cache of 20 and a batch of 10, for `h`.
+    void Make(Hostile &h, DWORD style)
+    {
+        h.list = CreateList(h.dynamic ? "QzDVListBox" : "QzVListBox", 7,
+                            style | (h.dynamic ? VLS_STRINGS : 0), kRows);
+        ASSERT_TRUE(h.list);
+        if (h.dynamic)
+            DVListBox_Initialize(h.list, 500, 20, 10, 4, HostileProc, reinterpret_cast<LPARAM>(&h));
+        else
+            VListBox_Initialize(h.list, 500, 20, 10, HostileProc, reinterpret_cast<LPARAM>(&h));
+    }
     void Walk(bool dynamic, const std::vector<UINT> &targets)
     {
         MessageBoxDriver boxes;
@@ -117,10 +124,7 @@ protected:
                         h.Meet(kParent | HIWORD(wParam));
                     return LRESULT(0);
                 });
-                h.list = CreateList(dynamic ? "QzDVListBox" : "QzVListBox", 7,
-                                    VLS_OWNERDRAW | VLS_NOTIFY | VLS_WANTCHARS |
-                                        (dynamic ? VLS_STRINGS : 0), kRows);
-                ASSERT_TRUE(h.list);
+                Make(h, VLS_OWNERDRAW | VLS_NOTIFY | VLS_WANTCHARS);
                 Exercise(h.list, h);
                 parent_->Answer(nullptr);
                 EXPECT_TRUE(h.acted) << "target " << std::hex << target << " box " << box;
@@ -153,11 +157,7 @@ TEST_F(HostileHost, DragsEndWhenTheCaptureIsLost)
     for (bool dynamic : {false, true})
         for (bool cancel : {false, true}) {
             Hostile h{dynamic, 0, false, nullptr, {}, false};
-            h.list = CreateList(dynamic ? "QzDVListBox" : "QzVListBox", 7, VLS_NOTIFY, kRows);
-            if (dynamic)
-                DVListBox_Initialize(h.list, 500, 20, 10, 4, HostileProc, reinterpret_cast<LPARAM>(&h));
-            else
-                VListBox_Initialize(h.list, 500, 20, 10, HostileProc, reinterpret_cast<LPARAM>(&h));
+            Make(h, VLS_NOTIFY);
             SendMessageA(h.list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 1));
             SendMessageA(h.list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, kRows * RowHeight() + 5));
             ASSERT_EQ(h.list, GetCapture());
@@ -183,11 +183,7 @@ TEST_F(HostileHost, ShortagesWhilePaintingAreRecorded)
 {
     for (bool dynamic : {false, true}) {
         Hostile h{dynamic, 0, false, nullptr, {}, false};
-        h.list = CreateList(dynamic ? "QzDVListBox" : "QzVListBox", 7, 0, kRows);
-        if (dynamic)
-            DVListBox_Initialize(h.list, 500, 20, 10, 4, HostileProc, reinterpret_cast<LPARAM>(&h));
-        else
-            VListBox_Initialize(h.list, 500, 20, 10, HostileProc, reinterpret_cast<LPARAM>(&h));
+        Make(h, 0);
         auto scroll = [&] {
             SendMessageA(h.list, WM_VSCROLL, SB_TOP, 0);
             SendMessageA(h.list, WM_VSCROLL, SB_PAGEDOWN, 0);
