@@ -220,9 +220,8 @@ void InvalidateTab(HWND gadget, const TabNode *tab)
 LRESULT SetCurrent(HWND gadget, DWORD tabId, SwitchKind kind)
 {
     DialogTabRecord *record = TabRecordOf(gadget);
-    if (!record)
+    if (!record || !GadgetNotifyAlive(gadget, kTabChanging, record))
         return 0;
-    GadgetNotifyParent(gadget, kTabChanging);
     TabNode *old = record->currentTab;
     TabNode *next = FindTab(record, tabId);
     record->currentTab = next;
@@ -232,6 +231,8 @@ LRESULT SetCurrent(HWND gadget, DWORD tabId, SwitchKind kind)
     InvalidateTab(gadget, next);
     UpdateWindow(gadget);
     SwitchPages(gadget, old, next, kind == SK_Ex);
+    if (!GadgetAlive(gadget, record))  // the new page's controls may have told the host
+        return 0;
     if (kind != SK_Plain)
         RedrawWindow(GetParent(gadget), nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME);
     return GadgetNotifyParent(gadget, kTabChanged);
@@ -565,11 +566,20 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
     BOOL done = FALSE;
     DWORD size = 0;
     HGLOBAL loaded = TabLoadTemplate(tabs, node, module, templateName, !current, &size);
-    if (loaded) {
-        if (current) {
-            GadgetNotifyParent(tabs, kTabChanging);
-            TabHideDialogControls(tabs, node, loaded, size, &region);
+    if (loaded && current && !GadgetNotifyAlive(tabs, kTabChanging, record)) {
+        // The host took the tabs down: give back what this call took.
+        FreeResource(loaded);
+        if (region)
+            DeleteObject(region);
+        if (IsWindow(parent)) {
+            SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
+            InvalidateRect(parent, nullptr, TRUE);
         }
+        return FALSE;
+    }
+    if (loaded) {
+        if (current)
+            TabHideDialogControls(tabs, node, loaded, size, &region);
         char *text = CopyLabel(label, module);
         if (text) {
             if (node->dialogTemplate)

@@ -2,6 +2,7 @@
 // to TABPAGE3 share the button 210, and the host's own controls 300 and 301
 // serve the inclusion and exclusion tabs.
 #include "qz_test.h"
+#include "message_box_driver.h"
 #include "window_harness.h"
 #include <functional>
 #include <random>
@@ -13,11 +14,20 @@ const int ID_TABS = 100;
 const DWORD kIncluded[] = {300, 0};
 const DWORD kExcluded[] = {301, 0};
 std::vector<Message> g_seen;
+WORD g_actOn;  // a hostile host: at this notification it destroys the tabs,
+bool g_box;    // or opens a box
 
-INT_PTR CALLBACK HostProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
+INT_PTR CALLBACK HostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_COMMAND || message == WM_SETREDRAW)
         g_seen.push_back({message, sent, wParam, lParam});
+    if (message == WM_COMMAND && g_actOn && HIWORD(wParam) == g_actOn) {
+        g_actOn = 0;
+        if (g_box)
+            MessageBoxA(dialog, "inside a notification", "host", MB_OK);
+        else
+            DestroyWindow(reinterpret_cast<HWND>(lParam));
+    }
     return message == WM_INITDIALOG;
 }
 
@@ -126,6 +136,30 @@ TEST_F(DialogTab, SwitchShowsHidesAndMovesThePagesControls)
     Tab_SetCurrentTab(tabs_, 2);
     ExpectShown(Item(222), true, false, "disabled by the host");
     ExpectShown(Item(223), true, true, "enabled as before");
+}
+
+// A parent that destroys the tabs, or opens a box, in each notification of
+// a page change (by the current tab, or by replacing the current page).
+TEST_F(DialogTab, HostileParentInEachNotification)
+{
+    MessageBoxDriver boxes;
+    boxes.AnswerOthers(IDOK, false);
+    for (WORD code : {0x64, 0xC8})
+        for (bool box : {false, true})
+            for (bool replace : {false, true}) {
+                AddPages();
+                g_actOn = code;
+                g_box = box;
+                if (replace)
+                    Tab_TransmogrifyDialogTab(tabs_, "New", 1, 9, resources_, "TABPAGE2");
+                else
+                    Tab_SetCurrentTab(tabs_, 2);
+                EXPECT_EQ(0, g_actOn) << "code " << code << " replace " << replace;
+                EXPECT_EQ(box, IsWindow(tabs_) != FALSE);
+                EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+                TearDown();
+                SetUp();
+            }
 }
 
 TEST_F(DialogTab, InclusionAndExclusionTabs)
