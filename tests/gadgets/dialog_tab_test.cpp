@@ -162,6 +162,20 @@ TEST_F(DialogTab, HostileParentInEachNotification)
             }
 }
 
+// The tab's font goes to the controls it makes, not to a control of the
+// host's own that a page names.
+TEST_F(DialogTab, ItsFontGoesOnlyToTheControlsItMakes)
+{
+    HWND own = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 12, dialog_,
+                               reinterpret_cast<HMENU>(231), nullptr, nullptr);
+    HGDIOBJ theirs = GetStockObject(ANSI_FIXED_FONT), mine = GetStockObject(ANSI_VAR_FONT);
+    SendMessageA(own, WM_SETFONT, reinterpret_cast<WPARAM>(theirs), 0);
+    SendMessageA(tabs_, WM_SETFONT, reinterpret_cast<WPARAM>(mine), 0);
+    AddPages();
+    EXPECT_EQ(reinterpret_cast<LRESULT>(theirs), SendMessageA(own, WM_GETFONT, 0, 0));
+    EXPECT_EQ(reinterpret_cast<LRESULT>(mine), SendMessageA(Item(202), WM_GETFONT, 0, 0));
+}
+
 TEST_F(DialogTab, InclusionAndExclusionTabs)
 {
     AddPages();
