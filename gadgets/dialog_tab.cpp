@@ -5,6 +5,7 @@
 // controls hidden only while it is current (exclusion). The gadget lies over
 // the page too, so it passes on the mouse that is not for its tabs.
 #include "dialog_tab.h"
+#include <string.h>
 
 namespace {
 
@@ -565,7 +566,14 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
     }
     BOOL done = FALSE;
     DWORD size = 0;
+    // With own controls the load writes the new page's handles over the old
+    // ones: the old are kept here, hidden from here and then destroyed.
+    const bool own = OwnsControls(tabs);
+    HWND previous[kTabControlSlots];
+    memcpy(previous, node->controls, sizeof previous);
     HGLOBAL loaded = TabLoadTemplate(tabs, node, module, templateName, !current, &size);
+    if (!loaded && own)
+        memcpy(node->controls, previous, sizeof previous);
     if (loaded && current && !GadgetNotifyAlive(tabs, kTabChanging, record)) {
         // The host took the tabs down: give back what this call took.
         FreeResource(loaded);
@@ -578,8 +586,15 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
         return FALSE;
     }
     if (loaded) {
-        if (current)
+        if (current && own) {
+            HWND fresh[kTabControlSlots];
+            memcpy(fresh, node->controls, sizeof fresh);
+            memcpy(node->controls, previous, sizeof previous);
             TabHideDialogControls(tabs, node, loaded, size, &region);
+            memcpy(node->controls, fresh, sizeof fresh);
+        } else if (current) {
+            TabHideDialogControls(tabs, node, loaded, size, &region);
+        }
         char *text = CopyLabel(label, module);
         if (text) {
             if (node->dialogTemplate)
@@ -594,6 +609,14 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
         } else {
             FreeResource(loaded);
         }
+        // The page that goes takes its own controls with it; a failed
+        // replacement keeps the old page and drops the new one's.
+        HWND *gone = done ? previous : node->controls;
+        for (int i = 0; own && i < kTabControlSlots; ++i)
+            if (gone[i] && IsWindow(gone[i]))
+                DestroyWindow(gone[i]);
+        if (own && !done)
+            memcpy(node->controls, previous, sizeof previous);
     }
     // Also after a failure: the parent is never left with redraw off.
     if (current) {

@@ -176,6 +176,24 @@ TEST_F(DialogTab, ItsFontGoesOnlyToTheControlsItMakes)
     EXPECT_EQ(reinterpret_cast<LRESULT>(mine), SendMessageA(Item(202), WM_GETFONT, 0, 0));
 }
 
+// Tabs that own their controls: replacing the current page's template
+// leaves none of the old page's controls behind, only the new page's.
+TEST_F(DialogTab, ReplacingAnOwnPageLeavesNoneOfTheOldControls)
+{
+    SetWindowLongA(tabs_, GWL_STYLE, GetWindowLongA(tabs_, GWL_STYLE) | 0x0004);
+    AddPages();
+    ASSERT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "New", 1, 9, resources_, "TABPAGE3"));
+    int old = 0, details = 0;
+    for (HWND c = GetWindow(dialog_, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) {
+        int id = GetDlgCtrlID(c);
+        old += id >= 201 && id <= 204 && IsWindowVisible(c);
+        details += id == 210 && IsWindowVisible(c);
+    }
+    EXPECT_EQ(0, old) << "page 1's own controls";
+    EXPECT_EQ(1, details) << "one Details button, the new page's";
+    EXPECT_TRUE(IsWindowVisible(Item(231)));
+}
+
 TEST_F(DialogTab, InclusionAndExclusionTabs)
 {
     AddPages();
