@@ -483,6 +483,31 @@ TEST_F(DVListBox, AKeyThatLeavesTheCaretOnScreenDoesNotReload)
     Finish(list);
 }
 
+// The selection block taken whole, then grown and shrunk one reference at a
+// time, gives back every reference in order (keys under 256, so that their
+// byte order, which the block keeps, is their numeric order).
+TEST_F(DVListBox, SelectionBlockGrowsAndShrinksByOneReference)
+{
+    db_.keys = Keys(400);
+    HWND list = Make(VLS_MULTIPLESEL, 400);
+    std::vector<DWORD> refs(db_.keys.begin(), db_.keys.begin() + 15), back(16);
+    EXPECT_TRUE(DVListBox_SetSelItems(list, 15, refs.data()));
+    EXPECT_TRUE(DVListBox_GetSel(list, 5));
+    const DWORD added = 105;  // between the first two references
+    EXPECT_TRUE(DVListBox_SetSelRef(list, 1, &added));
+    refs.insert(refs.begin() + 1, added);
+    ASSERT_EQ(16u, DVListBox_GetSelCount(list));
+    EXPECT_TRUE(DVListBox_GetSelItems(list, back.data()));
+    EXPECT_EQ(refs, back);
+    EXPECT_TRUE(DVListBox_SetSelRef(list, 0, &db_.keys[14]));
+    refs.pop_back();
+    back.assign(15, 0);
+    EXPECT_TRUE(DVListBox_GetSelItems(list, back.data()));
+    EXPECT_EQ(refs, back);
+    EXPECT_FALSE(DVListBox_GetSel(list, 14));
+    Finish(list);
+}
+
 TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
 {
     const int steps = MonkeySteps(20000, 1000);
