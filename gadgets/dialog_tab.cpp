@@ -5,6 +5,7 @@
 // controls hidden only while it is current (exclusion). The gadget lies over
 // the page too, so it passes on the mouse that is not for its tabs.
 #include "dialog_tab.h"
+#include <string.h>
 
 namespace {
 
@@ -220,9 +221,8 @@ void InvalidateTab(HWND gadget, const TabNode *tab)
 LRESULT SetCurrent(HWND gadget, DWORD tabId, SwitchKind kind)
 {
     DialogTabRecord *record = TabRecordOf(gadget);
-    if (!record)
+    if (!record || !GadgetNotifyAlive(gadget, kTabChanging, record))
         return 0;
-    GadgetNotifyParent(gadget, kTabChanging);
     TabNode *old = record->currentTab;
     TabNode *next = FindTab(record, tabId);
     record->currentTab = next;
@@ -232,6 +232,8 @@ LRESULT SetCurrent(HWND gadget, DWORD tabId, SwitchKind kind)
     InvalidateTab(gadget, next);
     UpdateWindow(gadget);
     SwitchPages(gadget, old, next, kind == SK_Ex);
+    if (!GadgetAlive(gadget, record))  // the new page's controls may have told the host
+        return 0;
     if (kind != SK_Plain)
         RedrawWindow(GetParent(gadget), nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME);
     return GadgetNotifyParent(gadget, kTabChanged);
@@ -244,6 +246,12 @@ BOOL AddTab(HWND gadget, TabKind kind, const char *label, DWORD tabId, const DWO
     DialogTabRecord *record = TabRecordOf(gadget);
     if (!record)
         return FALSE;
+    // A list tab's label is text; a number below 65536 there is no address.
+    if (kind != TK_Dialog && label && IS_INTRESOURCE(label)) {
+        OSErrorSetErrorInfo(RV_BadParms);
+        *building = nullptr;
+        return FALSE;
+    }
     *building = record->firstTab;
     TabNode *node = static_cast<TabNode *>(LocalAlloc(LPTR, sizeof(TabNode)));
     if (!node) {
@@ -558,10 +566,33 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
     }
     BOOL done = FALSE;
     DWORD size = 0;
+    // With own controls the load writes the new page's handles over the old
+    // ones: the old are kept here, hidden from here and then destroyed.
+    const bool own = OwnsControls(tabs);
+    HWND previous[kTabControlSlots];
+    memcpy(previous, node->controls, sizeof previous);
     HGLOBAL loaded = TabLoadTemplate(tabs, node, module, templateName, !current, &size);
+    if (!loaded && own)
+        memcpy(node->controls, previous, sizeof previous);
+    if (loaded && current && !GadgetNotifyAlive(tabs, kTabChanging, record)) {
+        // The host took the tabs down: give back what this call took.
+        FreeResource(loaded);
+        if (region)
+            DeleteObject(region);
+        if (IsWindow(parent)) {
+            SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
+            InvalidateRect(parent, nullptr, TRUE);
+        }
+        return FALSE;
+    }
     if (loaded) {
-        if (current) {
-            GadgetNotifyParent(tabs, kTabChanging);
+        if (current && own) {
+            HWND fresh[kTabControlSlots];
+            memcpy(fresh, node->controls, sizeof fresh);
+            memcpy(node->controls, previous, sizeof previous);
+            TabHideDialogControls(tabs, node, loaded, size, &region);
+            memcpy(node->controls, fresh, sizeof fresh);
+        } else if (current) {
             TabHideDialogControls(tabs, node, loaded, size, &region);
         }
         char *text = CopyLabel(label, module);
@@ -578,6 +609,14 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
         } else {
             FreeResource(loaded);
         }
+        // The page that goes takes its own controls with it; a failed
+        // replacement keeps the old page and drops the new one's.
+        HWND *gone = done ? previous : node->controls;
+        for (int i = 0; own && i < kTabControlSlots; ++i)
+            if (gone[i] && IsWindow(gone[i]))
+                DestroyWindow(gone[i]);
+        if (own && !done)
+            memcpy(node->controls, previous, sizeof previous);
     }
     // Also after a failure: the parent is never left with redraw off.
     if (current) {

@@ -261,7 +261,7 @@ HGLOBAL TabLoadTemplate(HWND gadget, TabNode *node, HMODULE module, LPCSTR name,
             SetVisibleBit(control, false);
             EnableWindow(control, FALSE);
         }
-        if (font)
+        if (font && made)  // the host's own controls keep their font
             SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), 0);
     }
     *size = walk.size;

@@ -169,7 +169,9 @@ DWORD VListIndexFromThumb(int thumb, DWORD count, DWORD visible)
 
 void VListGlide(HWND window, HDC memory, const RECT &rows, int distance, int step)
 {
-    if (distance == 0)
+    // Nobody sees the slices of a hidden window; it shows the final picture
+    // from `memory` when it is shown.
+    if (distance == 0 || !IsWindowVisible(window))
         return;
     HDC screen = GetDC(window);
     if (!screen) {
@@ -290,14 +292,18 @@ VListRowPaint VListBeginRowPaint(HDC dc, HFONT font)
     paint.dc = dc;
     paint.oldFont = SelectObject(dc, font ? font : GetStockObject(SYSTEM_FONT));
     paint.brush = CreateSolidBrush(GetSysColor(COLOR_WINDOW));
-    paint.oldBrush = SelectObject(dc, paint.brush);
+    if (!paint.brush)
+        OSErrorSetErrorInfo(RV_GDIError, "CreateSolidBrush");
+    paint.oldBrush = paint.brush ? SelectObject(dc, paint.brush) : nullptr;
     return paint;
 }
 
 void VListEndRowPaint(const VListRowPaint &paint)
 {
-    SelectObject(paint.dc, paint.oldBrush);
-    DeleteObject(paint.brush);
+    if (paint.brush) {
+        SelectObject(paint.dc, paint.oldBrush);
+        DeleteObject(paint.brush);
+    }
     SelectObject(paint.dc, paint.oldFont);
 }
 

@@ -39,6 +39,7 @@ DWORD VListIndexFromThumb(int thumb, DWORD count, DWORD visible);
 // Moves the rows area `rows` of the window's content by `distance` pixels
 // (positive: the content moves up) in steps of `step` pixels, copying each
 // uncovered slice from `memory`, which already holds the final picture.
+// A hidden window is left alone: it shows `memory` when it is shown.
 void VListGlide(HWND window, HDC memory, const RECT &rows, int distance, int step);
 
 // ---------------------------------------------------------------- row fit
@@ -79,6 +80,7 @@ struct VListRowPaint {
     HBRUSH brush;
     HGDIOBJ oldBrush;
 };
+// A brush that cannot be made leaves `brush` null, with RV_GDIError recorded.
 VListRowPaint VListBeginRowPaint(HDC dc, HFONT font);
 void VListEndRowPaint(const VListRowPaint &paint);
 // Copies `area` of the off-screen copy `memory` to the same place on `dc`.

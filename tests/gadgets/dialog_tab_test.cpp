@@ -2,6 +2,7 @@
 // to TABPAGE3 share the button 210, and the host's own controls 300 and 301
 // serve the inclusion and exclusion tabs.
 #include "qz_test.h"
+#include "message_box_driver.h"
 #include "window_harness.h"
 #include <functional>
 #include <random>
@@ -13,11 +14,20 @@ const int ID_TABS = 100;
 const DWORD kIncluded[] = {300, 0};
 const DWORD kExcluded[] = {301, 0};
 std::vector<Message> g_seen;
+WORD g_actOn;  // a hostile host: at this notification it destroys the tabs,
+bool g_box;    // or opens a box
 
-INT_PTR CALLBACK HostProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
+INT_PTR CALLBACK HostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_COMMAND || message == WM_SETREDRAW)
         g_seen.push_back({message, sent, wParam, lParam});
+    if (message == WM_COMMAND && g_actOn && HIWORD(wParam) == g_actOn) {
+        g_actOn = 0;
+        if (g_box)
+            MessageBoxA(dialog, "inside a notification", "host", MB_OK);
+        else
+            DestroyWindow(reinterpret_cast<HWND>(lParam));
+    }
     return message == WM_INITDIALOG;
 }
 
@@ -128,6 +138,62 @@ TEST_F(DialogTab, SwitchShowsHidesAndMovesThePagesControls)
     ExpectShown(Item(223), true, true, "enabled as before");
 }
 
+// A parent that destroys the tabs, or opens a box, in each notification of
+// a page change (by the current tab, or by replacing the current page).
+TEST_F(DialogTab, HostileParentInEachNotification)
+{
+    MessageBoxDriver boxes;
+    boxes.AnswerOthers(IDOK, false);
+    for (WORD code : {0x64, 0xC8})
+        for (bool box : {false, true})
+            for (bool replace : {false, true}) {
+                AddPages();
+                g_actOn = code;
+                g_box = box;
+                if (replace)
+                    Tab_TransmogrifyDialogTab(tabs_, "New", 1, 9, resources_, "TABPAGE2");
+                else
+                    Tab_SetCurrentTab(tabs_, 2);
+                EXPECT_EQ(0, g_actOn) << "code " << code << " replace " << replace;
+                EXPECT_EQ(box, IsWindow(tabs_) != FALSE);
+                EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+                TearDown();
+                SetUp();
+            }
+}
+
+// The tab's font goes to the controls it makes, not to a control of the
+// host's own that a page names.
+TEST_F(DialogTab, ItsFontGoesOnlyToTheControlsItMakes)
+{
+    HWND own = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 12, dialog_,
+                               reinterpret_cast<HMENU>(231), nullptr, nullptr);
+    HGDIOBJ theirs = GetStockObject(ANSI_FIXED_FONT), mine = GetStockObject(ANSI_VAR_FONT);
+    SendMessageA(own, WM_SETFONT, reinterpret_cast<WPARAM>(theirs), 0);
+    SendMessageA(tabs_, WM_SETFONT, reinterpret_cast<WPARAM>(mine), 0);
+    AddPages();
+    EXPECT_EQ(reinterpret_cast<LRESULT>(theirs), SendMessageA(own, WM_GETFONT, 0, 0));
+    EXPECT_EQ(reinterpret_cast<LRESULT>(mine), SendMessageA(Item(202), WM_GETFONT, 0, 0));
+}
+
+// Tabs that own their controls: replacing the current page's template
+// leaves none of the old page's controls behind, only the new page's.
+TEST_F(DialogTab, ReplacingAnOwnPageLeavesNoneOfTheOldControls)
+{
+    SetWindowLongA(tabs_, GWL_STYLE, GetWindowLongA(tabs_, GWL_STYLE) | 0x0004);
+    AddPages();
+    ASSERT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "New", 1, 9, resources_, "TABPAGE3"));
+    int old = 0, details = 0;
+    for (HWND c = GetWindow(dialog_, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) {
+        int id = GetDlgCtrlID(c);
+        old += id >= 201 && id <= 204 && IsWindowVisible(c);
+        details += id == 210 && IsWindowVisible(c);
+    }
+    EXPECT_EQ(0, old) << "page 1's own controls";
+    EXPECT_EQ(1, details) << "one Details button, the new page's";
+    EXPECT_TRUE(IsWindowVisible(Item(231)));
+}
+
 TEST_F(DialogTab, InclusionAndExclusionTabs)
 {
     AddPages();
@@ -152,6 +218,13 @@ TEST_F(DialogTab, InclusionAndExclusionTabs)
     // The Ex variant hides a page whatever follows it.
     Tab_SetCurrentTabEx(tabs_, 4);
     ExpectShown(Item(202), false, false, "page 1 edit after the Ex switch");
+
+    // A list tab's label is text: a number below 65536 is refused, not read.
+    OSErrorClearError();
+    EXPECT_FALSE(Tab_AddInclusionTab(tabs_, MAKEINTRESOURCEA(7), 6, kIncluded, 0));
+    EXPECT_FALSE(Tab_AddExclusionTab(tabs_, MAKEINTRESOURCEA(65535), 7, kExcluded));
+    EXPECT_EQ(RV_BadParms, OSErrorGetErrorInfo()->errorCode);
+    OSErrorClearError();
 }
 
 TEST_F(DialogTab, NotificationsInOrder)

@@ -216,17 +216,17 @@ TEST_F(DVListBox, PlacesItsWindowFromTheTopAndReleasesOnlyLeavingEntries)
     db_.keys = Keys(1000);
     HWND list = Make(0, 1000);
     EXPECT_TRUE(DVListBox_SetTopIndex(list, 5, FALSE));
-    EXPECT_EQ(Log({"LOAD 10 20 1000"}), db_.Take()) << "the window at 0 still covers the view";
+    EXPECT_EQ(Log({"LOAD 10 21 1000"}), db_.Take()) << "the window at 0 still covers the view";
     Log jump;
-    for (int i = 0; i < 30; ++i) jump.push_back("RELEASE " + std::to_string(i));
-    jump.push_back("LOAD 95 20 1000");
+    for (int i = 0; i < 31; ++i) jump.push_back("RELEASE " + std::to_string(i));
+    jump.push_back("LOAD 95 21 1000");
     EXPECT_TRUE(DVListBox_SetTopIndex(list, 100, FALSE));
     EXPECT_EQ(jump, db_.Take());
     SendMessageA(list, WM_VSCROLL, SB_LINEDOWN, 0);
     EXPECT_EQ(Log(), db_.Take());
     Log on;
     for (int i = 95; i < 105; ++i) on.push_back("RELEASE " + std::to_string(i));
-    on.push_back("LOAD 115 20 1000");
+    on.push_back("LOAD 116 21 1000");
     EXPECT_TRUE(DVListBox_SetTopIndex(list, 120, FALSE));
     EXPECT_EQ(on, db_.Take()) << "only valid entries that leave are released";
     EXPECT_EQ(Name(db_.keys[120]), Text(list, 120));
@@ -251,9 +251,9 @@ TEST_F(DVListBox, RebasesIndicesWhenTheHostFindsItsFirstRecord)
     EXPECT_EQ(-1, DVListBox_GetTopIndex(list));
     SendMessageA(list, WM_VSCROLL, SB_PAGEUP, 0);
     got = db_.Take();
-    ASSERT_EQ(6u, got.size()) << "what leaves the window, then the run above";
+    ASSERT_EQ(7u, got.size()) << "what leaves the window, then the run above";
     EXPECT_EQ("RELEASE 15", got[0]);
-    EXPECT_EQ(0u, got[5].rfind("LOAD -15 14 ", 0));
+    EXPECT_EQ(0u, got[6].rfind("LOAD -15 14 ", 0));
     EXPECT_EQ(0, DVListBox_GetTopIndex(list)) << "clamped at the real top after the shift";
     EXPECT_EQ(Name(db_.keys[0]), Text(list, 0));
     EXPECT_EQ(Name(db_.keys[2]), Text(list, 2)) << "the old index -1 is now 2";
@@ -453,6 +453,61 @@ TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
 }
 
 // ------------------------------------------------------------- monkey
+// A plain reload that runs past the top of the data starts again from it.
+TEST_F(DVListBox, APlainReloadPastTheTopRestartsFromTheTop)
+{
+    db_.keys = Keys(200);
+    HWND list = Make(0, -1);
+    EXPECT_TRUE(DVListBox_SetTopIndex(list, -50, TRUE));
+    EXPECT_EQ(0, DVListBox_GetTopIndex(list));
+    EXPECT_EQ(Name(db_.keys[0]), Text(list, 0));
+    EXPECT_EQ(Name(db_.keys[9]), Text(list, 9));
+    Finish(list);
+}
+
+// A key whose caret the host finds on screen (asking for a reload) only
+// repaints the row.
+TEST_F(DVListBox, AKeyThatLeavesTheCaretOnScreenDoesNotReload)
+{
+    db_.keys = Keys(100);
+    HWND list = Make(0, 100);
+    Click(list, 5, 3 * RowHeight() + 1);
+    db_.keys.erase(db_.keys.begin() + 3);  // the caret's record goes, the list reloads
+    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+    ASSERT_EQ(DVL_NOINDEX, DVListBox_GetCaretIndex(list));
+    db_.keys = Keys(100);  // and comes back: VLN_FIND finds it at 3, asking for a reload
+    db_.Take();
+    Key(list, VK_DOWN);
+    EXPECT_EQ(4, DVListBox_GetCaretIndex(list));
+    EXPECT_EQ(Log({"FIND 130", "SELCHANGE"}), db_.Take());
+    Finish(list);
+}
+
+// The selection block taken whole, then grown and shrunk one reference at a
+// time, gives back every reference in order (keys under 256, so that their
+// byte order, which the block keeps, is their numeric order).
+TEST_F(DVListBox, SelectionBlockGrowsAndShrinksByOneReference)
+{
+    db_.keys = Keys(400);
+    HWND list = Make(VLS_MULTIPLESEL, 400);
+    std::vector<DWORD> refs(db_.keys.begin(), db_.keys.begin() + 15), back(16);
+    EXPECT_TRUE(DVListBox_SetSelItems(list, 15, refs.data()));
+    EXPECT_TRUE(DVListBox_GetSel(list, 5));
+    const DWORD added = 105;  // between the first two references
+    EXPECT_TRUE(DVListBox_SetSelRef(list, 1, &added));
+    refs.insert(refs.begin() + 1, added);
+    ASSERT_EQ(16u, DVListBox_GetSelCount(list));
+    EXPECT_TRUE(DVListBox_GetSelItems(list, back.data()));
+    EXPECT_EQ(refs, back);
+    EXPECT_TRUE(DVListBox_SetSelRef(list, 0, &db_.keys[14]));
+    refs.pop_back();
+    back.assign(15, 0);
+    EXPECT_TRUE(DVListBox_GetSelItems(list, back.data()));
+    EXPECT_EQ(refs, back);
+    EXPECT_FALSE(DVListBox_GetSel(list, 14));
+    Finish(list);
+}
+
 TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
 {
     const int steps = MonkeySteps(20000, 1000);
@@ -462,6 +517,7 @@ TEST_F(DVListBox, MonkeyAgreesWithTheDatabase)
     std::mt19937 random(63);
     auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % (n ? n : 1)); };
     HWND list = Make(0, 400, 60, 20);
+    ShowWindow(list, SW_HIDE);  // no glides: they are tested on a visible list
     const int h = RowHeight();
     DWORD rows = kRows;
     for (int step = 0; step < steps; ++step) {

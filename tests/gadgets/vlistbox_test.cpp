@@ -583,6 +583,79 @@ TEST_F(VListBox, DraggingPastAnEdgeScrollsRowByRowUntilTheEnd)
     SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, below));
 }
 
+// Rows added after loading: the cache grows with them (the heap stays whole)
+// and each row shows its own item; every entry is released by the end.
+TEST_F(VListBox, GrowsItsCacheWhenRowsAreAddedAfterLoading)
+{
+    HFONT small = CreateFontA(-7, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, 0, "Arial");
+    for (bool byFont : {false, true}) {
+        HWND list = Make(0, 1000, host, kRows, kRows);  // cache and batch of one screen
+        VListBox_SetTopIndex(list, 0);
+        if (byFont)
+            SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(small), TRUE);
+        else
+            SetWindowPos(list, nullptr, 0, 0, 200, 3 * kRows * RowHeight(), SWP_NOMOVE | SWP_NOZORDER);
+        RECT client;
+        GetClientRect(list, &client);
+        HDC dc = GetDC(list);
+        HGDIOBJ old = SelectObject(dc, byFont ? small : GetStockObject(SYSTEM_FONT));
+        TEXTMETRICA tm;
+        GetTextMetricsA(dc, &tm);
+        SelectObject(dc, old);
+        ReleaseDC(list, dc);
+        const DWORD rows = client.bottom / (tm.tmHeight + tm.tmInternalLeading);
+        ASSERT_GT(rows, kRows + 5) << "by font " << byFont;
+        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr)) << "by font " << byFont;
+        for (DWORD i = 0; i < rows; ++i) {
+            char text[32] = "";
+            EXPECT_TRUE(VListBox_IsItemCached(list, i)) << i;
+            VListBox_GetText(list, i, text);
+            EXPECT_EQ(host.Text(i), text) << "by font " << byFont;
+        }
+        SendMessageA(list, WM_VSCROLL, SB_BOTTOM, 0);
+        EXPECT_EQ(1000u - rows, VListBox_GetTopIndex(list));
+        DestroyWindow(list);
+        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+        EXPECT_TRUE(host.held.empty()) << "by font " << byFont;
+        EXPECT_EQ(0, host.badReleases);
+    }
+    DeleteObject(small);
+}
+
+// Shrinking the total below the view shrinks the cache: what leaves it is
+// released at once; growing again and resizing brings every row back.
+TEST_F(VListBox, SetNumItemsReleasesWhatLeavesTheCacheAndGrowsBack)
+{
+    HWND list = Make(0, 1000, host);
+    ASSERT_EQ(std::set<DWORD>({0, 1, 2, 3, 4, 5, 6, 7, 8, 9}), host.held);
+    EXPECT_TRUE(VListBox_SetNumItems(list, 5));
+    EXPECT_EQ(Releases(5, 8, "RELEASE 9 0"), host.Take());
+    EXPECT_EQ(std::set<DWORD>({0, 1, 2, 3, 4}), host.held);
+    EXPECT_TRUE(VListBox_SetNumItems(list, 1000));
+    SendMessageA(list, WM_SIZE, 0, 0);  // the view's rows come back to the cache
+    for (DWORD i = 0; i < kRows; ++i) {
+        char text[32] = "";
+        EXPECT_TRUE(VListBox_IsItemCached(list, i)) << i;
+        VListBox_GetText(list, i, text);
+        EXPECT_EQ(host.Text(i), text);
+    }
+    DestroyWindow(list);
+    EXPECT_TRUE(host.held.empty());
+    EXPECT_EQ(0, host.badReleases);
+}
+
+// An item looked up alone in a list of unknown length still counts.
+TEST_F(VListBox, AnItemLookedUpAloneRaisesTheCountOfAnOpenList)
+{
+    HWND list = Make(0, 0xFFFFFFFFu, host);
+    int low = -1, high = -1;
+    GetScrollRange(list, SB_VERT, &low, &high);
+    EXPECT_EQ(0, high) << "ten items on ten rows";
+    EXPECT_EQ(500, VListBox_GetItemData(list, 500));
+    GetScrollRange(list, SB_VERT, &low, &high);
+    EXPECT_EQ(501 - static_cast<int>(kRows), high);
+}
+
 // ------------------------------------------------------------- monkey
 // A plain model of the list: top, caret, anchor and selection, moved by the
 // rules the list follows, in each of the three selection modes.
@@ -858,9 +931,10 @@ TEST_F(VListBox, MonkeyAgreesWithAPlainModelInEachSelectionMode)
         Mode mode;
     } modes[] = {{0, kSingle}, {VLS_MULTIPLESEL, kMultiple}, {VLS_EXTENDEDSEL, kExtended}};
     for (const auto &m : modes) {
-            host.logLoads = false;
+        host.logLoads = false;
         host.ids.assign(300, 0);
         HWND list = Make(m.style, 300, host);
+        ShowWindow(list, SW_HIDE);  // no glides: GlidesToTheSamePixelsAsAFullRepaint has them
         Monkey(list, host, m.mode, 14 + m.mode);
         SetShift(false);
         DestroyWindow(list);
