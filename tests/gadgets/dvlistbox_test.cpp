@@ -452,6 +452,21 @@ TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
     Finish(list);
 }
 
+// A drag that leaves below a short list and comes back into the empty rows
+// under its last record stops the auto-scroll timer.
+TEST_F(DVListBox, ADragBackInTheEmptyRowsStopsTheAutoScroll)
+{
+    db_.keys = Keys(5);
+    HWND list = Make(VLS_EXTENDEDSEL, 5);
+    DVListBox_SetAbsoluteBottom(list, 4);  // the host knows its last record
+    SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 1));
+    SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, kRows * RowHeight() + 5));
+    SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, 8 * RowHeight() + 1));
+    EXPECT_FALSE(KillTimer(list, 29)) << "the timer runs on";
+    SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, 8 * RowHeight() + 1));
+    Finish(list);
+}
+
 // ------------------------------------------------------------- monkey
 // A plain reload that runs past the top of the data starts again from it.
 TEST_F(DVListBox, APlainReloadPastTheTopRestartsFromTheTop)

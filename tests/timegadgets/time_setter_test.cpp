@@ -379,6 +379,22 @@ TEST_F(TimeSetterTest, CaptureLossEndsTheDragQuietly)
     Mouse(WM_LBUTTONUP, centreX, y);
 }
 
+// Over 8 * perHour + 2 pixels the first two hours are a pixel taller; the
+// second counts as taller once its base, perHour + 1, reaches the scale's top.
+TEST_F(TimeSetterTest, TallerHourFromTheScaleTop)
+{
+    for (LONG perHour : {scaleTop - 2, scaleTop - 1, scaleTop}) {
+        DestroyWindow(g);
+        g = Make(8 * perHour + 2);
+        SendMessageA(g, TSM_SETFINESTEP, 1, 0);
+        Start(9, 59);
+        RECT label = LabelAt(perHour + 1 + (perHour + (perHour + 1 >= scaleTop)) * 59 / 60);
+        Readback shown = Readback::Of(g);
+        EXPECT_EQ(0xFFFFFFu, shown.At(label.left, label.top)) << perHour;
+        EXPECT_EQ(0u, shown.At(label.right - 1, label.bottom - 1)) << perHour;
+    }
+}
+
 // The scale takes the contrast colour of the background.
 TEST_F(TimeSetterTest, BackColourSetsScaleContrast)
 {
