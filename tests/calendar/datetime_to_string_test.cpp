@@ -49,7 +49,8 @@ TEST_F(DateTimeToString, MatchesThePlatformFormatterOverTheCalendar)
     DateTimeValue now;
     OSGetDateTime(&now);
     int compared = 0;
-    for (int i = 0; i < MonkeySteps(12000, 3000); ++i) {
+    const int steps = MonkeySteps(12000, 3000);
+    for (int i = 0; i < steps; ++i) {
         DateTimeValue v = MakeDate(1800, 1, 1, i % 24, random() % 60, random() % 60);
         OSAdjustDateTimeByDays(&v, static_cast<LONG>(random() % 110302));
         const Picture &p = pictures[i % 6];
@@ -60,7 +61,8 @@ TEST_F(DateTimeToString, MatchesThePlatformFormatterOverTheCalendar)
             ++compared;
         }
     }
-    EXPECT_GT(compared, 1000);
+    // About a third of the calendar lies within 50 years of now.
+    EXPECT_GT(compared, steps / 4);
 }
 
 TEST_F(DateTimeToString, FollowsItsOwnRulesWhereThePlatformDiffers)
