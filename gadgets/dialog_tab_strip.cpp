@@ -86,8 +86,11 @@ void DrawTab(HDC target, const TabNode *tab, const TabLook &look)
     // A tab behind the current one sits a pixel lower; every tab but the
     // first leaves its last column to the neighbour it overlaps.
     const int lower = look.current ? 0 : 1;
-    UIMaskBlt(target, tab->rect.left, tab->rect.top + lower, w - (look.first ? 0 : 1), h - lower,
-              dc, 0, 0, kTabTransparent);
+    // The toolkit's blit records nothing when it cannot make its mask; the
+    // strip records that its tab was not drawn.
+    if (!UIMaskBlt(target, tab->rect.left, tab->rect.top + lower, w - (look.first ? 0 : 1), h - lower,
+                   dc, 0, 0, kTabTransparent))
+        OSErrorSetErrorInfo(RV_GDIError);
     SelectObject(dc, oldBitmap);
     DeleteObject(canvas);
     DeleteDC(dc);

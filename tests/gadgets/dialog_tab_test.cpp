@@ -2,6 +2,7 @@
 // to TABPAGE3 share the button 210, and the host's own controls 300 and 301
 // serve the inclusion and exclusion tabs.
 #include "qz_test.h"
+#include "failure_seam.h"
 #include "message_box_driver.h"
 #include "window_harness.h"
 #include <functional>
@@ -450,6 +451,33 @@ TEST_F(DialogTab, MonkeyKeepsTheCurrentTabValid)
         ASSERT_TRUE(listed) << "step " << step << ": current " << current;
     }
     UpdateWindow(dialog_);
+}
+
+// Each GDI object the strip's paint asks for, refused in turn: a tab that
+// cannot be drawn is recorded. Only the off-screen copy's context and bitmap
+// may fail quietly, since the strip is then drawn straight onto the window.
+TEST_F(DialogTab, APaintThatCannotDrawATabRecordsIt)
+{
+    AddPages();
+    auto paint = [&] {
+        InvalidateRect(tabs_, nullptr, TRUE);
+        UpdateWindow(tabs_);
+    };
+    unsigned points;
+    {
+        FailureSeam count(FailureSeam::Gdi, 0);
+        paint();
+        points = count.Calls();
+    }
+    ASSERT_GT(points, 3u);
+    unsigned quiet = 0;
+    for (unsigned n = 1; n <= points; ++n) {
+        OSErrorClearError();
+        FailureSeam seam(FailureSeam::Gdi, n);
+        paint();
+        quiet += OSErrorGetErrorValue() == RV_Success;
+    }
+    EXPECT_EQ(2u, quiet);
 }
 
 }  // namespace
