@@ -196,7 +196,11 @@ LRESULT CALLBACK MessageBoxDriver::CbtHook(int code, WPARAM wParam, LPARAM lPara
         HWND window = reinterpret_cast<HWND>(wParam);
         char className[16] = {};
         GetClassNameA(window, className, sizeof className);
-        bool dialog = strcmp(className, "#32770") == 0;
+        // Another test program's box on the same desktop is its own
+        // driver's to answer.
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        bool dialog = strcmp(className, "#32770") == 0 && process == GetCurrentProcessId();
         bool fresh = std::find(driver->handled_.begin(), driver->handled_.end(), window) ==
                      driver->handled_.end();
         if (dialog && fresh) {
