@@ -50,15 +50,16 @@ protected:
         CloseHandle(thread_);
         thread_ = nullptr;
     }
-    // Pumps until the display is back at `title` and nothing more comes. The
-    // worker may have nothing to restore: a run that a clean-up ended before
-    // it began leaves the title as it was.
-    ::testing::AssertionResult SettlesAt(const std::string &title)
+    // Pumps until the display is back at `title` and nothing more comes for
+    // `quiet` ms. The worker may have nothing to restore: a run that a
+    // clean-up ended before it began leaves the title as it was. A quiet time
+    // longer than the worker's step lets a sleeping worker wake and purge.
+    ::testing::AssertionResult SettlesAt(const std::string &title, DWORD quiet = 4 * kDelayZ)
     {
         DWORD start = GetTickCount();
         const auto &t = recorder_.Titles();
         if (recorder_.PumpUntil([&] { return recorder_.Current() == title &&
-                                             GetTickCount() - (t.empty() ? start : t.back().tick) > 4 * kDelayZ; },
+                                             GetTickCount() - (t.empty() ? start : t.back().tick) > quiet; },
                                 10000))
             return ::testing::AssertionSuccess();
         ::testing::AssertionResult failure = ::testing::AssertionFailure() << "titles:";
