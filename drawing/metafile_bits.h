@@ -24,6 +24,12 @@ bool PlaceableExtents(const BYTE *placeable, METAFILEPICT *picture);
 // record header long, within `size` bytes to the end record or the end.
 bool MetafileBitsAreSound(const BYTE *bits, DWORD size);
 
+// True when the counts inside one record (points, characters, palette
+// entries, a bitmap's rows) stay within the record's own length and its
+// object indices within the `objects` slots of the playing table, so that
+// playing it reads nothing beyond either.
+bool MetaRecordIsSound(const METARECORD *record, DWORD objects);
+
 // Copies the bits into a staging block that stays allocated, as the
 // metafile's origin, and makes the metafile. Null with no error when the
 // block cannot be had; RV_BadMetafile for unsound bits; RV_GDIError when

@@ -56,7 +56,12 @@ LONG SignExtended(const BYTE *bytes, DWORD offset)
 
 int CALLBACK PlayOneRecord(HDC dc, HANDLETABLE *table, METARECORD *record, int objects, LPARAM)
 {
-    PlayMetaFileRecord(dc, table, record, static_cast<UINT>(objects));
+    // A record whose counts run past its end, or that names an object the
+    // table has no slot for, is passed over, not played.
+    if (objects >= 0 && MetaRecordIsSound(record, static_cast<DWORD>(objects)))
+        PlayMetaFileRecord(dc, table, record, static_cast<UINT>(objects));
+    else
+        OSErrorSetErrorInfo(RV_BadMetafile);
     // Escape pressed since the last record stops the picture.
     return (GetAsyncKeyState(VK_ESCAPE) & 1) ? 0 : 1;
 }

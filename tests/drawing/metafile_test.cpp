@@ -202,4 +202,62 @@ TEST_F(Metafiles, BrokenFilesAndHandlesAreRefused)
     EXPECT_EQ(RV_NoFile, OSErrorGetErrorValue());
 }
 
+// Where the first record of `function` begins in metafile bits.
+size_t RecordAt(const std::vector<BYTE> &bits, WORD function)
+{
+    for (size_t at = 18; at + 6 <= bits.size();) {
+        DWORD words;
+        WORD f;
+        memcpy(&words, &bits[at], 4);
+        memcpy(&f, &bits[at + 4], 2);
+        if (f == function || !words)
+            return f == function ? at : 0;
+        at += words * 2;
+    }
+    return 0;
+}
+
+// A record whose count claims more than it holds, or that names an object
+// past the playing table, is passed over: the rest plays and the picture
+// is marked bad. Each limit at, one below and one above.
+TEST_F(Metafiles, RecordsThatClaimMoreThanTheyHoldArePassedOver)
+{
+    HDC m = CreateMetaFileA(nullptr);
+    HBRUSH brush = CreateSolidBrush(RGB(0, 0, 255));
+    SelectObject(m, brush);
+    PatBlt(m, 0, 0, 8, 8, PATCOPY);
+    POINT line[3] = {{0, 10}, {7, 10}, {7, 12}};
+    Polyline(m, line, 3);
+    HMETAFILE made = CloseMetaFile(m);
+    DeleteObject(brush);
+    const std::vector<BYTE> bits = BitsOfMetafile(made);
+    size_t select = RecordAt(bits, META_SELECTOBJECT), poly = RecordAt(bits, META_POLYLINE);
+    ASSERT_TRUE(select && poly);
+    struct Row {
+        WORD index, points;
+        bool blue, line;
+        ResultCode code;
+    } rows[] = {
+        {0, 3, true, true, RV_Success},       {0, 2, true, true, RV_Success},
+        {0, 4, true, false, RV_BadMetafile},  {1, 3, false, true, RV_BadMetafile},
+        {0xA000, 3, false, true, RV_BadMetafile},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(testing::Message() << "index " << row.index << ", points " << row.points);
+        std::vector<BYTE> changed = bits;
+        memcpy(&changed[select + 6], &row.index, 2);
+        memcpy(&changed[poly + 6], &row.points, 2);
+        std::vector<BYTE> stream = NewForm(MM_TEXT, 0, 0, changed);
+        Picture p(MF_StreamToMF(stream.data(), 0));
+        ASSERT_NE(nullptr, p.pict);
+        Surface s(16, 16);
+        RECT rect = {0, 0, 16, 16};
+        OSErrorClearError();
+        EXPECT_TRUE(MF_Play(s.dc, &rect, p.block));
+        EXPECT_EQ(row.blue, s.At(2, 2) == RGB(0, 0, 255));
+        EXPECT_EQ(row.line, s.At(3, 10) == RGB(0, 0, 0));
+        EXPECT_EQ(row.code, OSErrorGetErrorValue());
+    }
+}
+
 }  // namespace
