@@ -189,11 +189,9 @@ extern "C" BOOL WINAPI DVListBox_Initialize(HWND w, LONG total, DWORD cacheSize,
     if (!r || !DropItems(w, r))
         return FALSE;
     r->multiSelect = HasStyle(w, VLS_EXTENDEDSEL) || HasStyle(w, VLS_MULTIPLESEL);
-    if (cacheSize == 0xFFFFFFFFu)
-        cacheSize = kMaxCache;
-    if (cacheSize > kMaxCache)
+    DWORD size;
+    if (!VListCacheSize(cacheSize, kMaxCache, r->visibleCount, &size))
         return FALSE;
-    DWORD size = cacheSize > r->visibleCount ? cacheSize : r->visibleCount;
     refSize &= 0xFFFF;
     // Everything new is made first, so that a failure leaves the old blocks.
     DvEntry *entries = static_cast<DvEntry *>(LocalAlloc(LPTR, (size ? size : 1) * sizeof(DvEntry)));
@@ -236,14 +234,7 @@ extern "C" BOOL WINAPI DVListBox_Initialize(HWND w, LONG total, DWORD cacheSize,
     VLINITREQUEST request = {r->visibleCount, r->loadBatch};
     if (total != -1 && static_cast<DWORD>(total) < request.firstRows)
         request.firstRows = static_cast<DWORD>(total);
-    Notify(w, r, VLN_INIT, &request);
-    if (!(r = Rec(w)))
-        return FALSE;
-    if (!UpdateThumb(w, r))
-        return FALSE;
-    if (!RepaintAll(w, r))
-        return FALSE;
-    return TRUE;
+    return VListStartView(w, r, request);
 }
 
 extern "C" BOOL WINAPI DVListBox_AddItemData(HWND w, LONG index, const void *ref, LPARAM itemData)

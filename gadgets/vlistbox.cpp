@@ -167,13 +167,10 @@ extern "C" BOOL WINAPI VListBox_Initialize(HWND w, DWORD total, DWORD cacheSize,
     if (!DropCache(w, r))
         return FALSE;
     r->currentSelection = kUnknown;
-    if (cacheSize == kUnknown)
-        cacheSize = kMaxCache;
-    if (cacheSize > kMaxCache) {
+    if (!VListCacheSize(cacheSize, kMaxCache, r->visibleCount, &r->cacheSize)) {
         r->topIndex = 0;
         return FALSE;
     }
-    r->cacheSize = cacheSize > r->visibleCount ? cacheSize : r->visibleCount;
     r->loadBatch = loadBatch < r->cacheSize ? loadBatch : r->cacheSize;
     r->callback = callback;
     r->callbackData = data;
@@ -182,9 +179,7 @@ extern "C" BOOL WINAPI VListBox_Initialize(HWND w, DWORD total, DWORD cacheSize,
     r->cacheFirst = 0;
     r->topIndex = 0;
     VLINITREQUEST request = {total < r->visibleCount ? total : r->visibleCount, r->loadBatch};
-    if (!Notify(w, r, VLN_INIT, &request) || !UpdateThumb(w, r) || !RepaintAll(w, r))
-        return FALSE;
-    return TRUE;
+    return VListStartView(w, r, request);
 }
 
 extern "C" BOOL WINAPI VListBox_AddItemData(HWND w, DWORD index, LPARAM itemData)
