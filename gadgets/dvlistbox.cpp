@@ -115,6 +115,8 @@ LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     DVListRecord *r = Rec(w);
     if (!r)
         return DefWindowProcA(w, message, wParam, lParam);
+    if (VListMouseMessage(w, r, message, wParam, lParam))
+        return 0;
     switch (message) {
     case WM_DESTROY: OnDestroy(w, r); return 0;
     case WM_SIZE:
@@ -144,19 +146,6 @@ LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_VSCROLL:
         OnVScroll(w, r, LOWORD(wParam), static_cast<short>(HIWORD(wParam)));
-        return 0;
-    case WM_MOUSEMOVE: OnMouseMove(w, r, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONDOWN: OnLButtonDown(w, r, wParam, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONUP: OnLButtonUp(w, r); return 0;
-    case WM_CAPTURECHANGED:
-        if (reinterpret_cast<HWND>(lParam) != w)
-            EndDrag(w, r);
-        return 0;
-    case WM_CANCELMODE:
-        if (r->mouseCaptured) {
-            EndDrag(w, r);
-            ReleaseCapture();
-        }
         return 0;
     case WM_LBUTTONDBLCLK:
         if (HasStyle(w, VLS_NOTIFY) && r->itemHeight > 0) {

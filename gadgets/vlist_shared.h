@@ -69,6 +69,30 @@ BOOL VListStartView(HWND window, Record *r, VLINITREQUEST &request)
     return Notify(window, r, VLN_INIT, &request) && UpdateThumb(window, r) && RepaintAll(window, r);
 }
 
+// The mouse and capture messages both lists take alike; true when `message`
+// was one of them. The list's own OnMouseMove, OnLButtonDown, OnLButtonUp
+// and EndDrag are found beside its record type.
+template <typename Record>
+bool VListMouseMessage(HWND window, Record *r, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_MOUSEMOVE: OnMouseMove(window, r, static_cast<short>(HIWORD(lParam))); return true;
+    case WM_LBUTTONDOWN: OnLButtonDown(window, r, wParam, static_cast<short>(HIWORD(lParam))); return true;
+    case WM_LBUTTONUP: OnLButtonUp(window, r); return true;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != window)
+            EndDrag(window, r);
+        return true;
+    case WM_CANCELMODE:
+        if (r->mouseCaptured) {
+            EndDrag(window, r);
+            ReleaseCapture();
+        }
+        return true;
+    }
+    return false;
+}
+
 // ---------------------------------------------------------------- glide
 // Moves the rows area `rows` of the window's content by `distance` pixels
 // (positive: the content moves up) in steps of `step` pixels, copying each

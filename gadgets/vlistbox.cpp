@@ -67,6 +67,8 @@ LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     VListRecord *r = Rec(w);
     if (!r)
         return DefWindowProcA(w, message, wParam, lParam);
+    if (VListMouseMessage(w, r, message, wParam, lParam))
+        return 0;
     switch (message) {
     case WM_DESTROY: OnDestroy(w, r); return 0;
     case WM_SIZE: OnSize(w, r); return 0;
@@ -126,19 +128,6 @@ LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
         }
         return 0;
     }
-    case WM_MOUSEMOVE: OnMouseMove(w, r, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONDOWN: OnLButtonDown(w, r, wParam, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONUP: OnLButtonUp(w, r); return 0;
-    case WM_CAPTURECHANGED:
-        if (reinterpret_cast<HWND>(lParam) != w)
-            EndDrag(w, r);
-        return 0;
-    case WM_CANCELMODE:
-        if (r->mouseCaptured) {
-            EndDrag(w, r);
-            ReleaseCapture();
-        }
-        return 0;
     case WM_LBUTTONDBLCLK:
         if (HasStyle(w, VLS_NOTIFY)) {
             DWORD index = IndexAt(r, static_cast<short>(HIWORD(lParam)));
