@@ -98,14 +98,6 @@ void FreeNode(TabNode *node)
 }
 
 // ---------------------------------------------------------------- switch
-RECT RectIn(HWND window, HWND control)
-{
-    RECT rect;
-    GetWindowRect(control, &rect);
-    MapWindowPoints(nullptr, window, reinterpret_cast<POINT *>(&rect), 2);
-    return rect;
-}
-
 void SetVisibleBit(HWND control, bool visible)
 {
     const LONG style = GetWindowLongA(control, GWL_STYLE);
@@ -120,7 +112,7 @@ void ApplyToList(HWND gadget, const DWORD *ids, ListStep step)
         HWND control = GetDlgItem(parent, static_cast<int>(*ids));
         if (!control)
             continue;
-        RECT place = RectIn(parent, control);
+        RECT place = TabRectIn(parent, control);
         InflateRect(&place, 2, 2);
         switch (step) {
         case LS_HideIncluded:
@@ -145,7 +137,7 @@ void ApplyToList(HWND gadget, const DWORD *ids, ListStep step)
             // the parent.
             SetVisibleBit(control, true);
             EnableWindow(control, TRUE);
-            place = RectIn(gadget, control);
+            place = TabRectIn(gadget, control);
             InflateRect(&place, 2, 2);
             ValidateRect(parent, &place);
             break;

@@ -68,6 +68,8 @@ HGLOBAL TabLoadTemplate(HWND gadget, TabNode *node, HMODULE module, LPCSTR name,
 // deleted and set to null.
 void TabHideDialogControls(HWND gadget, const TabNode *node, HGLOBAL next, DWORD nextSize,
                            HRGN *region);
+// The place of `control` in the client coordinates of `window`.
+RECT TabRectIn(HWND window, HWND control);
 // Shows, moves and enables node's controls and fixes their Z-order.
 void TabShowDialogControls(HWND gadget, const TabNode *node, HRGN *region);
 // True when `id` is the id of an item of the template.

@@ -171,14 +171,6 @@ RECT ItemRect(HWND parent, const TemplateItem &item, int editExtra)
     return rect;
 }
 
-RECT RectInParent(HWND parent, HWND control)
-{
-    RECT rect;
-    GetWindowRect(control, &rect);
-    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT *>(&rect), 2);
-    return rect;
-}
-
 // Adds `rect` to *region; a region that cannot be grown is given up.
 void AddToRegion(HRGN *region, const RECT &rect)
 {
@@ -288,11 +280,19 @@ void TabHideDialogControls(HWND gadget, const TabNode *node, HGLOBAL next, DWORD
                  reinterpret_cast<HANDLE>(static_cast<INT_PTR>(IsWindowEnabled(control) ? 0 : 1)));
         EnableWindow(control, FALSE);
         if (region) {
-            RECT place = RectInParent(parent, control);
+            RECT place = TabRectIn(parent, control);
             InflateRect(&place, 1, 1);
             AddToRegion(region, place);
         }
     }
+}
+
+RECT TabRectIn(HWND window, HWND control)
+{
+    RECT rect;
+    GetWindowRect(control, &rect);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT *>(&rect), 2);
+    return rect;
 }
 
 void TabShowDialogControls(HWND gadget, const TabNode *node, HRGN *region)
@@ -321,7 +321,7 @@ void TabShowDialogControls(HWND gadget, const TabNode *node, HRGN *region)
             rect.bottom = rect.top + client.bottom;
         }
         if (region && *region) {
-            RECT old = RectInParent(parent, control);
+            RECT old = TabRectIn(parent, control);
             const bool visible = (GetWindowLongA(control, GWL_STYLE) & WS_VISIBLE) != 0;
             if (!visible || !EqualRect(&old, &rect)) {
                 InflateRect(&old, 1, 1);

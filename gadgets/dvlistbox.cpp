@@ -115,6 +115,8 @@ LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     DVListRecord *r = Rec(w);
     if (!r)
         return DefWindowProcA(w, message, wParam, lParam);
+    if (VListMouseMessage(w, r, message, wParam, lParam))
+        return 0;
     switch (message) {
     case WM_DESTROY: OnDestroy(w, r); return 0;
     case WM_SIZE:
@@ -144,19 +146,6 @@ LRESULT DVListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_VSCROLL:
         OnVScroll(w, r, LOWORD(wParam), static_cast<short>(HIWORD(wParam)));
-        return 0;
-    case WM_MOUSEMOVE: OnMouseMove(w, r, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONDOWN: OnLButtonDown(w, r, wParam, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONUP: OnLButtonUp(w, r); return 0;
-    case WM_CAPTURECHANGED:
-        if (reinterpret_cast<HWND>(lParam) != w)
-            EndDrag(w, r);
-        return 0;
-    case WM_CANCELMODE:
-        if (r->mouseCaptured) {
-            EndDrag(w, r);
-            ReleaseCapture();
-        }
         return 0;
     case WM_LBUTTONDBLCLK:
         if (HasStyle(w, VLS_NOTIFY) && r->itemHeight > 0) {
@@ -189,11 +178,9 @@ extern "C" BOOL WINAPI DVListBox_Initialize(HWND w, LONG total, DWORD cacheSize,
     if (!r || !DropItems(w, r))
         return FALSE;
     r->multiSelect = HasStyle(w, VLS_EXTENDEDSEL) || HasStyle(w, VLS_MULTIPLESEL);
-    if (cacheSize == 0xFFFFFFFFu)
-        cacheSize = kMaxCache;
-    if (cacheSize > kMaxCache)
+    DWORD size;
+    if (!VListCacheSize(cacheSize, kMaxCache, r->visibleCount, &size))
         return FALSE;
-    DWORD size = cacheSize > r->visibleCount ? cacheSize : r->visibleCount;
     refSize &= 0xFFFF;
     // Everything new is made first, so that a failure leaves the old blocks.
     DvEntry *entries = static_cast<DvEntry *>(LocalAlloc(LPTR, (size ? size : 1) * sizeof(DvEntry)));
@@ -236,14 +223,7 @@ extern "C" BOOL WINAPI DVListBox_Initialize(HWND w, LONG total, DWORD cacheSize,
     VLINITREQUEST request = {r->visibleCount, r->loadBatch};
     if (total != -1 && static_cast<DWORD>(total) < request.firstRows)
         request.firstRows = static_cast<DWORD>(total);
-    Notify(w, r, VLN_INIT, &request);
-    if (!(r = Rec(w)))
-        return FALSE;
-    if (!UpdateThumb(w, r))
-        return FALSE;
-    if (!RepaintAll(w, r))
-        return FALSE;
-    return TRUE;
+    return VListStartView(w, r, request);
 }
 
 extern "C" BOOL WINAPI DVListBox_AddItemData(HWND w, LONG index, const void *ref, LPARAM itemData)

@@ -237,6 +237,23 @@ LONG IndexAt(const DVListRecord *r, int y)
     return Wrap(static_cast<long long>(r->topIndex) + y / r->itemHeight);
 }
 
+// Moves the single selection from the row `old` (its entry `was`, null when
+// not cached) to `index`: the entry there takes the mark and its reference
+// is kept. False when repainting the row left finds the window gone.
+bool MakeCurrent(HWND w, DVListRecord *r, LONG old, DvEntry *was, LONG index)
+{
+    if (was)
+        was->flags &= ~kSelected;
+    r->currentIndex = index;
+    DvEntry *e = Cached(r, index);
+    r->currentRefValid = e && e->ref;
+    if (r->currentRefValid) {
+        memcpy(r->currentRef, e->ref, r->refSize);
+        e->flags |= kSelected;
+    }
+    return RepaintRow(w, r, old);
+}
+
 void OnLButtonDown(HWND w, DVListRecord *r, WPARAM keys, int y)
 {
     if (!r->callback || !r->cacheEntries || r->itemHeight <= 0)
@@ -250,19 +267,13 @@ void OnLButtonDown(HWND w, DVListRecord *r, WPARAM keys, int y)
     r->caretIndex = index;
     DvEntry *e = Cached(r, index);
     if (Single(w)) {
-        LONG oldCurrent = r->currentIndex;
-        LONG found;
+        LONG oldCurrent = r->currentIndex, found;
+        DvEntry *was = nullptr;
         if (r->currentRefValid && FindInCache(r, r->currentRef, &found)) {
-            Slot(r, found)->flags &= ~kSelected;
+            was = Slot(r, found);
             oldCurrent = found;
         }
-        r->currentIndex = index;
-        r->currentRefValid = e && e->ref;
-        if (r->currentRefValid) {
-            memcpy(r->currentRef, e->ref, r->refSize);
-            e->flags |= kSelected;
-        }
-        if (!RepaintRow(w, r, oldCurrent))
+        if (!MakeCurrent(w, r, oldCurrent, was, index))
             return;
     } else if (Multiple(w) && !Extended(w)) {
         if (e && e->ref)
@@ -344,17 +355,7 @@ void OnMouseMove(HWND w, DVListRecord *r, int y)
         return;
     r->caretIndex = caret;
     if (Single(w)) {
-        LONG oldCurrent = r->currentIndex;
-        if (DvEntry *e = Cached(r, oldCurrent))
-            e->flags &= ~kSelected;
-        r->currentIndex = caret;
-        DvEntry *e = Cached(r, caret);
-        r->currentRefValid = e && e->ref;
-        if (r->currentRefValid) {
-            memcpy(r->currentRef, e->ref, r->refSize);
-            e->flags |= kSelected;
-        }
-        if (!RepaintRow(w, r, oldCurrent))
+        if (!MakeCurrent(w, r, r->currentIndex, Cached(r, r->currentIndex), caret))
             return;
     } else if (Extended(w)) {
         r->currentIndex = caret;

@@ -107,26 +107,12 @@ bool RepaintRow(HWND w, DVListRecord *r, LONG index)
     return true;
 }
 
-// SetScrollRange may show or hide the bar, which re-enters the procedure.
 bool UpdateThumb(HWND w, DVListRecord *r)
 {
-    if (r->inScrollRange)
-        return true;
-    r->inScrollRange = true;
     DWORD count = Count(r) > 0 ? static_cast<DWORD>(Count(r)) : 0;
-    int range = VListThumbRange(count, r->visibleCount);
-    int low, high;
-    GetScrollRange(w, SB_VERT, &low, &high);
-    if (low != 0 || high != range)
-        SetScrollRange(w, SB_VERT, 0, range, TRUE);
-    if (!GadgetAlive(w, r))
-        return false;
-    DWORD top = r->topIndex > 0 ? static_cast<DWORD>(r->topIndex) : 0;
-    int pos = VListThumbFromIndex(top, count, r->visibleCount);
-    if (GetScrollPos(w, SB_VERT) != pos)
-        SetScrollPos(w, SB_VERT, pos, TRUE);
-    r->inScrollRange = false;
-    return true;
+    return VListSyncThumb(w, r, count, [](const DVListRecord *v) {
+        return v->topIndex > 0 ? static_cast<DWORD>(v->topIndex) : 0;
+    });
 }
 
 // ---------------------------------------------------------------- moves

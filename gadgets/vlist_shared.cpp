@@ -1,5 +1,6 @@
 // Selection runs, thumb mapping and the glide of the virtual lists.
 #include "vlist_shared.h"
+#include "gadget_frame.h"
 #include "qziso32.h"
 #include <string.h>
 
@@ -165,6 +166,33 @@ DWORD VListIndexFromThumb(int thumb, DWORD count, DWORD visible)
     if (range < 32001)
         return static_cast<DWORD>(thumb);
     return static_cast<DWORD>(range * static_cast<unsigned>(thumb) / 32000);
+}
+
+bool VListCacheSize(DWORD asked, DWORD most, DWORD visible, DWORD *size)
+{
+    if (asked == 0xFFFFFFFFu)
+        asked = most;
+    if (asked > most)
+        return false;
+    *size = asked > visible ? asked : visible;
+    return true;
+}
+
+bool VListSetThumbRange(HWND window, const void *record, DWORD count, DWORD visible)
+{
+    int range = VListThumbRange(count, visible);
+    int low, high;
+    GetScrollRange(window, SB_VERT, &low, &high);
+    if (low != 0 || high != range)
+        SetScrollRange(window, SB_VERT, 0, range, TRUE);
+    return GadgetAlive(window, record);
+}
+
+void VListSetThumbPos(HWND window, DWORD top, DWORD count, DWORD visible)
+{
+    int pos = VListThumbFromIndex(top, count, visible);
+    if (GetScrollPos(window, SB_VERT) != pos)
+        SetScrollPos(window, SB_VERT, pos, TRUE);
 }
 
 void VListGlide(HWND window, HDC memory, const RECT &rows, int distance, int step)

@@ -34,6 +34,64 @@ int VListThumbRange(DWORD count, DWORD visible);
 // Index to thumb and back; products are taken in 64 bits.
 int VListThumbFromIndex(DWORD index, DWORD count, DWORD visible);
 DWORD VListIndexFromThumb(int thumb, DWORD count, DWORD visible);
+// Sets the bar's range for `count` items where it differs; false when the
+// window `record` belongs to is gone after it.
+bool VListSetThumbRange(HWND window, const void *record, DWORD count, DWORD visible);
+void VListSetThumbPos(HWND window, DWORD top, DWORD count, DWORD visible);
+// Keeps the bar of the list `r` in step with its view. SetScrollRange may
+// show or hide the bar, which re-enters the window procedure: the record's
+// `inScrollRange` turns that inner call into a no-op, and `top(r)` reads
+// the first row only once the range is set.
+template <typename Record, typename Top>
+bool VListSyncThumb(HWND window, Record *r, DWORD count, Top top)
+{
+    if (r->inScrollRange)
+        return true;
+    r->inScrollRange = true;
+    if (!VListSetThumbRange(window, r, count, r->visibleCount))
+        return false;
+    VListSetThumbPos(window, top(r), count, r->visibleCount);
+    r->inScrollRange = false;
+    return true;
+}
+
+// ---------------------------------------------------------------- start
+// The size of a list's cache: `asked` entries (all ones: `most`), at least
+// `visible`; false when more than `most` is asked for.
+bool VListCacheSize(DWORD asked, DWORD most, DWORD visible, DWORD *size);
+// The end of a list's Initialize: the host is asked for the first rows,
+// then the bar and the rows are brought up to date (the list's own Notify,
+// UpdateThumb and RepaintAll, found beside its record type). False when
+// the window is gone meanwhile or painting fails.
+template <typename Record>
+BOOL VListStartView(HWND window, Record *r, VLINITREQUEST &request)
+{
+    return Notify(window, r, VLN_INIT, &request) && UpdateThumb(window, r) && RepaintAll(window, r);
+}
+
+// The mouse and capture messages both lists take alike; true when `message`
+// was one of them. The list's own OnMouseMove, OnLButtonDown, OnLButtonUp
+// and EndDrag are found beside its record type.
+template <typename Record>
+bool VListMouseMessage(HWND window, Record *r, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_MOUSEMOVE: OnMouseMove(window, r, static_cast<short>(HIWORD(lParam))); return true;
+    case WM_LBUTTONDOWN: OnLButtonDown(window, r, wParam, static_cast<short>(HIWORD(lParam))); return true;
+    case WM_LBUTTONUP: OnLButtonUp(window, r); return true;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != window)
+            EndDrag(window, r);
+        return true;
+    case WM_CANCELMODE:
+        if (r->mouseCaptured) {
+            EndDrag(window, r);
+            ReleaseCapture();
+        }
+        return true;
+    }
+    return false;
+}
 
 // ---------------------------------------------------------------- glide
 // Moves the rows area `rows` of the window's content by `distance` pixels

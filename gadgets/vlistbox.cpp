@@ -67,6 +67,8 @@ LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
     VListRecord *r = Rec(w);
     if (!r)
         return DefWindowProcA(w, message, wParam, lParam);
+    if (VListMouseMessage(w, r, message, wParam, lParam))
+        return 0;
     switch (message) {
     case WM_DESTROY: OnDestroy(w, r); return 0;
     case WM_SIZE: OnSize(w, r); return 0;
@@ -126,19 +128,6 @@ LRESULT CALLBACK VListProc(HWND w, UINT message, WPARAM wParam, LPARAM lParam)
         }
         return 0;
     }
-    case WM_MOUSEMOVE: OnMouseMove(w, r, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONDOWN: OnLButtonDown(w, r, wParam, static_cast<short>(HIWORD(lParam))); return 0;
-    case WM_LBUTTONUP: OnLButtonUp(w, r); return 0;
-    case WM_CAPTURECHANGED:
-        if (reinterpret_cast<HWND>(lParam) != w)
-            EndDrag(w, r);
-        return 0;
-    case WM_CANCELMODE:
-        if (r->mouseCaptured) {
-            EndDrag(w, r);
-            ReleaseCapture();
-        }
-        return 0;
     case WM_LBUTTONDBLCLK:
         if (HasStyle(w, VLS_NOTIFY)) {
             DWORD index = IndexAt(r, static_cast<short>(HIWORD(lParam)));
@@ -167,13 +156,10 @@ extern "C" BOOL WINAPI VListBox_Initialize(HWND w, DWORD total, DWORD cacheSize,
     if (!DropCache(w, r))
         return FALSE;
     r->currentSelection = kUnknown;
-    if (cacheSize == kUnknown)
-        cacheSize = kMaxCache;
-    if (cacheSize > kMaxCache) {
+    if (!VListCacheSize(cacheSize, kMaxCache, r->visibleCount, &r->cacheSize)) {
         r->topIndex = 0;
         return FALSE;
     }
-    r->cacheSize = cacheSize > r->visibleCount ? cacheSize : r->visibleCount;
     r->loadBatch = loadBatch < r->cacheSize ? loadBatch : r->cacheSize;
     r->callback = callback;
     r->callbackData = data;
@@ -182,9 +168,7 @@ extern "C" BOOL WINAPI VListBox_Initialize(HWND w, DWORD total, DWORD cacheSize,
     r->cacheFirst = 0;
     r->topIndex = 0;
     VLINITREQUEST request = {total < r->visibleCount ? total : r->visibleCount, r->loadBatch};
-    if (!Notify(w, r, VLN_INIT, &request) || !UpdateThumb(w, r) || !RepaintAll(w, r))
-        return FALSE;
-    return TRUE;
+    return VListStartView(w, r, request);
 }
 
 extern "C" BOOL WINAPI VListBox_AddItemData(HWND w, DWORD index, LPARAM itemData)

@@ -103,25 +103,9 @@ bool MoveMark(HWND w, VListRecord *r, DWORD &mark, DWORD index)
     return RepaintItem(w, r, old) && RepaintItem(w, r, index);
 }
 
-// SetScrollRange may show or hide the bar, which re-enters the procedure.
 bool UpdateThumb(HWND w, VListRecord *r)
 {
-    if (r->inScrollRange)
-        return true;
-    r->inScrollRange = true;
-    DWORD count = Count(r);
-    int range = VListThumbRange(count, r->visibleCount);
-    int low, high;
-    GetScrollRange(w, SB_VERT, &low, &high);
-    if (low != 0 || high != range)
-        SetScrollRange(w, SB_VERT, 0, range, TRUE);
-    if (!GadgetAlive(w, r))
-        return false;
-    int pos = VListThumbFromIndex(r->topIndex, count, r->visibleCount);
-    if (GetScrollPos(w, SB_VERT) != pos)
-        SetScrollPos(w, SB_VERT, pos, TRUE);
-    r->inScrollRange = false;
-    return true;
+    return VListSyncThumb(w, r, Count(r), [](const VListRecord *v) { return v->topIndex; });
 }
 
 DWORD ClampTop(const VListRecord *r, DWORD top)

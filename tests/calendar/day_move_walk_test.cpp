@@ -83,6 +83,14 @@ TEST_F(DayMoveWalk, AnyDateByAnyCountLandsWhereTheWalkDoes)
         ASSERT_TRUE(OSAdjustDateTime(&ours, 0, 0, static_cast<LONG>(move.second), 0, 0, 0, 0));
         WalkDays(walked, move.second);
         ASSERT_EQ(walked, ours) << ToText(move.first) << " by " << move.second;
+        // Within 1601 to 2101 and short of a wrap, the move through the day
+        // number lands there too.
+        DateTimeValue byDays = move.first;
+        if (!move.first.hourBias && walked.year >= 1601 && walked.year <= 2101 && move.second > -wrap &&
+            move.second < wrap) {
+            ASSERT_TRUE(OSAdjustDateTimeByDays(&byDays, static_cast<LONG>(move.second)));
+            ASSERT_EQ(walked, byDays) << ToText(move.first) << " by days " << move.second;
+        }
     }
     // Far back, a move by days walks from 1 January 1601.
     for (long long count : {-150000LL, -2147483648LL, -wrap - 80000}) {
@@ -90,6 +98,15 @@ TEST_F(DayMoveWalk, AnyDateByAnyCountLandsWhereTheWalkDoes)
         ASSERT_TRUE(OSAdjustDateTimeByDays(&ours, static_cast<LONG>(count)));
         WalkDays(walked, 72683 + OSDaysSince01011800(1900, 6, 15) + count);
         ASSERT_EQ(walked, ours) << count;
+    }
+    // The day number's steps from 1 January 1601 at, one below and one above
+    // each edge: a year, four years, a century, 400 years.
+    for (long long r : {364, 365, 366, 729, 730, 731, 1095, 1096, 1460, 1461, 1462, 36523, 36524, 36525,
+                        146096, 146097, 146098, 146097 + 36525, 146097 + 36524 + 1461}) {
+        DateTimeValue ours = MakeDate(1800, 1, 1), walked = MakeDate(1601, 1, 1);
+        ASSERT_TRUE(OSAdjustDateTimeByDays(&ours, static_cast<LONG>(r - 72683)));
+        WalkDays(walked, r);
+        EXPECT_EQ(walked, ours) << r;
     }
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }

@@ -1,6 +1,6 @@
 // Random feedback calls from the main thread, with pumping, a title handler
 // that calls back into the library, and a stop and restart of the worker
-// every thousand calls. Every title seen must be a legal one, and the
+// every five hundred calls. Every title seen must be a legal one, and the
 // handles and the library's local blocks come back to where they started.
 #include <atomic>
 #include <random>
@@ -77,7 +77,7 @@ void StopWorker(HANDLE thread, TitleRecorder &recorder)
 
 TEST(FeedbackStress, RandomCallsKeepLegalTitlesAndGiveBackEveryHandleAndBlock)
 {
-    const int calls = MonkeySteps(50000, 5000);
+    const int calls = MonkeySteps(6000, 1500);
     const std::set<std::string> legal = LegalTitles();
     TitleRecorder recorder("Diary");
     ImportPatch allocPatch(LibraryModule(), "kernel32.dll", "LocalAlloc", reinterpret_cast<const void *>(CountingLocalAlloc));
@@ -91,10 +91,10 @@ TEST(FeedbackStress, RandomCallsKeepLegalTitlesAndGiveBackEveryHandleAndBlock)
     Feedback_SetZ(2);
     DWORD handlesBefore = 0, handlesAfter = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handlesBefore);
-    long blocksBefore = g_liveBlocks.load();
+    const long blocksBefore = g_liveBlocks.load();
     size_t titlesSeen = 0, illegal = 0;
     std::string firstIllegal;
-    recorder.OnTitle([&](const std::string &title) {
+    recorder.OnTitle([&](const std::string &title) {  // a handler that calls back in
         ++titlesSeen;
         if (!legal.count(title) && !illegal++)
             firstIllegal = title;
@@ -112,8 +112,7 @@ TEST(FeedbackStress, RandomCallsKeepLegalTitlesAndGiveBackEveryHandleAndBlock)
         switch (Pick(12)) {
         case 0: Feedback_Begin(Pick(2) ? &message : nullptr); break;
         case 1: Feedback_End(); break;
-        case 2:
-        case 3: Feedback_PostMsg(&message); break;
+        case 2: case 3: Feedback_PostMsg(&message); break;
         case 4: Feedback_SendMsg(&message); break;
         case 5: Feedback_SetCaption(kCaptions[Pick(3)]); break;
         case 6: Feedback_SetFilename(Pick(3) ? kFiles[Pick(2)] : nullptr); break;
@@ -124,9 +123,9 @@ TEST(FeedbackStress, RandomCallsKeepLegalTitlesAndGiveBackEveryHandleAndBlock)
             while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
                 DispatchMessageA(&msg);
             if (Pick(8) == 0)
-                Sleep(1);
+                Sleep(1);  // the worker's turn
         }
-        if (i % 1000 == 999) {
+        if (i % 500 == 499) {  // stop and restart the worker
             StopWorker(worker, recorder);
             Feedback_SetCaption(kCaptions[Pick(3)]);
             worker = StartWorker(recorder);
@@ -138,8 +137,7 @@ TEST(FeedbackStress, RandomCallsKeepLegalTitlesAndGiveBackEveryHandleAndBlock)
     EXPECT_GT(titlesSeen, static_cast<size_t>(calls / 20));
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
     EXPECT_EQ(handlesAfter, handlesBefore);
-    // Every caption, name, format, queue node and message was freed.
-    EXPECT_EQ(g_liveBlocks.load(), blocksBefore);
+    EXPECT_EQ(g_liveBlocks.load(), blocksBefore) << "every caption, name, format, queue node and message freed";
     OSErrorClearError();
     Feedback_SetX(80);
     Feedback_SetY(120);

@@ -195,6 +195,28 @@ TEST_F(DialogTab, ReplacingAnOwnPageLeavesNoneOfTheOldControls)
     EXPECT_TRUE(IsWindowVisible(Item(231)));
 }
 
+// With keep-text a change of tab leaves the host's texts of buttons and
+// statics; without it the page's own come back.
+TEST_F(DialogTab, KeepTextLeavesTheHostsTexts)
+{
+    for (LONG keep : {0L, 0x0002L}) {
+        SetWindowLongA(tabs_, GWL_STYLE, GetWindowLongA(tabs_, GWL_STYLE) | keep);
+        AddPages();
+        char page[64], button[64], label[64];
+        GetWindowTextA(Item(210), page, sizeof page);
+        SetWindowTextA(Item(210), "Host's");
+        SetWindowTextA(Item(201), "Host's");
+        Tab_SetCurrentTab(tabs_, 3);
+        Tab_SetCurrentTab(tabs_, 1);
+        GetWindowTextA(Item(210), button, sizeof button);
+        GetWindowTextA(Item(201), label, sizeof label);
+        EXPECT_STREQ(keep ? "Host's" : page, button) << keep;
+        EXPECT_EQ(keep != 0, strcmp("Host's", label) == 0) << keep;
+        TearDown();
+        SetUp();
+    }
+}
+
 TEST_F(DialogTab, InclusionAndExclusionTabs)
 {
     AddPages();

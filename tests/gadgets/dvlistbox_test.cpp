@@ -467,7 +467,55 @@ TEST_F(DVListBox, ADragBackInTheEmptyRowsStopsTheAutoScroll)
     Finish(list);
 }
 
-// ------------------------------------------------------------- monkey
+// Rows added after loading, by a taller window or a smaller font: the
+// entries follow the rows, each row shows its own record, all released.
+TEST_F(DVListBox, GrowsItsEntriesWhenRowsAreAddedAfterLoading)
+{
+    HFONT small = CreateFontA(-7, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, 0, "Arial");
+    for (bool byFont : {false, true}) {
+        db_ = Db();
+        db_.keys = Keys(1000);
+        HWND list = Make(0, 1000, kRows, kRows);  // entries for one screen
+        if (byFont)
+            SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(small), TRUE);
+        else
+            SetWindowPos(list, nullptr, 0, 0, 200, 3 * kRows * RowHeight(), SWP_NOMOVE | SWP_NOZORDER);
+        RECT client;
+        GetClientRect(list, &client);
+        const LONG rows = client.bottom / RowHeight(byFont ? small : nullptr);
+        ASSERT_GT(rows, static_cast<LONG>(kRows) + 5) << "by font " << byFont;
+        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr)) << "by font " << byFont;
+        for (LONG i = 0; i < rows; ++i) {
+            EXPECT_TRUE(DVListBox_IsItemCached(list, i)) << i;
+            EXPECT_EQ(Name(db_.keys[i]), Text(list, i)) << "by font " << byFont;
+        }
+        Finish(list);
+    }
+    DeleteObject(small);
+}
+
+// The alphabetic thumb: a thumb place stands for two letters, searched for
+// from there back to "aa" until the host finds one; none found: the top.
+TEST_F(DVListBox, AlphabeticThumbSearchesTwoLettersBackToTheTop)
+{
+    db_.keys = Keys(500);  // names of digits: no two letters are found
+    HWND list = Make(VLS_ALPHATHUMB, 500);
+    DVListBox_SetTopIndex(list, 200, FALSE);
+    db_.Take();
+    SendMessageA(list, WM_VSCROLL, MAKEWPARAM(SB_THUMBPOSITION, 245), 0);
+    Log searches;
+    for (const std::string &line : db_.Take())
+        if (line.rfind("SEARCH", 0) == 0)
+            searches.push_back(line);
+    // Thumb 245 of 490 is item 245: (245 + 1) * 676 / 500 + 1 = 333, "mv".
+    ASSERT_EQ(334u, searches.size());
+    EXPECT_EQ("SEARCH mv", searches[0]);
+    EXPECT_EQ("SEARCH mu", searches[1]);
+    EXPECT_EQ("SEARCH aa", searches.back());
+    EXPECT_EQ(0, DVListBox_GetTopIndex(list));
+    Finish(list);
+}
+
 // A plain reload that runs past the top of the data starts again from it.
 TEST_F(DVListBox, APlainReloadPastTheTopRestartsFromTheTop)
 {

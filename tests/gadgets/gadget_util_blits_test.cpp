@@ -104,22 +104,6 @@ TEST(GadUtilBlits, MaskIsWhereTheTransparentColourIs)
     EXPECT_EQ(16, bits.Count(RGB(255, 255, 255)));
 }
 
-TEST(GadUtilBlits, InvertingTwiceGivesThePictureBack)
-{
-    Scene s;
-    Readback first, second, third;
-    const COLORREF clear = GetSysColor(COLOR_BTNFACE);
-    GadUtilMaskBltInvertNoFlicker(s.dc, &s.rect, s.picture, nullptr, clear);
-    first = s.Read();
-    GadUtilMaskBltInvertNoFlicker(s.dc, &s.rect, s.picture, nullptr, clear);
-    second = s.Read();
-    EXPECT_GT(first.Differences(second), 0) << "the second call paints the other polarity";
-    GadUtilBitBlt(s.dc, &s.rect, s.picture);
-    Scene fresh;
-    UIBitBlt(fresh.dc, &fresh.rect, fresh.picture);
-    EXPECT_EQ(0, s.Read().Differences(fresh.Read())) << "the picture is as it was";
-}
-
 // Without a mask of its own, the gadgets' flicker form keeps the mask it
 // made; the toolkit's frees it. The others free theirs.
 TEST(GadUtilBlits, OnlyTheFlickerFormKeepsTheMaskItMade)

@@ -5,11 +5,12 @@
 #include "window_harness.h"
 #include <windows.h>
 
-// One row in the system font: the text height plus its internal leading.
-inline int RowHeight()
+// One row in `font` (the system font when null): the text height plus its
+// internal leading.
+inline int RowHeight(HFONT font = nullptr)
 {
     HDC dc = GetDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, GetStockObject(SYSTEM_FONT));
+    HGDIOBJ old = SelectObject(dc, font ? font : GetStockObject(SYSTEM_FONT));
     TEXTMETRICA tm;
     GetTextMetricsA(dc, &tm);
     SelectObject(dc, old);

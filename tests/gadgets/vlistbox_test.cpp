@@ -336,43 +336,22 @@ TEST_F(VListBox, MultipleSelectionTogglesByClickAndSpace)
     EXPECT_FALSE(VListBox_GetSel(list, 4));
 }
 
-TEST_F(VListBox, ExtendedSelectionKeepsTheRunFromAnchorToCaret)
+// Keys in extended mode notify twice: once for the caret, once for the run
+// (the runs themselves are walked in KeysClicksAndScrollsWalkEachModesLimitsExactly).
+TEST_F(VListBox, ExtendedSelectionKeysNotifyTwice)
 {
     HWND list = Make(VLS_NOTIFY | VLS_EXTENDEDSEL, 1000, host);
-    const int h = RowHeight();
-    Click(list, 5, h * 3 + 1);
-    Click(list, 5, h * 6 + 1, MK_SHIFT);
-    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6}), Selection(list));
-    Click(list, 5, h * 8 + 1, MK_CONTROL);
-    EXPECT_EQ(std::vector<DWORD>({3, 4, 5, 6, 8}), Selection(list));
-    Click(list, 5, h * 4 + 1, MK_CONTROL);
-    EXPECT_EQ(std::vector<DWORD>({3, 5, 6, 8}), Selection(list));
+    Click(list, 5, RowHeight() * 3 + 1);
     host.Take();
     parent_->Clear();
-
-    Key(list, VK_DOWN);  // no Shift: the selection starts again at the caret
-    EXPECT_EQ(std::vector<DWORD>({5}), Selection(list));
-    EXPECT_EQ(Log({"SELCHANGE", "SELCHANGE"}), host.Take()) << "keys notify twice";
+    Key(list, VK_DOWN);
+    EXPECT_EQ(std::vector<DWORD>({4}), Selection(list));
+    EXPECT_EQ(Log({"SELCHANGE", "SELCHANGE"}), host.Take());
     static const Message twice_seq[] = {
         {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0},
         {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID_LIST, 0x11), 0},
         {0, 0, 0, 0}};
     EXPECT_SEQUENCE(*parent_, twice_seq, "down in extended mode");
-    {
-        HeldKey shift(VK_SHIFT);
-        Key(list, VK_DOWN);
-        Key(list, VK_DOWN);
-        Key(list, VK_DOWN);
-        EXPECT_EQ(std::vector<DWORD>({5, 6, 7, 8}), Selection(list));
-        Key(list, VK_UP);
-        EXPECT_EQ(std::vector<DWORD>({5, 6, 7}), Selection(list)) << "walking back shrinks the run";
-        Key(list, VK_END);
-        EXPECT_EQ(995u, VListBox_GetSelCount(list)) << "anchor 5 to the end in one run";
-        Key(list, VK_HOME);
-        EXPECT_EQ(std::vector<DWORD>({0, 1, 2, 3, 4, 5}), Selection(list));
-    }
-    Key(list, VK_HOME);
-    EXPECT_EQ(std::vector<DWORD>({0}), Selection(list));
 }
 
 TEST_F(VListBox, ExtendedSelectionOfMillionsCostsOneRun)
@@ -656,123 +635,37 @@ TEST_F(VListBox, AnItemLookedUpAloneRaisesTheCountOfAnOpenList)
     EXPECT_EQ(501 - static_cast<int>(kRows), high);
 }
 
-// ------------------------------------------------------------- monkey
-// A plain model of the list: top, caret, anchor and selection, moved by the
-// rules the list follows, in each of the three selection modes.
-enum Mode { kSingle, kMultiple, kExtended };
+// ------------------------------------------------------------- keys and scrolls
+// "3-6,8": the selection as runs.
+std::string Runs(HWND list)
+{
+    std::string text;
+    std::vector<DWORD> items = Selection(list);
+    for (size_t i = 0; i < items.size(); ++i) {
+        size_t j = i;
+        while (j + 1 < items.size() && items[j + 1] == items[j] + 1)
+            ++j;
+        text += (text.empty() ? "" : ",") + std::to_string(items[i]) +
+                (j > i ? "-" + std::to_string(items[j]) : "");
+        i = j;
+    }
+    return text;
+}
 
-struct Model {
-    Mode mode;
-    DWORD total, visible, top = 0, caret = 0, sel = 0xFFFFFFFFu, anchor = 0;
-    std::set<DWORD> set;
-    bool captured = false;
-    DWORD Clamp(unsigned long long t) const
-    {
-        if (t + visible > total)
-            return total < visible ? 0 : total - visible;
-        return static_cast<DWORD>(t);
-    }
-    void Follow()
-    {
-        if (caret < top)
-            top = Clamp(caret);
-        else if (caret - top >= visible)
-            top = Clamp(caret - visible + 1ull);
-    }
-    void Toggle(DWORD i)
-    {
-        if (!set.erase(i))
-            set.insert(i);
-    }
-    void Run()
-    {
-        set.clear();
-        for (DWORD i = std::min(anchor, caret); i <= std::max(anchor, caret); ++i)
-            set.insert(i);
-    }
-    // The caret moved from p to q: items between change so that the run
-    // from the anchor follows the caret.
-    void Walk(DWORD p, DWORD q)
-    {
-        for (DWORD i = std::min(p, q); i <= std::max(p, q); ++i) {
-            if (i == anchor || (i == p && q != anchor && !((p >= anchor && p > q) || (p < anchor && q > p))))
-                continue;
-            if (!set.count(i))
-                set.insert(i);
-            else if (i != q)
-                set.erase(i);
-        }
-    }
-    void Press(DWORD index, WPARAM keys)
-    {
-        if (index > total - 1)
-            return;
-        captured = true;
-        caret = index;
-        if (mode == kMultiple) {
-            Toggle(index);
-            return;
-        }
-        sel = index;
-        if (mode == kSingle)
-            return;
-        if (keys & MK_CONTROL) {
-            anchor = index;
-            Toggle(index);
-            captured = false;
-        } else if (keys & MK_SHIFT) {
-            Run();
-        } else {
-            anchor = index;
-            set = {index};
-        }
-    }
-    void Track(DWORD index)
-    {
-        if (!captured || index == caret)
-            return;
-        DWORD old = caret;
-        caret = index;
-        if (mode != kMultiple)
-            sel = index;
-        if (mode == kExtended)
-            Walk(old, index);
-    }
-    void KeyDown(UINT key, bool shift)
-    {
-        DWORD c = caret, last = total - 1, v = visible;
-        switch (key) {
-        case VK_SPACE:
-            if (mode == kSingle)
-                sel = sel == caret ? 0xFFFFFFFFu : caret;
-            else if (mode == kMultiple)
-                Toggle(caret);
-            return;
-        case VK_UP: c = c ? c - 1 : 0; break;
-        case VK_DOWN:
-            if (mode == kMultiple || sel != 0xFFFFFFFFu) c = c < last ? c + 1 : last;
-            break;
-        case VK_PRIOR: c = c > v - 1 ? c - v + 1 : 0; break;
-        case VK_NEXT: c = c + v - 1 > last || c + v - 1 < c ? last : c + v - 1; break;
-        case VK_HOME: c = 0; break;
-        case VK_END: c = last; break;
-        }
-        DWORD old = caret;
-        caret = c;
-        if (mode != kMultiple)
-            sel = c;
-        if (mode == kExtended) {
-            if (shift && (key == VK_HOME || key == VK_END))
-                Run();
-            else if (shift)
-                Walk(old, c);
-            else
-                anchor = c, set = {c};
-        }
-        Follow();
-    }
+// One walk per selection mode over 100 items on 10 rows, each step checked
+// exactly: the limits of every key and scroll request at, one inside and
+// one past each end. K key, S key with Shift, C click a row (`what`) with
+// `mods`, B scroll request, T SetTopIndex, N SetNumItems.
+struct Step {
+    char kind;
+    DWORD what;
+    WPARAM mods;
+    DWORD top, caret, cur;
+    const char *set;
 };
+const DWORD kNone = 0xFFFFFFFFu;
 
+// Shift as the list reads it, for this thread alone.
 void SetShift(bool down)
 {
     BYTE keys[256];
@@ -781,166 +674,157 @@ void SetShift(bool down)
     SetKeyboardState(keys);
 }
 
-void Monkey(HWND list, Host &host, Mode mode, unsigned seed)
-{
-    const int steps = MonkeySteps(20000 / 3, 1000 / 3);  // in each of the three modes
-    std::mt19937 random(seed);
-    host.ids.clear();
-    for (int i = 0; i < 300; ++i)
-        host.ids.push_back(i);
-    int nextId = 300;
-    ASSERT_TRUE(VListBox_Initialize(list, 300, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
-    const int h = RowHeight();
-    Model model{mode, 300, kRows, 0, 0, 0xFFFFFFFFu, 0, {}};
-    bool shift = false;
-    auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % n); };
-    auto rowsWithItems = [&] { return std::min(model.visible, model.total - model.top); };
-    for (int step = 0; step < steps; ++step) {
-        int action = pick(14);
-        switch (action) {
-        case 0: case 1: {  // click a row, with Ctrl or Shift at times
-            static const WPARAM mods[] = {0, 0, MK_CONTROL, MK_SHIFT};
-            WPARAM keys = mods[pick(4)];
-            DWORD row = pick(model.visible);
-            Click(list, 5, row * h + 1, keys);
-            model.Press(model.top + row, keys);
-            model.captured = false;
-            break;
-        }
-        case 2: {  // press, drag over rows holding items, release
-            WPARAM keys = pick(3) ? 0 : MK_CONTROL;
-            DWORD row = pick(rowsWithItems()), to = pick(rowsWithItems());
-            SendMessageA(list, WM_LBUTTONDOWN, keys | MK_LBUTTON, MAKELPARAM(5, row * h + 1));
-            model.Press(model.top + row, keys);
-            for (;;) {
-                SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, row * h + 2));
-                model.Track(model.top + row);
-                if (row == to)
-                    break;
-                row = row < to ? row + 1 : row - 1;
-            }
-            SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, row * h + 2));
-            model.captured = false;
-            break;
-        }
-        case 3: case 4: case 5: {
-            static const UINT keys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END, VK_SPACE};
-            UINT key = keys[pick(7)];
-            Key(list, key);
-            model.KeyDown(key, shift);
-            break;
-        }
-        case 6:
-            shift = !shift;
-            SetShift(shift);
-            break;
-        case 7: case 8: {
-            static const WORD requests[] = {SB_LINEUP, SB_LINEDOWN, SB_PAGEUP, SB_PAGEDOWN, SB_TOP,
-                                            SB_BOTTOM};
-            WORD request = requests[pick(6)];
-            SendMessageA(list, WM_VSCROLL, request, 0);
-            DWORD t = model.top, v = model.visible;
-            switch (request) {
-            case SB_LINEUP: t = t ? model.Clamp(t - 1) : t; break;
-            case SB_LINEDOWN: t = model.Clamp(t + 1ull); break;
-            case SB_PAGEUP: t = t ? model.Clamp(t >= v ? t - v + 1 : 0) : t; break;
-            case SB_PAGEDOWN: t = model.Clamp(t + v - 1ull); break;
-            case SB_TOP: t = model.Clamp(0); break;
-            case SB_BOTTOM: t = model.Clamp(model.total); break;
-            }
-            model.top = t;
-            break;
-        }
-        case 9: {
-            DWORD t = pick(model.total + 20);
-            VListBox_SetTopIndex(list, t);
-            model.top = model.Clamp(t);
-            break;
-        }
-        case 10: {  // the host resizes the list
-            DWORD rows = 3 + pick(12);
-            RECT window;
-            GetWindowRect(list, &window);
-            SetWindowPos(list, nullptr, 0, 0, window.right - window.left, rows * h,
-                         SWP_NOMOVE | SWP_NOZORDER);
-            model.visible = rows;
-            break;
-        }
-        case 11: {  // the host inserts or deletes an item, starts again and keeps its selection
-            bool insert = pick(2) || host.ids.size() < 30;
-            DWORD at = pick(static_cast<DWORD>(host.ids.size()) + insert), top = model.top;
-            if (insert)
-                host.ids.insert(host.ids.begin() + at, nextId++);
-            else
-                host.ids.erase(host.ids.begin() + at);
-            std::vector<DWORD> items;
-            for (DWORD i : model.set)
-                if (insert || i != at)
-                    items.push_back(i < at ? i : insert ? i + 1 : i - 1);
-            model.set = std::set<DWORD>(items.begin(), items.end());
-            model.total = static_cast<DWORD>(host.ids.size());
-            ASSERT_TRUE(VListBox_Initialize(list, model.total, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
-            VListBox_SetTopIndex(list, top);
-            model.top = model.Clamp(top);
-            model.sel = 0xFFFFFFFFu;
-            if (mode != kSingle) {
-                ASSERT_TRUE(VListBox_SetSelItems(list, static_cast<DWORD>(items.size()), items.data()));
-            }
-            break;
-        }
-        case 12:  // items come at the end: the total alone changes
-            for (int i = 0; i < 5; ++i)
-                host.ids.push_back(nextId++);
-            model.total = static_cast<DWORD>(host.ids.size());
-            ASSERT_TRUE(VListBox_SetNumItems(list, model.total));
-            model.top = std::min(model.top, model.total - model.visible);  // a top past the end comes back
-            break;
-        default: {
-            DWORD index = pick(model.total);
-            char text[32] = "";
-            VListBox_GetText(list, index, text);
-            ASSERT_EQ(host.Text(index), text) << "step " << step;
-            break;
-        }
-        }
-        ASSERT_EQ(model.top, VListBox_GetTopIndex(list)) << "step " << step << " action " << action;
-        ASSERT_EQ(model.caret, VListBox_GetCaretIndex(list)) << "step " << step << " action " << action;
-        ASSERT_EQ(mode == kMultiple ? 0xFFFFFFFFu : model.sel, VListBox_GetCurSel(list))
-            << "step " << step << " action " << action;
-        ASSERT_EQ(model.total, VListBox_GetNumItems(list));
-        ASSERT_EQ(std::vector<DWORD>(model.set.begin(), model.set.end()), Selection(list))
-            << "step " << step << " action " << action;
-        for (DWORD row = 0; row < model.visible && model.top + row < model.total; ++row) {
-            DWORD index = model.top + row;
-            if (!VListBox_IsItemCached(list, index))
-                continue;
-            char text[32] = "";
-            VListBox_GetText(list, index, text);
-            ASSERT_EQ(host.Text(index), text) << "stale row at step " << step;
-        }
-        ASSERT_EQ(0, host.badReleases) << "step " << step;
-        ASSERT_LE(host.held.size(), 100u + 20u);
-    }
-    SetShift(false);
-}
+const Step kSingleWalk[] = {
+    {'K', VK_DOWN, 0, 0, 0, 0, ""},  // no selection yet: Down selects in place
+    {'K', VK_DOWN, 0, 0, 1, 1, ""},     {'K', VK_SPACE, 0, 0, 1, kNone, ""},
+    {'K', VK_SPACE, 0, 0, 1, 1, ""},    {'K', VK_UP, 0, 0, 0, 0, ""},
+    {'K', VK_UP, 0, 0, 0, 0, ""},       {'K', VK_NEXT, 0, 0, 9, 9, ""},
+    {'K', VK_DOWN, 0, 1, 10, 10, ""},   {'K', VK_PRIOR, 0, 1, 1, 1, ""},
+    {'K', VK_PRIOR, 0, 0, 0, 0, ""},    {'K', VK_NEXT, 0, 0, 9, 9, ""},
+    {'K', VK_PRIOR, 0, 0, 0, 0, ""},    {'K', VK_END, 0, 90, 99, 99, ""},
+    {'K', VK_NEXT, 0, 90, 99, 99, ""},  {'K', VK_UP, 0, 90, 98, 98, ""},
+    {'K', VK_NEXT, 0, 90, 99, 99, ""},  {'K', VK_HOME, 0, 0, 0, 0, ""},
+    {'B', SB_LINEUP, 0, 0, 0, 0, ""},   {'B', SB_PAGEDOWN, 0, 9, 0, 0, ""},
+    {'B', SB_PAGEUP, 0, 0, 0, 0, ""},   {'T', 10, 0, 10, 0, 0, ""},
+    {'B', SB_PAGEUP, 0, 1, 0, 0, ""},   {'T', 91, 0, 90, 0, 0, ""},
+    {'B', SB_LINEDOWN, 0, 90, 0, 0, ""}, {'B', SB_PAGEDOWN, 0, 90, 0, 0, ""},
+    {'B', SB_PAGEUP, 0, 81, 0, 0, ""},  {'B', SB_BOTTOM, 0, 90, 0, 0, ""},
+    {'C', 3, 0, 90, 93, 93, ""},        {'N', 95, 0, 85, 93, 93, ""},
+    {'N', 100, 0, 85, 93, 93, ""},      {'B', SB_TOP, 0, 0, 93, 93, ""},
+};
+const Step kMultipleWalk[] = {
+    {'K', VK_DOWN, 0, 0, 1, kNone, ""},      {'K', VK_SPACE, 0, 0, 1, kNone, "1"},
+    {'C', 4, 0, 0, 4, kNone, "1,4"},         {'C', 1, 0, 0, 1, kNone, "4"},
+    {'C', 2, MK_SHIFT, 0, 2, kNone, "2,4"},  {'K', VK_END, 0, 90, 99, kNone, "2,4"},
+    {'K', VK_SPACE, 0, 90, 99, kNone, "2,4,99"}, {'K', VK_DOWN, 0, 90, 99, kNone, "2,4,99"},
+    {'K', VK_PRIOR, 0, 90, 90, kNone, "2,4,99"}, {'K', VK_UP, 0, 89, 89, kNone, "2,4,99"},
+    {'K', VK_HOME, 0, 0, 0, kNone, "2,4,99"}, {'K', VK_SPACE, 0, 0, 0, kNone, "0,2,4,99"},
+};
+const Step kExtendedWalk[] = {
+    {'C', 3, 0, 0, 3, 3, "3"},               {'C', 6, MK_SHIFT, 0, 6, 6, "3-6"},
+    {'C', 8, MK_CONTROL, 0, 8, 8, "3-6,8"},  {'C', 4, MK_CONTROL, 0, 4, 4, "3,5-6,8"},
+    {'C', 6, MK_SHIFT, 0, 6, 6, "4-6"},      {'K', VK_DOWN, 0, 0, 7, 7, "7"},
+    {'S', VK_DOWN, 0, 0, 8, 8, "7-8"},       {'S', VK_DOWN, 0, 0, 9, 9, "7-9"},
+    {'S', VK_UP, 0, 0, 8, 8, "7-8"},         {'S', VK_UP, 0, 0, 7, 7, "7"},
+    {'S', VK_UP, 0, 0, 6, 6, "6-7"},         {'S', VK_UP, 0, 0, 5, 5, "5-7"},
+    {'S', VK_DOWN, 0, 0, 6, 6, "6-7"},       {'S', VK_DOWN, 0, 0, 7, 7, "7"},
+    {'S', VK_DOWN, 0, 0, 8, 8, "7-8"},       {'S', VK_NEXT, 0, 8, 17, 17, "7-17"},
+    {'S', VK_PRIOR, 0, 8, 8, 8, "7-8"},      {'S', VK_PRIOR, 0, 0, 0, 0, "0-7"},
+    {'S', VK_END, 0, 90, 99, 99, "7-99"},    {'S', VK_HOME, 0, 0, 0, 0, "0-7"},
+    {'K', VK_SPACE, 0, 0, 0, 0, "0-7"},      {'K', VK_END, 0, 90, 99, 99, "99"},
+    {'S', VK_UP, 0, 90, 98, 98, "98-99"},
+};
 
-TEST_F(VListBox, MonkeyAgreesWithAPlainModelInEachSelectionMode)
+TEST_F(VListBox, KeysClicksAndScrollsWalkEachModesLimitsExactly)
 {
     const struct {
         DWORD style;
-        Mode mode;
-    } modes[] = {{0, kSingle}, {VLS_MULTIPLESEL, kMultiple}, {VLS_EXTENDEDSEL, kExtended}};
-    for (const auto &m : modes) {
-        host.logLoads = false;
-        host.ids.assign(300, 0);
-        HWND list = Make(m.style, 300, host);
-        ShowWindow(list, SW_HIDE);  // no glides: GlidesToTheSamePixelsAsAFullRepaint has them
-        Monkey(list, host, m.mode, 14 + m.mode);
-        SetShift(false);
+        const Step *steps;
+        size_t count;
+    } walks[] = {{0, kSingleWalk, sizeof kSingleWalk / sizeof *kSingleWalk},
+                 {VLS_MULTIPLESEL, kMultipleWalk, sizeof kMultipleWalk / sizeof *kMultipleWalk},
+                 {VLS_EXTENDEDSEL, kExtendedWalk, sizeof kExtendedWalk / sizeof *kExtendedWalk}};
+    host.logLoads = false;
+    for (const auto &walk : walks) {
+        HWND list = Make(walk.style, 100, host);
+        for (size_t i = 0; i < walk.count; ++i) {
+            const Step &s = walk.steps[i];
+            switch (s.kind) {
+            case 'K': Key(list, s.what); break;
+            case 'S': SetShift(true), Key(list, s.what), SetShift(false); break;
+            case 'C': Click(list, 5, s.what * RowHeight() + 1, s.mods); break;
+            case 'B': SendMessageA(list, WM_VSCROLL, s.what, 0); break;
+            case 'T': VListBox_SetTopIndex(list, s.what); break;
+            case 'N': VListBox_SetNumItems(list, s.what); break;
+            }
+            const std::string at = "style " + std::to_string(walk.style) + " step " + std::to_string(i);
+            EXPECT_EQ(s.top, VListBox_GetTopIndex(list)) << at;
+            EXPECT_EQ(s.caret, VListBox_GetCaretIndex(list)) << at;
+            EXPECT_EQ(s.cur, VListBox_GetCurSel(list)) << at;
+            EXPECT_EQ(s.set, Runs(list)) << at;
+        }
         DestroyWindow(list);
-        EXPECT_TRUE(host.held.empty()) << "mode " << m.mode;
-        if (HasFatalFailure())
-            return;
+        EXPECT_EQ(0, host.badReleases);
+    }
+}
+
+// ------------------------------------------------------------- monkey
+// Any sequence of user and host moves: the view starts within the items,
+// every row on view shows its own item, and every release is of a held one.
+TEST_F(VListBox, MonkeyKeepsRowsTrueAndTheViewWithinTheItems)
+{
+    for (DWORD style : {0ul, static_cast<unsigned long>(VLS_MULTIPLESEL), static_cast<unsigned long>(VLS_EXTENDEDSEL)}) {
+        host.logLoads = false;
+        host.ids.clear();
+        for (int i = 0; i < 300; ++i)
+            host.ids.push_back(i);
+        int nextId = 300;
+        HWND list = Make(style, 300, host);
+        ShowWindow(list, SW_HIDE);  // no glides: GlidesToTheSamePixelsAsAFullRepaint has them
+        std::mt19937 random(14 + style);
+        auto pick = [&](DWORD n) { return static_cast<DWORD>(random() % n); };
+        const int h = RowHeight(), steps = MonkeySteps(20000 / 3, 1000 / 3);
+        DWORD rows = kRows;
+        for (int step = 0; step < steps; ++step) {
+            DWORD total = static_cast<DWORD>(host.ids.size());
+            switch (pick(11)) {
+            case 0: Click(list, 5, pick(rows) * h + 1, pick(2) ? 0 : pick(2) ? MK_CONTROL : MK_SHIFT); break;
+            case 1:  // press, drag over the rows, release
+                SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, pick(rows) * h + 1));
+                SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, pick(rows) * h + 2));
+                SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, 2));
+                break;
+            case 2: case 3: {
+                static const UINT keys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END, VK_SPACE};
+                SetShift(pick(2));
+                Key(list, keys[pick(7)]);
+                SetShift(false);
+                break;
+            }
+            case 4: SendMessageA(list, WM_VSCROLL, pick(8), 0); break;
+            case 5: VListBox_SetTopIndex(list, pick(total + 20)); break;
+            case 6:  // the host resizes the list
+                rows = 3 + pick(12);
+                SetWindowPos(list, nullptr, 0, 0, 200, rows * h, SWP_NOMOVE | SWP_NOZORDER);
+                break;
+            case 7: {  // the host inserts or deletes an item and starts again
+                bool insert = pick(2) || total < 30;
+                DWORD at = pick(total + insert);
+                if (insert)
+                    host.ids.insert(host.ids.begin() + at, nextId++);
+                else
+                    host.ids.erase(host.ids.begin() + at);
+                total = static_cast<DWORD>(host.ids.size());
+                ASSERT_TRUE(VListBox_Initialize(list, total, 100, 20, HostProc, reinterpret_cast<LPARAM>(&host)));
+                break;
+            }
+            case 8:  // items come at the end: the total alone changes
+                for (int i = 0; i < 5; ++i)
+                    host.ids.push_back(nextId++);
+                ASSERT_TRUE(VListBox_SetNumItems(list, static_cast<DWORD>(host.ids.size())));
+                break;
+            default: {
+                DWORD index = pick(total);
+                char text[32] = "";
+                VListBox_GetText(list, index, text);
+                ASSERT_EQ(host.Text(index), text) << "step " << step;
+            }
+            }
+            total = static_cast<DWORD>(host.ids.size());
+            const DWORD top = VListBox_GetTopIndex(list);
+            ASSERT_EQ(total, VListBox_GetNumItems(list));
+            ASSERT_LT(top, total) << "step " << step;  // a taller window may leave rows empty
+            for (DWORD index = top; index < top + rows && index < total; ++index) {
+                char text[32] = "";
+                if (VListBox_IsItemCached(list, index) && VListBox_GetText(list, index, text)) {
+                    ASSERT_EQ(host.Text(index), text) << "stale row at step " << step;
+                }
+            }
+            ASSERT_EQ(0, host.badReleases) << "step " << step;
+            ASSERT_LE(host.held.size(), 100u + 20u);
+        }
+        DestroyWindow(list);
+        EXPECT_TRUE(host.held.empty()) << "style " << style;
     }
 }
 
