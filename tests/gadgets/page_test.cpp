@@ -1,0 +1,256 @@
+// Page: every handle dragged in the application's dialog, walking each
+// clamp; grid handles only for more than one column or row; the zoom
+// toggle; one-pixel lines at every scale; drags cut short; failed paints;
+// a hostile parent; a monkey.
+#include "failure_seam.h"
+#include "qz_test.h"
+#include "window_harness.h"
+#include <random>
+
+namespace {
+
+const int ID = 100, W = 300, H = 200;
+// 2 x 3 cells of 120 x 40 on a 300 x 200 sheet: gaps of 10 across and 15
+// down; the first cell's inner area is (25, 16)-(133, 42).
+const PageLayout kBase = {7, 2, 3, 20, 10, 30, 40, 5, 6, 7, 8, 300, 200, 120, 40, 10, 5, 15, 20, 8, 9};
+const COLORREF kRed = 0x0000FF, kCyan = 0xFFFF00;
+enum Field { mL = 3, mT, mR, mB, cL, cT, cR, cB, cW = 13, cH };
+
+LONG &At(PageLayout &l, int field) { return reinterpret_cast<LONG *>(&l)[field]; }
+void Set(HWND g, const PageLayout &l) { SendMessageA(g, PGM_SETLAYOUT, 0, LPARAM(&l)), UpdateWindow(g); }
+PageLayout Get(HWND g) { PageLayout l = {}; SendMessageA(g, PGM_GETLAYOUT, 0, LPARAM(&l)); return l; }
+void Mouse(HWND g, UINT m, POINT p) { SendMessageA(g, m, m == WM_LBUTTONUP ? 0 : MK_LBUTTON, MAKELPARAM(p.x, p.y)); }
+constexpr LRESULT HK(int kind, int handle) { return LRESULT(MAKELONG(kind, handle)); }
+LRESULT Hover(HWND g, POINT p) { SendMessageA(g, WM_MOUSEMOVE, 0, MAKELPARAM(p.x, p.y)); return SendMessageA(g, PGM_GETHOVER, 0, 0); }
+
+std::vector<WORD> g_codes;
+INT_PTR CALLBACK LogCodes(HWND, UINT m, WPARAM wp, LPARAM)
+{
+    if (m == WM_COMMAND && LOWORD(wp) == ID)
+        g_codes.push_back(HIWORD(wp));
+    return m == WM_INITDIALOG;
+}
+
+class PageTest : public GadgetTest {
+protected:
+    HWND dialog = nullptr, g = nullptr;
+    void SetUp() override
+    {
+        GadgetTest::SetUp();
+        dialog = CreateDialogParamA(ResourceGetHandle(), "PAGEDIALOG", nullptr, LogCodes, 0);
+        ASSERT_TRUE(dialog != nullptr);
+        ShowWindow(dialog, SW_SHOWNOACTIVATE);
+        g = GetDlgItem(dialog, ID);
+        SetWindowPos(g, nullptr, 0, 0, W, H, SWP_NOMOVE | SWP_NOZORDER);  // one unit a pixel
+        Set(g, kBase);
+        g_codes.clear();
+    }
+    void TearDown() override { DestroyWindow(dialog), GadgetTest::TearDown(); }
+};
+
+// Each handle pressed at its place, then moved three times across its
+// clamp (one below, at, one above); the layout is read after every move.
+TEST_F(PageTest, EveryHandleDraggedAcrossItsClamp)
+{
+    struct Row { POINT press; LRESULT hover; int a, b; POINT to[3]; LONG va[3], vb[3]; } rows[] = {
+        {{20, 100}, HK(0, 0), mL, 0, {{9, 0}, {10, 0}, {11, 0}}, {10, 10, 11}, {}},
+        {{200, 10}, HK(0, 1), mT, 0, {{0, 4}, {0, 5}, {0, 6}}, {5, 5, 6}, {}},
+        {{270, 100}, HK(0, 2), mR, 0, {{286, 0}, {285, 0}, {284, 0}}, {15, 15, 16}, {}},
+        {{100, 160}, HK(0, 3), mB, 0, {{0, 181}, {0, 180}, {0, 179}}, {20, 20, 21}, {}},
+        {{140, 100}, HK(1, 0), cW, 0, {{19, 0}, {20, 0}, {21, 0}}, {0, 0, 1}, {}},
+        {{200, 50}, HK(1, 1), cH, 0, {{0, 9}, {0, 10}, {0, 11}}, {0, 0, 1}, {}},
+        {{25, 16}, HK(2, 0), cL, cT, {{19, 9}, {20, 10}, {21, 11}}, {0, 0, 1}, {0, 0, 1}},
+        {{79, 16}, HK(2, 1), cT, 0, {{0, 9}, {0, 10}, {0, 11}}, {0, 0, 1}, {}},
+        {{133, 16}, HK(2, 2), cR, cT, {{141, 9}, {140, 10}, {139, 11}}, {0, 0, 1}, {0, 0, 1}},
+        {{133, 29}, HK(2, 3), cR, 0, {{141, 0}, {140, 0}, {139, 0}}, {0, 0, 1}, {}},
+        {{133, 42}, HK(2, 4), cR, cB, {{141, 51}, {140, 50}, {139, 49}}, {0, 0, 1}, {0, 0, 1}},
+        {{79, 42}, HK(2, 5), cB, 0, {{0, 51}, {0, 50}, {0, 49}}, {0, 0, 1}, {}},
+        {{25, 42}, HK(2, 6), cL, cB, {{19, 51}, {20, 50}, {21, 49}}, {0, 0, 1}, {0, 0, 1}},
+        // A cell side whose pointer converts to 0 keeps its value.
+        {{25, 29}, HK(2, 7), cL, 0, {{21, 5}, {0, 5}, {19, 5}}, {1, 1, 0}, {}},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(testing::Message() << "handle " << row.hover);
+        Set(g, kBase);
+        EXPECT_EQ(row.hover, Hover(g, row.press));
+        Mouse(g, WM_LBUTTONDOWN, row.press);
+        EXPECT_EQ(g, GetCapture());
+        for (int i = 0; i < 3; ++i) {
+            g_codes.clear();
+            Mouse(g, WM_MOUSEMOVE, row.to[i]);
+            EXPECT_EQ(std::vector<WORD>{PGN_CHANGED}, g_codes) << "move " << i;
+            PageLayout got = Get(g), want = kBase;
+            At(want, row.a) = row.va[i];
+            if (row.b) At(want, row.b) = row.vb[i];
+            EXPECT_EQ(0, memcmp(&want, &got, sizeof want)) << "move " << i;
+        }
+        Mouse(g, WM_LBUTTONUP, row.to[2]);
+        EXPECT_EQ(nullptr, GetCapture());
+    }
+}
+
+// A grid handle and line for columns and rows only when there are two or more.
+TEST_F(PageTest, GridHandlesOnlyForMoreThanOneColumnOrRow)
+{
+    struct Row { LONG columns, rows; bool across, down; } rows[] = {
+        {2, 3, true, true}, {1, 3, false, true}, {2, 1, true, false}, {1, 1, false, false}};
+    for (const Row &row : rows) {
+        PageLayout l = kBase;
+        l.columns = row.columns, l.rows = row.rows;
+        Set(g, l);
+        Readback rb = Readback::Of(g);
+        EXPECT_EQ(row.across, Hover(g, {140, 100}) == HK(1, 0)) << row.columns;
+        EXPECT_EQ(row.across, rb.At(140, 100) == kCyan) << row.columns;
+        EXPECT_EQ(row.down, Hover(g, {200, 50}) == HK(1, 1)) << row.rows;
+        EXPECT_EQ(row.down, rb.At(200, 50) == kCyan) << row.rows;
+    }
+}
+
+// A click away from the handles zooms in on one cell and back; the left
+// margin line moves to where the close-up maps it.
+TEST_F(PageTest, ClickTogglesZoomAndMovesTheHandles)
+{
+    const LONG zoomedAt = MulDiv(20, W, 120 + 30 + 20);
+    for (int click = 0; click < 3; ++click) {
+        LONG at = click % 2 ? zoomedAt : 20;
+        EXPECT_EQ(HK(0, 0), Hover(g, {at, 100})) << click;
+        EXPECT_EQ(-1, LONG(Hover(g, {click % 2 ? 20 : zoomedAt, 100}))) << click;
+        Hover(g, {200, 120});
+        Mouse(g, WM_LBUTTONDOWN, {200, 120});
+        Mouse(g, WM_LBUTTONUP, {200, 120});
+        UpdateWindow(g);
+    }
+    EXPECT_TRUE(g_codes.empty());
+}
+
+// Lines are one device pixel wide in coarse and fine units, whole and zoomed.
+TEST_F(PageTest, LinesOnePixelWideAtEveryScale)
+{
+    struct Row { int mul, div; bool zoomed; } rows[] = {{1, 1, false}, {1, 1, true}, {1, 10, false}, {1, 10, true}, {100, 1, false}};
+    for (const Row &row : rows) {
+        PageLayout l = kBase;
+        l.cellMarginLeft = l.cellMarginTop = l.cellMarginRight = l.cellMarginBottom = 10;
+        for (int f = mL; f <= cH; ++f) At(l, f) = At(l, f) * row.mul / row.div;
+        Set(g, l);
+        if (row.zoomed) Hover(g, {200, 120}), Mouse(g, WM_LBUTTONDOWN, {200, 120});
+        Readback rb = Readback::Of(g);
+        SCOPED_TRACE(testing::Message() << row.mul << "/" << row.div << (row.zoomed ? " zoomed" : ""));
+        for (int axis = 0; axis < 2; ++axis) {  // row 2 crosses the upright lines, column 2 the level ones
+            int runs = 0, n = axis ? H : W;
+            for (int i = 0; i < n; ++i) {
+                bool red = (axis ? rb.At(2, i) : rb.At(i, 2)) == kRed;
+                bool next = i + 1 < n && (axis ? rb.At(2, i + 1) : rb.At(i + 1, 2)) == kRed;
+                runs += red;
+                EXPECT_FALSE(red && next) << "a red line two pixels wide at " << i;
+            }
+            EXPECT_GE(runs, 1);
+        }
+        EXPECT_EQ(0u, rb.At(0, 100) | rb.At(100, 0));  // the sheet's frame
+        EXPECT_NE(0u, rb.At(1, 100) & rb.At(100, 1));
+        if (row.zoomed) Mouse(g, WM_LBUTTONDOWN, {200, 120});
+    }
+}
+
+// A sheet or view with no extent shows the window colour and no handles.
+TEST_F(PageTest, NoExtentPaintsBlankAndDividesNothing)
+{
+    PageLayout flat = kBase, thin = kBase;
+    flat.sheetWidth = 0;
+    thin.cellWidth = -50;  // the close-up is 0 wide
+    auto blank = [&] { Readback rb = Readback::Of(g); return rb.Uniform() && rb.At(5, 5) == GetSysColor(COLOR_WINDOW); };
+    Set(g, flat);
+    EXPECT_TRUE(blank());
+    EXPECT_EQ(-1, LONG(Hover(g, {20, 100})));
+    // Flattened in the middle of a drag: the moves write nothing.
+    Set(g, kBase);
+    Hover(g, {20, 100}), Mouse(g, WM_LBUTTONDOWN, {20, 100});
+    SendMessageA(g, PGM_SETLAYOUT, 0, LPARAM(&flat));
+    Mouse(g, WM_MOUSEMOVE, {40, 100}), Mouse(g, WM_LBUTTONUP, {40, 100});
+    EXPECT_EQ(20, Get(g).marginLeft);
+    Set(g, thin);
+    EXPECT_FALSE(blank());
+    Hover(g, {200, 120}), Mouse(g, WM_LBUTTONDOWN, {200, 120});
+    EXPECT_TRUE(blank());
+    EXPECT_TRUE(g_codes.empty());
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
+
+// A drag ends cleanly when the capture is taken away or the mode cancelled.
+TEST_F(PageTest, DragEndsOnCaptureLossAndCancelMode)
+{
+    for (UINT cut : {WM_CAPTURECHANGED, WM_CANCELMODE}) {
+        Set(g, kBase);
+        Hover(g, {20, 100});
+        Mouse(g, WM_LBUTTONDOWN, {20, 100});
+        Mouse(g, WM_MOUSEMOVE, {30, 100});
+        if (cut == WM_CAPTURECHANGED) SetCapture(dialog); else SendMessageA(g, WM_CANCELMODE, 0, 0);
+        ReleaseCapture();
+        g_codes.clear();
+        Mouse(g, WM_MOUSEMOVE, {60, 100});
+        EXPECT_TRUE(g_codes.empty());
+        EXPECT_EQ(30, Get(g).marginLeft);
+    }
+}
+
+// Each brush or pen of the paint refused in turn: PGN_ERROR, the error
+// recorded, nothing left behind.
+TEST_F(PageTest, FailedPaintNotifiesAndLeaksNothing)
+{
+    long before = GdiObjectsInUse();
+    for (unsigned n = 1; n <= 6; ++n) {
+        g_codes.clear(), OSErrorClearError();
+        {
+            FailureSeam seam(FailureSeam::Gdi, n);
+            InvalidateRect(g, nullptr, TRUE), UpdateWindow(g);
+        }
+        EXPECT_EQ(std::vector<WORD>{PGN_ERROR}, g_codes) << n;
+        EXPECT_EQ(RV_GDIError, OSErrorGetErrorValue()) << n;
+    }
+    EXPECT_EQ(before, GdiObjectsInUse());
+}
+
+TEST_F(PageTest, HostileParentDestroysInsideTheNotification)
+{
+    RecordingParent parent;
+    HWND p = parent.CreateChild("Page", ID, 0, 0, 0, W, H);
+    parent.Answer([p](HWND, UINT m, WPARAM, LPARAM, bool *) { return m == WM_COMMAND ? LRESULT(DestroyWindow(p)) : 0; });
+    Set(p, kBase);
+    Hover(p, {20, 100}), Mouse(p, WM_LBUTTONDOWN, {20, 100}), Mouse(p, WM_MOUSEMOVE, {40, 100});
+    EXPECT_FALSE(IsWindow(p));
+    EXPECT_EQ(nullptr, GetCapture());
+}
+
+TEST_F(PageTest, MonkeyKeepsTheLayoutWithinItsLimits)
+{
+    DestroyWindow(dialog), dialog = nullptr;
+    long before = GdiObjectsInUse();
+    std::mt19937 random(25);
+    {
+        RecordingParent parent;
+        HWND p = parent.CreateChild("Page", ID, 0, 0, 0, W, H);
+        PageLayout set = kBase;
+        Set(p, set);
+        auto pick = [&](int n) { return LONG(random() % n); };
+        for (int i = 0; i < MonkeySteps(3000, 300); ++i) {
+            POINT at = {pick(W + 40) - 20, pick(H + 40) - 20};
+            switch (pick(8)) {
+            case 0: set = kBase; for (int f = 1; f < 15; ++f) if (pick(4) == 0) At(set, f) = pick(400) - 50;
+                    Set(p, set); break;
+            case 1: SetWindowPos(p, nullptr, 0, 0, pick(W), pick(H), SWP_NOMOVE | SWP_NOZORDER), UpdateWindow(p); break;
+            case 2: Hover(p, at), Mouse(p, WM_LBUTTONDOWN, at); break;
+            case 3: Mouse(p, WM_LBUTTONUP, at); break;
+            case 4: SendMessageA(p, pick(2) ? WM_CANCELMODE : WM_KEYDOWN, VK_ESCAPE, 0); break;
+            default: Mouse(p, WM_MOUSEMOVE, at); break;
+            }
+        }
+        // Every measure is as last set, or a drag wrote it within its limit.
+        PageLayout l = Get(p);
+        const LONG least[] = {0, 0, 0, 10, 5, 15, 20, 0, 0, 0, 0, 0, 0, 0, 0};
+        for (int f = 0; f < 21; ++f)
+            EXPECT_TRUE(At(l, f) == At(set, f) || (f < 15 && At(l, f) >= least[f])) << f;
+    }
+    EXPECT_EQ(nullptr, GetCapture());
+    EXPECT_EQ(before, GdiObjectsInUse());
+}
+
+}  // namespace
