@@ -86,14 +86,33 @@ LONG Held(const AxisMap &axis, LONGLONG value)
     return static_cast<LONG>(value < axis.low ? axis.low : value > axis.high ? axis.high : value);
 }
 
+// Takes rectangles to device units through the view's mapping, which is
+// set for each conversion; the DC draws in MM_TEXT in between.
 struct Mapper {
     HDC dc;
+    const RECT &client;
+    const PageLayout &layout;
+    bool zoomed;
     AxisMap x, y;
+    // Converts `count` rectangles given as left, top, right, bottom.
+    void ToDevice(const LONGLONG *edges, RECT *out, int count) const
+    {
+        POINT p[4];
+        for (int i = 0; i < 2 * count; ++i)
+            p[i] = {Held(x, edges[2 * i]), Held(y, edges[2 * i + 1])};
+        if (PageSetMapping(dc, client, layout, zoomed)) {
+            LPtoDP(dc, p, 2 * count);
+            SetMapMode(dc, MM_TEXT);
+            SetViewportOrgEx(dc, 0, 0, nullptr);
+        }
+        for (int i = 0; i < count; ++i)
+            out[i] = {p[2 * i].x, p[2 * i].y, p[2 * i + 1].x, p[2 * i + 1].y};
+    }
     RECT ToDevice(LONGLONG left, LONGLONG top, LONGLONG right, LONGLONG bottom) const
     {
-        POINT p[2] = {{Held(x, left), Held(y, top)}, {Held(x, right), Held(y, bottom)}};
-        LPtoDP(dc, p, 2);
-        RECT r = {p[0].x, p[0].y, p[1].x, p[1].y};
+        const LONGLONG edges[4] = {left, top, right, bottom};
+        RECT r;
+        ToDevice(edges, &r, 1);
         return r;
     }
 };
@@ -157,14 +176,11 @@ void ComputeHandles(PageRecord *r, bool cells)
         SetRect(&r->cellHandles[i], points[i].x - 3, points[i].y - 3, points[i].x + 3, points[i].y + 3);
 }
 
-// Steps 2 to 8 of the picture, with the mapping set on `dc`; the DC is in
-// MM_TEXT again when this returns.
-void DrawSheet(HDC dc, PageRecord *r, const PaintTools &t, const RECT &client)
+// Steps 2 to 8 of the picture, for a view whose window extent is `extent`.
+void DrawSheet(HDC dc, PageRecord *r, const PaintTools &t, const RECT &client, SIZE extent)
 {
     const PageLayout &l = r->layout;
-    SIZE extent = {};
-    GetWindowExtEx(dc, &extent);
-    Mapper map = {dc, MakeAxis(extent.cx), MakeAxis(extent.cy)};
+    Mapper map = {dc, client, l, r->zoomed != 0, MakeAxis(extent.cx), MakeAxis(extent.cy)};
     const LONGLONG width = l.sheetWidth, height = l.sheetHeight;
     const LONGLONG left = l.marginLeft, top = l.marginTop;
     const LONGLONG right = width - l.marginRight, bottom = height - l.marginBottom;
@@ -188,9 +204,12 @@ void DrawSheet(HDC dc, PageRecord *r, const PaintTools &t, const RECT &client)
     struct Cell { RECT outer, area; };
     auto cellAt = [&](LONG row, LONG column) {
         LONGLONG x = column * stepX + left, y = row * stepY + top;
-        Cell cell = {map.ToDevice(x, y, x + l.cellWidth, y + l.cellHeight),
-                     map.ToDevice(x + l.cellMarginLeft, y + l.cellMarginTop,
-                                  x + l.cellWidth - l.cellMarginRight, y + l.cellHeight - l.cellMarginBottom)};
+        const LONGLONG edges[8] = {x, y, x + l.cellWidth, y + l.cellHeight,
+                                   x + l.cellMarginLeft, y + l.cellMarginTop,
+                                   x + l.cellWidth - l.cellMarginRight, y + l.cellHeight - l.cellMarginBottom};
+        RECT rects[2];
+        map.ToDevice(edges, rects, 2);
+        Cell cell = {rects[0], rects[1]};
         return cell;
     };
     const bool cells = l.columns > 0 && l.rows > 0;
@@ -198,8 +217,6 @@ void DrawSheet(HDC dc, PageRecord *r, const PaintTools &t, const RECT &client)
         r->cellRect = cellAt(0, 0).area;
     else
         SetRectEmpty(&r->cellRect);
-    SetMapMode(dc, MM_TEXT);
-    SetViewportOrgEx(dc, 0, 0, nullptr);
 
     Fill(dc, t.white, sheet.left, sheet.top, sheet.right, sheet.bottom);
     Frame(dc, t.black, sheet);
@@ -282,8 +299,13 @@ void PagePaint(HWND window, PageRecord *r)
     RECT client;
     GetClientRect(window, &client);
     // A sheet or view with no extent has nothing to show and no handles.
-    if (PageSetMapping(dc, client, r->layout, r->zoomed != 0))
-        DrawSheet(dc, r, tools, client);
+    if (PageSetMapping(dc, client, r->layout, r->zoomed != 0)) {
+        SIZE extent = {};
+        GetWindowExtEx(dc, &extent);
+        SetMapMode(dc, MM_TEXT);
+        SetViewportOrgEx(dc, 0, 0, nullptr);
+        DrawSheet(dc, r, tools, client, extent);
+    }
     ReleaseTools(tools);
     EndPaint(window, &ps);
     // The cursor state is brought in line with what is now shown.
