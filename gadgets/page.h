@@ -3,6 +3,7 @@
 // here is in device units of the client area, for hit testing.
 #pragma once
 #include <windows.h>
+#include <climits>
 #include "qziso32.h"
 
 static_assert(sizeof(PageLayout) == 21 * 4, "PageLayout keeps its 32-bit layout");

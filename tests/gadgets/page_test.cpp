@@ -195,6 +195,19 @@ TEST_F(PageTest, FailedPaintNotifiesAndLeaksNothing)
     EXPECT_EQ(before, GdiObjectsInUse());
 }
 
+// Made in each cursor set of the resource library; not without its cursors.
+TEST_F(PageTest, CreationNeedsItsCursors)
+{
+    const char key[] = "Software\\Tarvo\\Kelendrix\\98.0\\UserSetup";
+    for (DWORD set : {0, 1, 2, 3}) {
+        RegSetKeyValueA(HKEY_CURRENT_USER, key, "Cursor State", REG_DWORD, &set, sizeof set), OSErrorClearError();
+        HWND p = CreateWindowA("Page", "", WS_CHILD, 0, 0, 9, 9, dialog, nullptr, nullptr, nullptr);
+        EXPECT_EQ(set < 3 ? RV_Success : RV_UserError, OSErrorGetErrorValue()) << set;
+        EXPECT_EQ(set < 3, DestroyWindow(p) != FALSE) << set;
+    }
+    RegDeleteKeyValueA(HKEY_CURRENT_USER, key, "Cursor State");
+}
+
 TEST_F(PageTest, MonkeyKeepsTheLayoutWithinItsLimits)
 {
     DestroyWindow(dialog), dialog = nullptr;
