@@ -104,20 +104,9 @@ TEST_F(PageTest, GridHandlesOnlyForMoreThanOneColumnOrRow)
     }
 }
 
-// A click away from the handles zooms in on one cell and back; the left
-// margin line moves to where the close-up maps it.
-TEST_F(PageTest, ClickTogglesZoomAndMovesTheHandles)
-{
-    const LONG zoomedAt = MulDiv(20, W, 120 + 30 + 20);
-    for (int click = 0; click < 3; ++click, Click(g), UpdateWindow(g)) {
-        EXPECT_EQ(HK(0, 0), Hover(g, {click % 2 ? zoomedAt : 20, 100})) << click;
-        EXPECT_EQ(-1, LONG(Hover(g, {click % 2 ? 20 : zoomedAt, 100}))) << click;
-    }
-    EXPECT_TRUE(g_codes.empty());
-}
-
-// Lines are one device pixel wide in coarse and fine units, whole and zoomed.
-TEST_F(PageTest, LinesOnePixelWideAtEveryScale)
+// Lines are one device pixel wide in coarse and fine units, whole and
+// zoomed by a click; the zoom moves the left margin's handle.
+TEST_F(PageTest, LinesOnePixelWideAtEveryScaleAndZoomMovesHandles)
 {
     struct Row { int mul, div; bool zoomed; } rows[] = {{1, 1, false}, {1, 1, true}, {1, 10, false}, {1, 10, true}, {100, 1, false}};
     for (const Row &row : rows) {
@@ -127,6 +116,8 @@ TEST_F(PageTest, LinesOnePixelWideAtEveryScale)
         Set(g, l);
         if (row.zoomed) Click(g);
         Readback rb = Readback::Of(g);
+        LONG left = row.zoomed ? MulDiv(20, W, 120 + 30 + 20) : 20, elsewhere = row.zoomed ? 20 : 35;
+        EXPECT_TRUE(Hover(g, {left, 100}) == HK(0, 0) && Hover(g, {elsewhere, 100}) == -1);
         SCOPED_TRACE(testing::Message() << row.mul << "/" << row.div << (row.zoomed ? " zoomed" : ""));
         // Row 2 crosses the upright margin lines, column 2 the level ones.
         std::string across, down;
@@ -156,9 +147,7 @@ TEST_F(PageTest, NoExtentPaintsBlankAndDividesNothing)
     Set(g, thin);
     EXPECT_FALSE(blank());
     Click(g);
-    EXPECT_TRUE(blank());
-    EXPECT_TRUE(g_codes.empty());
-    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    EXPECT_TRUE(blank() && g_codes.empty() && OSErrorGetErrorValue() == RV_Success);
 }
 
 // A drag ends cleanly when the capture is taken away, the mode cancelled,
@@ -182,8 +171,9 @@ TEST_F(PageTest, DragEndsOnCaptureLossCancelModeAndHostileParent)
 }
 
 // Each brush or pen of the paint refused in turn: PGN_ERROR, the error
-// recorded, nothing left behind.
-TEST_F(PageTest, FailedPaintNotifiesAndLeaksNothing)
+// recorded, nothing left behind. The gadget is made in each cursor set of
+// the resource library, and not without its cursors.
+TEST_F(PageTest, FailuresAreRecordedAndLeakNothing)
 {
     long before = GdiObjectsInUse();
     for (unsigned n = 1; n <= 6; ++n) {
@@ -193,11 +183,6 @@ TEST_F(PageTest, FailedPaintNotifiesAndLeaksNothing)
         EXPECT_EQ(RV_GDIError, OSErrorGetErrorValue()) << n;
     }
     EXPECT_EQ(before, GdiObjectsInUse());
-}
-
-// Made in each cursor set of the resource library; not without its cursors.
-TEST_F(PageTest, CreationNeedsItsCursors)
-{
     const char key[] = "Software\\Tarvo\\Kelendrix\\98.0\\UserSetup";
     for (DWORD set : {0, 1, 2, 3}) {
         RegSetKeyValueA(HKEY_CURRENT_USER, key, "Cursor State", REG_DWORD, &set, sizeof set), OSErrorClearError();
