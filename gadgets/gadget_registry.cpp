@@ -7,6 +7,7 @@
 LRESULT CALLBACK DialogTabWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK ZimboWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK PageWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The window procedures of the gadgets in the table.
 LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
@@ -19,6 +20,7 @@ namespace {
 // by adding its row here.
 const GadgetClassRow kGadgetClasses[] = {
     {"StopWatch", 0x6003, IDC_ARROW, GB_None, 0, StopWatchWndProc},
+    {"Page", 0x6003, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1, PageWndProc},
     {"DialogTab", 0x600B, IDC_ARROW, GB_None, 0, DialogTabWndProc},
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},

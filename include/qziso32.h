@@ -1448,6 +1448,54 @@ QZAPI DWORD WINAPI GadUtilMonoBlt(HDC hdc, RECT *rect, HBITMAP image);
 QZAPI DWORD WINAPI GadUtilMaskBlt(HDC dst, int x, int y, int w, int h, HDC src, int srcX, int srcY,
                                   COLORREF transparent);
 
+/* Page ("Page"): a scaled sheet with its margins and a grid of cells  */
+/* whose lines the user drags; the layout record is rewritten live.    */
+/* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup page Page gadget
+ *  @{ */
+/** The measures a Page shows and the user changes, all in one unit of the
+ *  host's choosing: 21 signed 32-bit values, 84 bytes on both builds. */
+typedef struct PageLayout {
+    LONG reserved0;        /**< kept and returned, unused by the gadget */
+    LONG columns;          /**< cells across */
+    LONG rows;             /**< cells down */
+    LONG marginLeft;       /**< sheet edge to the first cell */
+    LONG marginTop;        /**< sheet top to the first cell */
+    LONG marginRight;      /**< last cell to the sheet's right edge */
+    LONG marginBottom;     /**< last cell to the sheet's bottom edge */
+    LONG cellMarginLeft;   /**< cell edge to its inner area, left */
+    LONG cellMarginTop;    /**< cell edge to its inner area, top */
+    LONG cellMarginRight;  /**< cell edge to its inner area, right */
+    LONG cellMarginBottom; /**< cell edge to its inner area, bottom */
+    LONG sheetWidth;       /**< the paper across */
+    LONG sheetHeight;      /**< the paper down */
+    LONG cellWidth;        /**< one cell across */
+    LONG cellHeight;       /**< one cell down */
+    LONG minMarginLeft;    /**< the lowest marginLeft a drag leaves */
+    LONG minMarginTop;     /**< the lowest marginTop a drag leaves */
+    LONG minMarginRight;   /**< the lowest marginRight a drag leaves */
+    LONG minMarginBottom;  /**< the lowest marginBottom a drag leaves */
+    LONG reserved19;       /**< kept and returned, unused by the gadget */
+    LONG reserved20;       /**< kept and returned, unused by the gadget */
+} PageLayout;
+/** lParam: const PageLayout*; copies the 21 values in and repaints with erase.
+ *  Result 1; -1 with RV_BadParms for a null pointer. */
+#define PGM_SETLAYOUT 0x401
+/** lParam: PageLayout* out; the values in force, also in the middle of a drag.
+ *  Result 1; -1 with RV_BadParms for a null pointer. */
+#define PGM_GETLAYOUT 0x402
+/** Result: the kind under the pointer or being dragged in the low 16 bits (0 margin,
+ *  1 grid line, 2 cell margin, 0xFFFF none) and its handle in the high 16 bits. */
+#define PGM_GETHOVER 0x403
+/** Notification (WM_COMMAND, high word of wParam): a drag wrote a measure; one per move. */
+#define PGN_CHANGED 1
+/** Notification: painting failed; the error state has the reason. */
+#define PGN_ERROR 2
+/** The Page class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
+QZAPI LRESULT WINAPI GadPageWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
 /* Files and locking, over the system's own handles                    */
 /* ------------------------------------------------------------------ */
 /** @} */
