@@ -52,7 +52,7 @@ LONG GridY(const FreeTimeRecord *r, LONG trackerY)
 // The block of one column between two grid y's; it keeps later blocks off.
 void DrawBlock(FreeTimeRecord *r, DWORD column, LONG y1, LONG y2)
 {
-    if (y1 >= GridHeight(r) - 1 || y2 < 2 || column >= FreeTimeColumnCount(r))
+    if (y1 >= GridHeight(r) - 1 || y2 < 2 || y2 <= y1 || column >= FreeTimeColumnCount(r))
         return;
     LONG left = 0, width = 0;
     FreeTimeColumn(r, column, &left, &width);
@@ -389,7 +389,7 @@ void FreeTimeLayout(HWND window, FreeTimeRecord *r)
     LONG top = r->rcHeader.bottom;
     MoveWindow(r->tracker, w - t, top, t, h - top > 0 ? h - top : 0, TRUE);
     LONG sb = GetSystemMetrics(SM_CYHSCROLL);
-    MoveWindow(r->scrollBar, -1, h - sb, w - t + 1, sb + 1, TRUE);
+    MoveWindow(r->scrollBar, -1, h - sb, w - t + 1 > 0 ? w - t + 1 : 0, sb + 1, TRUE);
     DateTimeValue view, last;
     LONG y1 = 0, y2 = 0;
     if (SendMessageA(r->tracker, TTM_GETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view)) == 1) {

@@ -356,7 +356,7 @@ TEST_F(FreeTimeTest, MonkeyKeepsUnionAndConflictWithTheModel)
     for (int step = 0; step < MonkeySteps(400, 60); ++step) {
         int p = static_cast<int>(rng() % 5);
         Person &m = model[p];
-        switch (rng() % 9) {
+        switch (rng() % 11) {
         case 0: if (!m.present) { Send(g, FTM_ADDPERSON, p, "x"); m = Person(); m.present = true; } break;
         case 1: Send(g, FTM_REMOVEPERSON, p); m = Person(); break;
         case 2: case 3: {
@@ -382,6 +382,17 @@ TEST_F(FreeTimeTest, MonkeyKeepsUnionAndConflictWithTheModel)
             Meeting(g, 0, meetStart / 60, meetStart % 60, meetLength);
             Send(g, FTM_SETVIEWMODE, 1 + rng() % 2);
             break;
+        case 9: { LPARAM off = rng() % 2; SendMessageA(g, FTM_SETUNAVAILABLE, p, off); if (off) m.busy.clear(); break; }
+        case 10: {  // sizes from nothing, scrolls, clicks, fonts, sorts, states, weekends, hours
+            const UINT chaos[] = {WM_HSCROLL, WM_LBUTTONDOWN, WM_SETFONT, FTM_SETSORTMODE, FTM_SETSTATE,
+                                  FTM_SETSHOWWEEKEND, FTM_SETHOURSINVIEW};
+            SetWindowPos(g, nullptr, 0, 0, rng() % 700, rng() % 500, SWP_NOMOVE | SWP_NOZORDER);
+            UINT what = chaos[rng() % 7];
+            SendMessageA(g, what, what == WM_SETFONT ? reinterpret_cast<WPARAM>(GetStockObject(SYSTEM_FONT)) : rng() % 26,
+                         what == WM_HSCROLL ? reinterpret_cast<LPARAM>(GetDlgItem(g, 2)) : LPARAM(rng() % 0x2000000));
+            UpdateWindow(g);
+            break;
+        }
         }
         if (!redraw)
             continue;
