@@ -369,6 +369,21 @@ LRESULT OnFindFreeSlot(HWND window, FreeTimeRecord *r, FreeSlotRequest *request)
 }
 
 // ---------------------------------------------------------------- window messages
+void OnDestroy(HWND window, FreeTimeRecord *r, bool clearWord);
+
+// A creation that fails part way: the children made so far go now (the
+// system takes a failed window down without telling its children), and the
+// record goes with its word cleared, whether or not WM_DESTROY follows.
+LRESULT CreateFailed(HWND window, FreeTimeRecord *r)
+{
+    if (r->scrollBar)
+        DestroyWindow(r->scrollBar);
+    if (r->tracker)
+        DestroyWindow(r->tracker);
+    OnDestroy(window, r, true);
+    return GadgetCreateFailed;
+}
+
 LRESULT OnCreate(HWND window)
 {
     auto *r = static_cast<FreeTimeRecord *>(GadgetCreateRecord(window, sizeof(FreeTimeRecord)));
@@ -386,24 +401,22 @@ LRESULT OnCreate(HWND window)
                               : nullptr;
     if (!r->scrollBar) {
         OSErrorSetErrorInfo(RV_UserError, "CreateWindow");
-        return GadgetCreateFailed;
+        return CreateFailed(window, r);
     }
     r->font = static_cast<HFONT>(GetStockObject(ANSI_VAR_FONT));
     FreeTimeMetrics(window, r);
     DateTimeValue view;
     if (ToTracker(r, TTM_GETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view)) != 1 || !WeekOf(&view))
-        return GadgetCreateFailed;
+        return CreateFailed(window, r);
     r->weekStart = view;
     if (!UIVertDrawTextInit())
-        return GadgetCreateFailed;
+        return CreateFailed(window, r);
     r->vertText = 1;
     return 0;
 }
 
-void OnDestroy(HWND window, FreeTimeRecord *r)
+void OnDestroy(HWND window, FreeTimeRecord *r, bool clearWord)
 {
-    if (!r)
-        return;
     for (DWORD i = 0; i < r->personCount; ++i) {
         FreeTimeFreeList(r->people[i].busy);
         FreeBlock(r->people[i].name);
@@ -413,7 +426,7 @@ void OnDestroy(HWND window, FreeTimeRecord *r)
     FreeTimeDestroySurfaces(r);
     if (r->vertText)
         UICleanUpVertDrawText();
-    GadgetFreeRecord(window, false);
+    GadgetFreeRecord(window, clearWord);
 }
 
 void OnSize(HWND window, FreeTimeRecord *r)
@@ -596,7 +609,7 @@ extern "C" LRESULT WINAPI GadFTWndProc(HWND window, UINT message, WPARAM wParam,
         return DefWindowProcA(window, message, wParam, lParam);
     switch (message) {
     case WM_DESTROY:
-        OnDestroy(window, r);
+        OnDestroy(window, r, false);
         return 0;
     case WM_SIZE:
         OnSize(window, r);

@@ -326,7 +326,13 @@ void PaintIcons(FreeTimeRecord *r, HDC dc)
         LONG left = 0, width = 0;
         FreeTimeColumn(r, c, &left, &width);
         RECT band = {r->rcGrid.left + left, r->rcHeader.bottom, r->rcGrid.left + left + width, r->rcGrid.top};
-        GadUtilMaskBltNoFlicker(dc, &band, icon, nullptr, kIconKey);
+        // The mask is made here, by the maker that frees what it could not
+        // finish, so that a refused step leaves no bitmap behind.
+        HBITMAP mask = UICreateMaskBitmap(dc, icon, kIconKey);
+        if (mask) {
+            GadUtilMaskBltNoFlicker(dc, &band, icon, mask, kIconKey);
+            DeleteObject(mask);
+        }
         DeleteObject(icon);
     }
 }

@@ -5,6 +5,7 @@
 #include "window_harness.h"
 #include "readback.h"
 #include "message_box_driver.h"
+#include "failure_seam.h"
 #include <algorithm>
 #include <random>
 #include <set>
@@ -339,6 +340,39 @@ TEST_F(FreeTimeTest, HostileHostDestroysOnTimeChange)
     Send(g, FTM_SETDATE, 0, &date);
     EXPECT_FALSE(IsWindow(g));
     DestroyWindow(dialog);
+}
+
+// Every allocation and GDI object of a gadget's life refused in turn:
+// nothing drawn is left behind.
+TEST_F(FreeTimeTest, EachRefusalLeavesNoGdiObject)
+{
+    RecordingParent parent(600, 500);
+    ShowWindow(parent.Window(), SW_SHOW);
+    auto life = [&] {
+        HWND g = parent.CreateChild("FreeTime", ID, 0, 0, 0, 420, 300);
+        BusyInterval b = Busy(0, 9, 0, 60);
+        Send(g, FTM_ADDPERSON, 1, "Ann");
+        Send(g, FTM_ADDBUSY, 1, &b);
+        Send(g, FTM_SETVIEWMODE, 1);
+        UpdateWindow(g);
+        DestroyWindow(g);
+    };
+    unsigned points = 0;
+    {
+        FailureSeam count(FailureSeam::Memory | FailureSeam::Gdi, 0);
+        life();
+        points = count.Calls();
+    }
+    // Counting the objects is slow under Wine: one count over all the runs.
+    const long before = GdiObjectsInUse();
+    for (unsigned n = 1; n <= points; n += MonkeySteps(1, 3)) {
+        {
+            FailureSeam seam(FailureSeam::Memory | FailureSeam::Gdi, n);
+            life();
+        }
+        OSErrorClearError();
+    }
+    EXPECT_EQ(before, GdiObjectsInUse()) << "over " << points << " refusals";
 }
 
 // Random people, intervals, flags, redraw and views; after every step the
