@@ -29,6 +29,7 @@ BusyInterval Busy(int day, int hour, int minute, DWORD length, DWORD id = 0, DWO
 {
     return BusyInterval{At(day, hour, minute), length, id, 0, flags};
 }
+LRESULT Add(HWND g, DWORD person, BusyInterval b) { return Send(g, FTM_ADDBUSY, person, &b); }
 LONG MinuteOf(const DateTimeValue &t)
 {
     LONG d, h, m, s;
@@ -38,9 +39,9 @@ LONG MinuteOf(const DateTimeValue &t)
 
 // What the tracker was last given, caught by a subclass as a host could.
 struct TrackerSpy {
-    static std::vector<BusyInterval> list;
-    static int lists;
-    static WNDPROC original;
+    static inline std::vector<BusyInterval> list;
+    static inline int lists = 0;
+    static inline WNDPROC original = nullptr;
     static LRESULT CALLBACK Proc(HWND w, UINT m, WPARAM wp, LPARAM lp)
     {
         if (m == TTM_SETBUSYLIST) {
@@ -51,15 +52,12 @@ struct TrackerSpy {
         return CallWindowProcA(original, w, m, wp, lp);
     }
 };
-std::vector<BusyInterval> TrackerSpy::list;
-int TrackerSpy::lists = 0;
-WNDPROC TrackerSpy::original = nullptr;
 
 class FreeTimeTest : public GadgetTest {
 protected:
-    HWND Make(RecordingParent &parent, int people, int width = 420, int height = 400)
+    HWND Make(RecordingParent &parent, int people)
     {
-        HWND g = parent.CreateChild("FreeTime", ID, 0, 0, 0, width, height);
+        HWND g = parent.CreateChild("FreeTime", ID, 0, 0, 0, 420, 400);
         EXPECT_TRUE(g != nullptr);
         tracker = reinterpret_cast<HWND>(Send(g, FTM_GETTRACKER, 0));
         TrackerSpy::original = reinterpret_cast<WNDPROC>(
@@ -70,41 +68,48 @@ protected:
             EXPECT_EQ(1, Send(g, FTM_ADDPERSON, p, ""));
         DateTimeValue view = At(0, 8);
         Send(tracker, TTM_SETVIEWSTART, 0, &view);
-        Meeting(g, 0, 13, 0, 60);
-        parent.Pump();
-        parent.Clear();
+        Meeting(0, 13, 0, 60);
         return g;
     }
-    void Meeting(HWND g, int day, int hour, int minute, int length)
+    void Meeting(int day, int hour, int minute, int length)
     {
         DateTimeValue s = At(day, hour, minute), e = s;
         OSAdjustDateTime(&e, 0, 0, 0, 0, length, 0, 0);
         Send(tracker, TTM_SETEND, 0, &e);
         Send(tracker, TTM_SETSTART, 0, &s);
         Send(tracker, TTM_SETEND, 0, &e);
-        (void)g;
     }
     HWND tracker = nullptr;
 };
 
 // Two people whose busy times overlap give the tracker one block: no lane
 // beyond the first, and the tracker's width is that for one interval.
+// Touching blocks stay two; a block flagged as not busy is left out.
 TEST_F(FreeTimeTest, OverlappingPeopleGiveTheTrackerOneBlock)
 {
     RecordingParent parent(600, 500);
     HWND g = Make(parent, 3);
     LRESULT ideal = Send(tracker, TTM_GETIDEALSIZE, 0);
-    BusyInterval a = Busy(0, 9, 0, 90), b = Busy(0, 10, 0, 60), touching = Busy(0, 11, 0, 30);
-    BusyInterval shown = Busy(0, 14, 0, 60, 0, FTB_NOTBUSY);
-    EXPECT_EQ(1, Send(g, FTM_ADDBUSY, 1, &a));
-    EXPECT_EQ(1, Send(g, FTM_ADDBUSY, 2, &b));
-    EXPECT_EQ(1, Send(g, FTM_ADDBUSY, 3, &touching));
-    EXPECT_EQ(1, Send(g, FTM_ADDBUSY, 3, &shown));
-    ASSERT_EQ(2u, TrackerSpy::list.size()) << "one block for the overlap, one touching it, none for the flagged";
+    EXPECT_EQ(1, Add(g, 1, Busy(0, 9, 0, 90)));
+    EXPECT_EQ(1, Add(g, 2, Busy(0, 10, 0, 60)));
+    EXPECT_EQ(1, Add(g, 3, Busy(0, 11, 0, 30)));  // touching
+    EXPECT_EQ(1, Add(g, 3, Busy(0, 14, 0, 60, 0, FTB_NOTBUSY)));
+    ASSERT_EQ(2u, TrackerSpy::list.size());
     EXPECT_EQ(At(0, 9), TrackerSpy::list[0].start);
     EXPECT_EQ(120u, TrackerSpy::list[0].lengthMinutes);
     EXPECT_EQ(At(0, 11), TrackerSpy::list[1].start);
     EXPECT_EQ(ideal, Send(tracker, TTM_GETIDEALSIZE, 0));
+    // Loading with redraw off builds the union once, when it comes back on.
+    Send(g, FTM_REMOVEPERSON, 3);
+    SendMessageA(g, WM_SETREDRAW, FALSE, 0);
+    const int before = TrackerSpy::lists;
+    for (int p = 1; p <= 2; ++p)
+        for (int k = 1; k < 5; ++k)
+            Add(g, p, Busy(k, 9 + p, 0, 90));
+    SendMessageA(g, WM_SETREDRAW, TRUE, 0);
+    EXPECT_EQ(before + 1, TrackerSpy::lists);
+    ASSERT_EQ(5u, TrackerSpy::list.size());
+    EXPECT_EQ(150u, TrackerSpy::list[1].lengthMinutes);  // 10:00 to 12:30
 }
 
 // The clash answer at the edges of a busy block, and the flags that take
@@ -113,8 +118,7 @@ TEST_F(FreeTimeTest, ConflictAtTheEdgesOfABusyBlock)
 {
     RecordingParent parent(600, 500);
     HWND g = Make(parent, 2);
-    BusyInterval busy = Busy(0, 10, 0, 60);
-    Send(g, FTM_ADDBUSY, 2, &busy);
+    Add(g, 2, Busy(0, 10, 0, 60));
     static const struct { int hour, minute, length, optional, ignore; LRESULT conflict; } kCases[] = {
         {10, 15, 30, 0, 0, 1}, {9, 0, 60, 0, 0, 0}, {9, 1, 60, 0, 0, 1}, {11, 0, 60, 0, 0, 0},
         {10, 59, 60, 0, 0, 1}, {9, 0, 180, 0, 0, 1}, {10, 15, 30, 1, 0, 1}, {10, 15, 30, 1, 1, 0},
@@ -123,7 +127,7 @@ TEST_F(FreeTimeTest, ConflictAtTheEdgesOfABusyBlock)
     for (const auto &c : kCases) {
         Send(g, FTM_SETOPTIONAL, 2, reinterpret_cast<const void *>(static_cast<LPARAM>(c.optional)));
         Send(g, FTM_SETIGNOREOPTIONAL, c.ignore);
-        Meeting(g, 0, c.hour, c.minute, c.length);
+        Meeting(0, c.hour, c.minute, c.length);
         EXPECT_EQ(c.conflict, Send(g, FTM_GETCONFLICT, 0)) << c.hour << ":" << c.minute << " for " << c.length;
     }
 }
@@ -160,24 +164,6 @@ TEST_F(FreeTimeTest, BusyListsAreCopiedAndChecked)
     EXPECT_EQ(0u, TrackerSpy::list.size());
 }
 
-// Loading with redraw off builds the union once, when it comes back on.
-TEST_F(FreeTimeTest, RedrawOffDefersTheUnionToOneBuild)
-{
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 4);
-    SendMessageA(g, WM_SETREDRAW, FALSE, 0);
-    for (int p = 1; p <= 4; ++p)
-        for (int k = 0; k < 5; ++k) {
-            BusyInterval b = Busy(k, 9 + p, 0, 90);
-            Send(g, FTM_ADDBUSY, p, &b);
-        }
-    EXPECT_EQ(0, TrackerSpy::lists);
-    SendMessageA(g, WM_SETREDRAW, TRUE, 0);
-    EXPECT_EQ(1, TrackerSpy::lists);
-    ASSERT_EQ(5u, TrackerSpy::list.size());
-    EXPECT_EQ(270u, TrackerSpy::list[0].lengthMinutes);  // 10:00 to 14:30
-}
-
 // A date shows its week: Monday to Saturday go back to the Monday, a
 // Sunday goes on to the next one.
 TEST_F(FreeTimeTest, WeekRules)
@@ -191,7 +177,7 @@ TEST_F(FreeTimeTest, WeekRules)
         EXPECT_EQ(1, Send(g, FTM_GETWEEK, 0, &week));
         EXPECT_EQ(At(d.monday, 0), week) << "day " << d.day << " gave " << ToText(week);
     }
-    DateTimeValue bad = At(0, 25);
+    DateTimeValue bad = At(0, 0);
     bad.hour = 25;
     EXPECT_EQ(-1, Send(g, FTM_SETWEEK, 0, &bad));
     EXPECT_EQ(RV_HourRange, OSErrorGetErrorValue());
@@ -207,16 +193,16 @@ TEST_F(FreeTimeTest, ClippingAndShadingByReadback)
     EXPECT_EQ(1, Send(g, FTM_SETVIEWMODE, 1));
     DateTimeValue view = At(0, 8);
     Send(tracker, TTM_SETVIEWSTART, 0, &view);
-    BusyInterval allDay = Busy(0, 6, 0, 14 * 60), otherDay = Busy(1, 9, 0, 60);
-    Send(g, FTM_ADDBUSY, 1, &allDay);
-    Send(g, FTM_ADDBUSY, 3, &otherDay);
+    Add(g, 1, Busy(0, 6, 0, 14 * 60));
+    Add(g, 3, Busy(1, 9, 0, 60));
     Send(g, FTM_SETUNAVAILABLE, 2, reinterpret_cast<const void *>(1));
-    RECT tr;
-    GetWindowRect(tracker, &tr);
-    MapWindowPoints(nullptr, g, reinterpret_cast<POINT *>(&tr), 2);
+    // The grid's top and bottom are the tracker's first and last hour; a
+    // column is as wide as the font's line and its leading.
+    POINT origin = {0, 0};
+    MapWindowPoints(tracker, g, &origin, 1);
     DateTimeValue last = At(0, 8 + static_cast<int>(Send(g, FTM_GETHOURSINVIEW, 0)));
-    LONG top = tr.top + static_cast<LONG>(Send(tracker, TTM_TIMETOY, 0, &view));
-    LONG bottom = tr.top + static_cast<LONG>(Send(tracker, TTM_TIMETOY, 0, &last));
+    LONG top = origin.y + static_cast<LONG>(Send(tracker, TTM_TIMETOY, 0, &view));
+    LONG bottom = origin.y + static_cast<LONG>(Send(tracker, TTM_TIMETOY, 0, &last));
     HDC dc = GetDC(g);
     SelectObject(dc, GetStockObject(ANSI_VAR_FONT));
     TEXTMETRICA tm;
@@ -225,12 +211,12 @@ TEST_F(FreeTimeTest, ClippingAndShadingByReadback)
     LONG column = tm.tmHeight + 2 * tm.tmInternalLeading + tm.tmExternalLeading;
     Readback shot = Readback::Of(g);
     const COLORREF blue = 0xFF0000, white = 0xFFFFFF, grey = 0xC0C0C0;
-    EXPECT_EQ(0u, shot.At(2, top)) << "the grid's top line stays";
-    EXPECT_EQ(blue, shot.At(2, top + 1));
-    EXPECT_EQ(blue, shot.At(2, bottom - 1));
-    EXPECT_EQ(0u, shot.At(2, bottom)) << "the grid's bottom line stays";
-    EXPECT_EQ(grey, shot.At(column + 3, top + 1));
-    EXPECT_EQ(grey, shot.At(column + 3, bottom - 1));
+    const struct { LONG x, y; COLORREF colour; } kPixels[] = {
+        {2, top, 0}, {2, top + 1, blue}, {2, bottom - 1, blue}, {2, bottom, 0},
+        {column + 3, top + 1, grey}, {column + 3, bottom - 1, grey},
+    };
+    for (const auto &px : kPixels)
+        EXPECT_EQ(px.colour, shot.At(px.x, px.y)) << px.x << ", " << px.y - top << " below the top";
     RECT third = {2 * column + 2, top + 1, 3 * column, bottom};
     EXPECT_EQ(0, shot.Count(blue, &third));
     EXPECT_LT(0, shot.Count(white, &third));
@@ -243,18 +229,14 @@ TEST_F(FreeTimeTest, FreeSlotSearchAcrossDays)
 {
     RecordingParent parent(600, 500);
     HWND g = Make(parent, 2);
-    BusyInterval monday = Busy(0, 9, 0, 8 * 60), tuesday = Busy(1, 9, 0, 7 * 60);
-    Send(g, FTM_ADDBUSY, 1, &monday);
-    Send(g, FTM_ADDBUSY, 2, &tuesday);
+    Add(g, 1, Busy(0, 9, 0, 8 * 60));
+    Add(g, 2, Busy(1, 9, 0, 7 * 60));
     static const struct { int length, limitDay; DWORD found; int day, hour; } kCases[] = {
         {60, 9, 1, 1, 16}, {61, 9, 1, 2, 9}, {61, 3, 1, 2, 9}, {61, 2, 0, 0, 9}, {60, 1, 0, 0, 9},
     };
     for (const auto &c : kCases) {
-        Meeting(g, 0, 9, 0, c.length);
-        FreeSlotRequest q = {};
-        q.limit = At(c.limitDay, 0);
-        q.dayOpen = 9 * 60;
-        q.dayClose = 17 * 60;
+        Meeting(0, 9, 0, c.length);
+        FreeSlotRequest q = {At(c.limitDay, 0), 9 * 60, 17 * 60};
         EXPECT_EQ(0, Send(g, FTM_FINDFREESLOT, 0, &q));
         DateTimeValue start = {};
         Send(g, FTM_GETSTART, 0, &start);
@@ -269,6 +251,14 @@ struct DialogLog {
     bool destroyOnTimeChange = false;
 };
 
+INT_PTR CALLBACK LogDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+HWND OpenDialog(DialogLog &log)
+{
+    HWND dialog = CreateDialogParam(ResourceGetHandle(), "FREETIMEDIALOG", nullptr, LogDialogProc,
+                                    reinterpret_cast<LPARAM>(&log));
+    log.gadget = GetDlgItem(dialog, ID);
+    return dialog;
+}
 INT_PTR CALLBACK LogDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_INITDIALOG) {
@@ -285,59 +275,44 @@ INT_PTR CALLBACK LogDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 }
 
 // The host's dialog: the tracker's notifications reach it renumbered and in
-// order; a search that runs off the calendar is an error the user is shown.
-TEST_F(FreeTimeTest, DialogHearsRenumberedNotificationsAndTheCalendarsEnd)
+// order; a search that runs off the calendar is an error the user is shown;
+// a host that destroys the gadget inside its time notification.
+TEST_F(FreeTimeTest, DialogRenumberingCalendarEndAndHostileHost)
 {
     DialogLog log;
-    HWND dialog = CreateDialogParam(ResourceGetHandle(), "FREETIMEDIALOG", nullptr, LogDialogProc,
-                                    reinterpret_cast<LPARAM>(&log));
-    ASSERT_TRUE(dialog != nullptr);
+    HWND dialog = OpenDialog(log), g = log.gadget;
+    ASSERT_TRUE(g != nullptr);
     ShowWindow(dialog, SW_SHOW);
-    HWND g = log.gadget = GetDlgItem(dialog, ID);
     tracker = reinterpret_cast<HWND>(Send(g, FTM_GETTRACKER, 0));
-    Meeting(g, 0, 10, 0, 60);
+    Meeting(0, 10, 0, 60);
     PumpMessages();
     log.codes.clear();
     DateTimeValue date = At(3, 11);
     EXPECT_EQ(1, Send(g, FTM_SETDATE, 0, &date));
-    RECT client;
-    GetClientRect(g, &client);
-    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, client.bottom / 2));
-    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 1));
+    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 150));  // on the grid
+    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 1));    // on the week's header
     const std::vector<WORD> expected = {FTN_TIMECHANGED, FTN_VIEWCHANGED, FTN_GRIDCLICK};
     EXPECT_EQ(expected, log.codes);
 
     date = MakeDate(2101, 12, 31, 22);
     Send(g, FTM_SETDATE, 0, &date);
     Send(g, FTM_ADDPERSON, 1, "Ann");
-    BusyInterval evening = {MakeDate(2101, 12, 31, 21), 180, 0, 0, 0};
-    Send(g, FTM_ADDBUSY, 1, &evening);
+    Add(g, 1, BusyInterval{MakeDate(2101, 12, 31, 21), 180, 0, 0, 0});
     log.codes.clear();
-    FreeSlotRequest q = {};
+    FreeSlotRequest q = {{}, 0, 24 * 60 - 1};
     OSSetNoDateHigh(&q.limit);
-    q.dayClose = 24 * 60 - 1;
     q.includeWeekends = 1;
     EXPECT_EQ(-1, Send(g, FTM_FINDFREESLOT, 0, &q));
-    EXPECT_EQ(std::vector<WORD>{FTN_ERROR}, std::vector<WORD>(log.codes.end() - 1, log.codes.end()));
+    ASSERT_FALSE(log.codes.empty());
+    EXPECT_EQ(FTN_ERROR, log.codes.back());
     {
         MessageBoxDriver boxes;
         boxes.Expect("An unexpected error occurred (RV_FreetimeError).", MB_OK | MB_ICONHAND, IDOK);
         UIHandleError(dialog);
     }
-    DestroyWindow(dialog);
-}
-
-// A host that destroys the gadget inside its time notification.
-TEST_F(FreeTimeTest, HostileHostDestroysOnTimeChange)
-{
-    DialogLog log;
     log.destroyOnTimeChange = true;
-    HWND dialog = CreateDialogParam(ResourceGetHandle(), "FREETIMEDIALOG", nullptr, LogDialogProc,
-                                    reinterpret_cast<LPARAM>(&log));
-    ASSERT_TRUE(dialog != nullptr);
-    HWND g = log.gadget = GetDlgItem(dialog, ID);
-    DateTimeValue date = At(1, 11);
-    Send(g, FTM_SETDATE, 0, &date);
+    date = At(1, 11);
+    EXPECT_EQ(-1, Send(g, FTM_SETDATE, 0, &date));
     EXPECT_FALSE(IsWindow(g));
     DestroyWindow(dialog);
 }
@@ -350,27 +325,24 @@ TEST_F(FreeTimeTest, EachRefusalLeavesNoGdiObject)
     ShowWindow(parent.Window(), SW_SHOW);
     auto life = [&] {
         HWND g = parent.CreateChild("FreeTime", ID, 0, 0, 0, 420, 300);
-        BusyInterval b = Busy(0, 9, 0, 60);
         Send(g, FTM_ADDPERSON, 1, "Ann");
-        Send(g, FTM_ADDBUSY, 1, &b);
+        Add(g, 1, Busy(0, 9, 0, 60));
         Send(g, FTM_SETVIEWMODE, 1);
         UpdateWindow(g);
         DestroyWindow(g);
     };
+    const unsigned kinds = FailureSeam::Memory | FailureSeam::Gdi;
     unsigned points = 0;
     {
-        FailureSeam count(FailureSeam::Memory | FailureSeam::Gdi, 0);
+        FailureSeam count(kinds, 0);
         life();
         points = count.Calls();
     }
     // Counting the objects is slow under Wine: one count over all the runs.
     const long before = GdiObjectsInUse();
-    for (unsigned n = 1; n <= points; n += MonkeySteps(1, 3)) {
-        {
-            FailureSeam seam(FailureSeam::Memory | FailureSeam::Gdi, n);
-            life();
-        }
-        OSErrorClearError();
+    for (unsigned n = 1; n <= points; n += MonkeySteps(1, 3), OSErrorClearError()) {
+        FailureSeam seam(kinds, n);
+        life();
     }
     EXPECT_EQ(before, GdiObjectsInUse()) << "over " << points << " refusals";
 }
@@ -396,16 +368,15 @@ TEST_F(FreeTimeTest, MonkeyKeepsUnionAndConflictWithTheModel)
         case 2: case 3: {
             BusyInterval b = Busy(0, 6 + static_cast<int>(rng() % 12), static_cast<int>(rng() % 4) * 15,
                                   rng() % 150, rng() % 3, rng() % 4 == 0 ? FTB_NOTBUSY : 0);
-            if (m.present) m.busy.push_back(b);
-            Send(g, FTM_ADDBUSY, p, &b);
+            if (Add(g, p, b) == 1 && m.present) m.busy.push_back(b);
             break;
         }
-        case 4: {
+        case 4: {  // every interval of the id, or the only one whatever its id
             DWORD id = rng() % 3;
             SendMessageA(g, FTM_REMOVEBUSY, p, id);
-            if (m.busy.size() == 1) m.busy.clear();
-            m.busy.erase(std::remove_if(m.busy.begin(), m.busy.end(), [&](const BusyInterval &b) { return b.id == id; }),
-                         m.busy.end());
+            const bool only = m.busy.size() == 1;
+            auto gone = [&](const BusyInterval &b) { return b.id == id || only; };
+            m.busy.erase(std::remove_if(m.busy.begin(), m.busy.end(), gone), m.busy.end());
             break;
         }
         case 5: m.optional = m.present && rng() % 2; SendMessageA(g, FTM_SETOPTIONAL, p, m.optional); break;
@@ -413,7 +384,7 @@ TEST_F(FreeTimeTest, MonkeyKeepsUnionAndConflictWithTheModel)
         case 7: redraw = rng() % 3 != 0; SendMessageA(g, WM_SETREDRAW, redraw, 0); break;
         case 8:
             meetStart = 6 * 60 + static_cast<LONG>(rng() % 50) * 15, meetLength = static_cast<LONG>(rng() % 90);
-            Meeting(g, 0, meetStart / 60, meetStart % 60, meetLength);
+            Meeting(0, meetStart / 60, meetStart % 60, meetLength);
             Send(g, FTM_SETVIEWMODE, 1 + rng() % 2);
             break;
         case 9: { LPARAM off = rng() % 2; SendMessageA(g, FTM_SETUNAVAILABLE, p, off); if (off) m.busy.clear(); break; }
@@ -430,23 +401,21 @@ TEST_F(FreeTimeTest, MonkeyKeepsUnionAndConflictWithTheModel)
         }
         if (!redraw)
             continue;
-        std::set<LONG> busy;
+        // Every busy minute, in the model and in the tracker's blocks, which
+        // must not overlap one another.
+        std::set<LONG> busy, given;
+        auto cover = [](std::set<LONG> &minutes, const BusyInterval &b) {
+            for (LONG t = MinuteOf(b.start); t < MinuteOf(b.start) + LONG(b.lengthMinutes); ++t)
+                minutes.insert(t);
+        };
         for (const Person &q : model)
             for (const BusyInterval &b : q.busy)
                 if (!(b.flags & FTB_NOTBUSY) && !(ignore && q.optional))
-                    for (LONG t = MinuteOf(b.start); t < MinuteOf(b.start) + LONG(b.lengthMinutes); ++t)
-                        busy.insert(t);
-        std::set<LONG> given;
-        LONG lastEnd = -1;
-        std::vector<BusyInterval> sorted = TrackerSpy::list;
-        std::sort(sorted.begin(), sorted.end(),
-                  [](const BusyInterval &a, const BusyInterval &b) { return MinuteOf(a.start) < MinuteOf(b.start); });
-        for (const BusyInterval &b : sorted) {
-            ASSERT_LE(lastEnd, MinuteOf(b.start)) << "step " << step << ": the tracker's blocks overlap";
-            for (LONG t = MinuteOf(b.start); t < MinuteOf(b.start) + LONG(b.lengthMinutes); ++t)
-                given.insert(t);
-            lastEnd = MinuteOf(b.start) + LONG(b.lengthMinutes);
-        }
+                    cover(busy, b);
+        size_t total = 0;
+        for (const BusyInterval &b : TrackerSpy::list)
+            cover(given, b), total += b.lengthMinutes;
+        ASSERT_EQ(total, given.size()) << "step " << step << ": the tracker's blocks overlap";
         ASSERT_EQ(busy, given) << "step " << step;
         bool clash = false;
         for (LONG t = meetStart; t < meetStart + meetLength && !clash; ++t)
