@@ -34,3 +34,5 @@ bool AttachNotificationLog(HWND page);
 
 // The Page gadget's page (gallery_page.cpp): an A4 sheet with 2 x 3 cells.
 HWND BuildPageLayoutPage(HWND host);
+// The FreeTime page (gallery_free_time.cpp).
+HWND BuildFreeTimePage(HWND host);

@@ -667,6 +667,7 @@ const GalleryPage kGalleryPages[] = {
     {"film", "Film frames", BuildFilmPage},
     {"stop_watch", "StopWatch", BuildStopWatchPage},
     {"page", "Page", BuildPageLayoutPage},
+    {"free_time", "FreeTime", BuildFreeTimePage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

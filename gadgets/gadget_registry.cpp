@@ -25,6 +25,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"GasGauge", 0x6003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, GasGaugeWndProc},
+    {"FreeTime", 0x6003, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1, FreeTimeForwarder},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
     {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},

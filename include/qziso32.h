@@ -2420,6 +2420,62 @@ QZAPI HBITMAP WINAPI CreateMask(HDC dc, HBITMAP image, COLORREF transparent);
 #define SWN_CHANGED    1
 /** @} */
 
+/* ------------------------------------------------------------------ */
+/* Time gadgets: FreeTime, people's busy time beside a TimeTracker     */
+/* ------------------------------------------------------------------ */
+/** @defgroup free_time FreeTime gadget
+ *  @{ */
+/* Messages: 1 for success, -1 for failure, unless said otherwise. A person
+ * id that is not known does nothing and answers 1 (FTM_GETSTATE: -1). */
+#define FTM_ADDPERSON        0x401  /* wParam: id; lParam: const char* name, copied */
+/** Removes the person of id wParam with the intervals and the name. */
+#define FTM_REMOVEPERSON     0x402
+#define FTM_ADDBUSY          0x403  /* wParam: person id; lParam: const BusyInterval*, copied */
+#define FTM_REMOVEBUSY       0x404  /* wParam: person id; lParam low word: interval id */
+#define FTM_SETBUSYLIST      0x405  /* wParam: person id; lParam: array of the count FTM_SETBUSYCOUNT set */
+/** Empties the busy list of the person of id wParam. */
+#define FTM_CLEARBUSY        0x406
+#define FTM_SETSTATE         0x407  /* wParam: person id; lParam low word: state. Always 1 */
+#define FTM_GETSTATE         0x408  /* wParam: person id; the state, or -1 */
+#define FTM_SETWEEK          0x409  /* lParam: const DateTimeValue*; moved to its week's Monday */
+#define FTM_GETWEEK          0x40A  /* lParam: DateTimeValue* out. Always 1 */
+#define FTM_SETDATE          0x40B  /* lParam: const DateTimeValue*; the meeting and the view go there */
+#define FTM_GETSTART         0x40C  /* lParam: DateTimeValue* out: the meeting's start */
+#define FTM_SETSHOWWEEKEND   0x40D  /* wParam: flag, 7 days instead of 5. Always 1 */
+#define FTM_SETHOURSINVIEW   0x410  /* wParam: hours, 1 to 24 */
+#define FTM_SETSTART         0x411  /* lParam: const DateTimeValue*; keeps the duration */
+#define FTM_GETDURATION      0x412  /* MAKELONG(minutes, hours) */
+/** The child TimeTracker's window. */
+#define FTM_GETTRACKER       0x415
+/** The hours in view. */
+#define FTM_GETHOURSINVIEW   0x416
+#define FTM_SETVIEWMODE      0x417  /* wParam: 1 people, 2 week */
+/** The view: 1 people, 2 week. */
+#define FTM_GETVIEWMODE      0x418
+#define FTM_SETBUSYCOUNT     0x419  /* wParam: person id; lParam low word: count for FTM_SETBUSYLIST */
+#define FTM_SETUNAVAILABLE   0x41D  /* wParam: person id; lParam: flag; set clears the list */
+#define FTM_FINDFREESLOT     0x41E  /* lParam: FreeSlotRequest*; 0 or -1 */
+#define FTM_SETSORTMODE      0x421  /* wParam: 1 by name, 2 by state. Result 0 */
+#define FTM_SETOPTIONAL      0x422  /* wParam: person id; lParam: flag */
+#define FTM_SETIGNOREOPTIONAL 0x423 /* wParam: flag: optional people are not busy */
+/** 1 if the meeting clashes with the union of busy time, else 0. */
+#define FTM_GETCONFLICT      0x424
+/* Notifications (high word of WM_COMMAND's wParam). */
+/** The tracker's view has settled at a new place. */
+#define FTN_VIEWCHANGED 100
+/** A step failed; the error state holds the reason. */
+#define FTN_ERROR       200
+/** The meeting's start or end changed. */
+#define FTN_TIMECHANGED 500
+/** A left click on the grid. */
+#define FTN_GRIDCLICK   600
+/** Flag bit of BusyInterval.flags: shown on the grid, not counted as busy. */
+#define FTB_NOTBUSY     1
+/** The FreeTime class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
+QZAPI LRESULT WINAPI GadFTWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

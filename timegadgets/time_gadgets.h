@@ -9,3 +9,4 @@ LRESULT CALLBACK DateTrackerWndProc(HWND window, UINT message, WPARAM wParam, LP
 LRESULT CALLBACK TimeTrackerWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK GasGaugeWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK StopWatchWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK FreeTimeForwarder(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
