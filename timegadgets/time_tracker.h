@@ -35,6 +35,11 @@ struct TimeTrackerRecord {
     HDC dcScale;
     HDC dcLanesBack;
     HDC dcLanes;
+    HDC dcScaleColour;        // the scale in the work surface's colours
+    HBITMAP savedScaleColour;
+    COLORREF scaleColourBack; // the colours it was converted with
+    COLORREF scaleColourText;
+    BYTE scaleColourReady;    // cleared by each render of the scale
     HBRUSH barBrush;
     DWORD hoursInView;
     DWORD pixelsPerHour;
@@ -99,8 +104,14 @@ bool TrackerShift(DateTimeValue *value, LONG days, LONG hours, LONG minutes);
 bool TrackerDiff(const DateTimeValue *a, const DateTimeValue *b, LONG *hours, LONG *minutes);
 // True when `a` is later than `b`.
 inline bool Later(const DateTimeValue *a, const DateTimeValue *b) { return OSDateTimeCompare(a, b) > 0; }
-// The step of the moment: the coarse one while Shift is down.
+// The step of the moment: the coarse one while Shift is down. Within a drag
+// step the key is read once: the state cannot change before the step
+// tells the parent anything.
 DWORD TrackerStep(const TimeTrackerRecord *r);
+void TrackerHoldStep(bool holding);
+// Snaps to the step of the moment; where the coarse and the fine step give
+// the same minute, the key is not read at all.
+void TrackerSnapHeld(const TimeTrackerRecord *r, DateTimeValue *value);
 // minute = (minute / step) * step; a step of 0 leaves it and records the fault.
 void TrackerSnap(DateTimeValue *value, DWORD step);
 // Normalises start, end and the duration from one end.

@@ -472,6 +472,13 @@ bool TrackerBuildSurfaces(HWND window, TimeTrackerRecord *r)
 
 void TrackerDestroySurfaces(TimeTrackerRecord *r)
 {
+    if (r->dcScaleColour) {
+        DeleteObject(SelectObject(r->dcScaleColour, r->savedScaleColour));
+        DeleteDC(r->dcScaleColour);
+        r->dcScaleColour = nullptr;
+        r->savedScaleColour = nullptr;
+    }
+    r->scaleColourReady = 0;
     ForgetMeasures(r->dcWork);
     ForgetClockCopies(r->dcWork);
     FreeSurface(&r->dcWork, &r->savedWork);
@@ -484,6 +491,7 @@ void TrackerRenderScale(TimeTrackerRecord *r)
 {
     TrackerPlaceFigures(r);
     HDC dc = r->dcScale;
+    r->scaleColourReady = 0;
     if (!dc)
         return;
     Fill(dc, r->rcFrame.left, r->rcFrame.top, r->rcFrame.right, r->rcFrame.bottom, 0xFFFFFF);
@@ -586,6 +594,44 @@ void TrackerRenderOwnStrip(TimeTrackerRecord *r)
 }
 
 // ---------------------------------------------------------------- showing
+// The scale as the work surface shows it: the one-bit surface converted in
+// the work surface's colours once for each render of the scale, so that a
+// band is copied without the conversion. A converted copy that cannot be
+// made leaves the one-bit surface to be converted band by band, as the
+// pixels are the same either way.
+static HDC ScaleSource(TimeTrackerRecord *r)
+{
+    HDC work = r->dcWork;
+    const COLORREF back = GetBkColor(work), text = GetTextColor(work);
+    if (r->dcScaleColour && r->scaleColourReady && r->scaleColourBack == back && r->scaleColourText == text)
+        return r->dcScaleColour;
+    const LONG width = FrameWidth(r) > 0 ? FrameWidth(r) : 1, height = FrameHeight(r) > 0 ? FrameHeight(r) : 1;
+    if (!r->dcScaleColour) {
+        HDC dc = CreateCompatibleDC(work);
+        HBITMAP bitmap = dc ? CreateCompatibleBitmap(work, width, height) : nullptr;
+        HGDIOBJ saved = bitmap ? SelectObject(dc, bitmap) : nullptr;
+        if (!saved) {
+            if (bitmap)
+                DeleteObject(bitmap);
+            if (dc)
+                DeleteDC(dc);
+            return r->dcScale;
+        }
+        SetWindowOrgEx(dc, r->rcFrame.left, r->rcFrame.top, nullptr);
+        r->dcScaleColour = dc;
+        r->savedScaleColour = static_cast<HBITMAP>(saved);
+    }
+    SetBkColor(r->dcScaleColour, back);
+    SetTextColor(r->dcScaleColour, text);
+    if (!BitBlt(r->dcScaleColour, r->rcFrame.left, r->rcFrame.top, width, height, r->dcScale, r->rcFrame.left,
+                r->rcFrame.top, SRCCOPY))
+        return r->dcScale;
+    r->scaleColourBack = back;
+    r->scaleColourText = text;
+    r->scaleColourReady = 1;
+    return r->dcScaleColour;
+}
+
 void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bottom)
 {
     HDC work = r->dcWork;
@@ -601,7 +647,7 @@ void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bo
     LONG left = r->rcFrame.left, width = FrameWidth(r);
     SetBkColor(work, r->backColour);
     SetTextColor(work, GadgetContrastTextColor(r->backColour));
-    BitBlt(work, left, top, width, bottom - top, r->dcScale, left, top, SRCCOPY);
+    BitBlt(work, left, top, width, bottom - top, ScaleSource(r), left, top, SRCCOPY);
     PaintBar(work, r);
     char text[64];
     OSDateTimeToString(&r->start, text, nullptr, DTS_TIME, sizeof text);
