@@ -274,6 +274,7 @@ LRESULT OnSetBackColour(HWND window, TimeTrackerRecord *r, COLORREF colour)
     }
     r->backColour = GetNearestColor(dc, colour);
     ReleaseDC(window, dc);
+    r->figuresShown = 0;
     if (r->dcWork) {
         SetBkColor(r->dcWork, r->backColour);
         SetTextColor(r->dcWork, GadgetContrastTextColor(r->backColour));

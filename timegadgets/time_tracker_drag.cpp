@@ -140,6 +140,8 @@ bool StartAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer, BYTE mod
 void RepaintBand(HWND window, TimeTrackerRecord *r, LONG oldTop, LONG oldBottom)
 {
     TrackerPlaceFigures(r);
+    if (TrackerRepaintChanged(r, Drag().dc))
+        return;
     TrackerRenderOwnStrip(r);
     LONG top = r->rcStartClock.top < oldTop ? r->rcStartClock.top : oldTop;
     LONG bottom = r->rcEndClock.bottom > oldBottom ? r->rcEndClock.bottom : oldBottom;
