@@ -11,6 +11,7 @@
 namespace {
 
 const int ID = 100;
+#define TOLD(code) {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, code), 0}
 const DateTimeValue kDay = MakeDate(2026, 3, 11);  // a Wednesday
 
 DateTimeValue At(int hour, int minute, int dayOffset = 0)
@@ -238,10 +239,7 @@ TEST_F(TimeTrackerTest, BusyLanesByOneAndAsAListRemovalAndColours)
 
 // ---------------------------------------------------------------- drag
 static const Message arrow_release_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_VIEWCHANGED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_ERROR), 0},
+    TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_VIEWCHANGED), TOLD(TTN_ERROR),
     {0, 0, 0, 0}};
 
 TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
@@ -273,11 +271,7 @@ TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
     DateTimeValue ten = At(10, 0);
     EXPECT_STREQ(OSDateTimeToString(&ten, nullptr, nullptr, DTS_TIME, 200), text);
     static const Message press_moves_seq[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SETFOCUS), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
+        TOLD(TTN_SETFOCUS), TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING), TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING),
         {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, press_moves_seq, "press and two moves");
     // Below the scale: the view steps forward and scrolling begins; the
@@ -299,18 +293,13 @@ TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
     SendMessageA(g, WM_LBUTTONUP, 0, Point(x, top + height + 10));
     EXPECT_EQ(nullptr, GetCapture());
     static const Message scroll_release_seq[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // crossing
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // ticks
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // release
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
+        TOLD(TTN_SCROLLED),   // crossing
+        TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING),
+        TOLD(TTN_SCROLLED),   // ticks
+        TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED),
+        TOLD(TTN_SCROLLED),
+        TOLD(TTN_SCROLLED),   // release
+        TOLD(TTN_TIMECHANGED),
         {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, scroll_release_seq, "auto-scroll and release");
     // The up arrow: a press steps the view back 30 minutes; its release
@@ -557,8 +546,8 @@ TEST_F(TimeTrackerTest, TallerHourAtTheTopTextOrderAndLabelFace)
     parent.Clear();
     SetWindowTextA(g, "77:88");
     static const Message changed_then_error_seq[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_ERROR), 0}, {0, 0, 0, 0}};
+        TOLD(TTN_TIMECHANGED),
+        TOLD(TTN_ERROR), {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, changed_then_error_seq, "unreadable text");
     Place(g, At(8, 0), At(9, 0), At(10, 0));
     HDC dc = GetDC(g);
