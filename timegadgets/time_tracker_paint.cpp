@@ -94,8 +94,9 @@ void ForgetMeasures(HDC dc)
 }
 
 // One line centred in `rect` both ways, placed as DrawText places it with
-// DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP.
-void CentredText(HDC dc, const RECT &rect, const char *text)
+// DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP, over `face` filled
+// with the background colour first (in the same call where it can be).
+void CentredText(HDC dc, const RECT &rect, const char *text, const RECT &face)
 {
     const TextMeasure *m = MeasureFor(dc);
     LONG width = 0;
@@ -110,13 +111,14 @@ void CentredText(HDC dc, const RECT &rect, const char *text)
     if (!m) {
         // Bytes that may start a character of two, or that DrawText reads
         // as a tab or a prefix: the platform lays the line out.
+        ExtTextOutA(dc, 0, 0, ETO_OPAQUE, &face, nullptr, 0, nullptr);
         RECT inner = rect;
         DrawTextA(dc, text, -1, &inner, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
         return;
     }
     const LONG x = (rect.left + rect.right - width) / 2;
     const LONG y = rect.top + (rect.bottom - rect.top) / 2 - m->height / 2;
-    ExtTextOutA(dc, x, y, 0, nullptr, text, static_cast<UINT>(length), nullptr);
+    ExtTextOutA(dc, x, y, ETO_OPAQUE, &face, text, static_cast<UINT>(length), nullptr);
 }
 
 LONG ScaleHeight(const TimeTrackerRecord *r) { return r->rcScale.bottom - r->rcScale.top; }
@@ -175,10 +177,10 @@ void PaintLabel(HDC dc, const TimeTrackerRecord *r, const RECT &label, const cha
         return;
     Fill(dc, label.left, label.top, label.right, label.bottom, 0xFFFFFF);
     Fill(dc, label.left + 1, label.top + 1, label.right, label.bottom, 0);
-    Fill(dc, label.left + 1, label.top + 1, label.right - 1, label.bottom - 1, kLabelGrey);
     SetBkMode(dc, TRANSPARENT);
     COLORREF oldText = SetTextColor(dc, 0);
-    CentredText(dc, label, text);
+    SetBkColor(dc, kLabelGrey);
+    CentredText(dc, label, text, RECT{label.left + 1, label.top + 1, label.right - 1, label.bottom - 1});
     SetTextColor(dc, oldText);
 }
 
