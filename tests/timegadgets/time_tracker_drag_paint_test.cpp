@@ -3,6 +3,7 @@
 // lanes whose clash colour flips on the way.
 #include "qz_test.h"
 #include "window_harness.h"
+#include "failure_seam.h"
 #include <vector>
 
 namespace {
@@ -86,6 +87,47 @@ TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
         if (font)
             DeleteObject(font);
     }
+}
+
+// A drag step refused its n-th GDI object, once right after the surfaces
+// were made anew (the scale in the work colours is made then) and once
+// after a full paint (the clip of the changed parts): the window still
+// shows what a full repaint shows, and no object is kept.
+TEST_F(TimeTrackerDragPaint, StepRefusedAnObjectStillShowsTheFullRepaint)
+{
+    RecordingParent parent(320, 420);
+    long before = 0;
+    for (unsigned n = 0, points = 1; n <= points; ++n) {
+        if (n == 1)
+            before = GdiObjectsInUse();
+        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+        ASSERT_TRUE(g != nullptr);
+        const DateTimeValue view = At(7, 0), start = At(10, 0), end = At(11, 0);
+        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        Readback::Of(g);
+        SendMessageA(g, WM_SETFONT, SendMessageA(g, WM_GETFONT, 0, 0), FALSE);
+        RECT client;
+        GetClientRect(g, &client);
+        const int x = client.right / 2 + 4;
+        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, Y(g, end)));
+        for (const DateTimeValue &t : {At(12, 20), At(11, 35)}) {
+            {
+                FailureSeam seam(FailureSeam::Gdi, n);
+                SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, Y(g, t)));
+                points = seam.Calls() > points ? seam.Calls() : points;
+            }
+            Readback shown = Readback::Of(g);
+            SendMessageA(g, TTM_SETFINESTEP, SendMessageA(g, TTM_GETFINESTEP, 0, 0), 0);
+            InvalidateRect(g, nullptr, TRUE);
+            EXPECT_EQ(0, shown.Differences(Readback::Of(g))) << "refused at " << n << " moving to " << ToText(t);
+        }
+        SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, 0));
+        DestroyWindow(g);
+        OSErrorClearError();
+    }
+    EXPECT_EQ(before, GdiObjectsInUse());
 }
 
 }  // namespace
