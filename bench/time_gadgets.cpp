@@ -1,10 +1,11 @@
 // The TimeTracker's costs, each beside a platform peer from the same run.
 //
 // Drag step: one mouse move while the end is dragged, with 1 hour and with
-// 24 hours in view; the peer is one BitBlt of the gadget's client area to
-// the window, the least a full repaint would cost, timed in turns with it. The step copies only the
-// band that changed from the scale rendered once, so it must not grow with
-// the hours in view.
+// 24 hours in view, and once landing between the coarse steps, where the
+// step must read the Shift key; the peer is one BitBlt of the gadget's
+// client area to the window, the least a full repaint would cost, timed in
+// turns with it. The step composes and shows only what changed, over the
+// scale rendered once, so it must not grow with the hours in view.
 //
 // Busy lanes: TTM_SETBUSYLIST with 100, 1,000 and 10,000 appointments (the
 // lanes come from a sweep over the intervals by start, so the growth from
@@ -33,11 +34,12 @@ LRESULT Send(HWND g, UINT message, WPARAM wParam, const void *p)
     return SendMessageA(g, message, wParam, reinterpret_cast<LPARAM>(p));
 }
 
-// Seconds per mouse move of a drag of the end, swinging by half an hour,
-// and per BitBlt of the whole client area to the window (the peer): batches
-// of each in turn, so that the load of the machine falls on both alike, and
-// the median batch of each.
-void DragStep(HWND g, DWORD hours, double *step, double *blit)
+// Seconds per mouse move of a drag of the end, swinging by `minutes`, and
+// per BitBlt of the whole client area to the window (the peer). A move there
+// and back and two blits take turns many times over, and the median turn of
+// each counts: on a loaded machine a longer batch is more often interrupted,
+// which would weigh on the side with the dearer call.
+void DragStep(HWND g, DWORD hours, LONG minutes, double *step, double *blit)
 {
     // The end stands in the middle of the view either way.
     DateTimeValue view = At(0, 9, 0), start = At(0, 8, 0), end = At(0, 9, 0);
@@ -51,31 +53,31 @@ void DragStep(HWND g, DWORD hours, double *step, double *blit)
     const int x = client.right / 2 + 4;
     const LONG y = static_cast<LONG>(Send(g, TTM_TIMETOY, 0, &end));
     DateTimeValue later = end;
-    OSAdjustDateTime(&later, 0, 0, 0, 0, 30, 0, 0);
+    OSAdjustDateTime(&later, 0, 0, 0, 0, minutes, 0, 0);
     const LONG swing = static_cast<LONG>(Send(g, TTM_TIMETOY, 0, &later)) - y;
     HDC dc = GetDC(g);
     HDC memory = CreateCompatibleDC(dc);
     HBITMAP bitmap = CreateCompatibleBitmap(dc, client.right, client.bottom);
     HGDIOBJ old = SelectObject(memory, bitmap);
-    const int batch = 50;
     DateTimeValue seen[2] = {};
     std::vector<double> steps, blits;
     Send(g, TTM_SETEND, 0, &end);
+    UpdateWindow(g);
     SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
-    for (int round = 0; round < 41; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         double begin = Seconds();
-        for (int i = 0; i < batch; ++i) {
-            SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, y + (i % 2 ? swing : 0)));
-            if (round == 0 && i < 2)
+        for (int i = 0; i < 2; ++i) {
+            SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, y + (i % 2 ? 0 : swing)));
+            if (round == 0)
                 Send(g, TTM_GETEND, 0, &seen[i]);
         }
         GdiFlush();
-        steps.push_back((Seconds() - begin) / batch);
+        steps.push_back((Seconds() - begin) / 2);
         begin = Seconds();
-        for (int i = 0; i < batch; ++i)
+        for (int i = 0; i < 2; ++i)
             BitBlt(dc, 0, 0, client.right, client.bottom, memory, 0, 0, SRCCOPY);
         GdiFlush();
-        blits.push_back((Seconds() - begin) / batch);
+        blits.push_back((Seconds() - begin) / 2);
     }
     SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
     SelectObject(memory, old);
@@ -83,7 +85,7 @@ void DragStep(HWND g, DWORD hours, double *step, double *blit)
     DeleteDC(memory);
     ReleaseDC(g, dc);
     LONG d, h, m, sec;
-    OSDiffDateTime(&seen[0], &seen[1], &d, &h, &m, &sec);
+    OSDiffDateTime(&seen[1], &seen[0], &d, &h, &m, &sec);
     printf("the end moves %ld minutes a step with %lu hours in view\n", static_cast<long>(h * 60 + m),
            static_cast<unsigned long>(hours));
     std::sort(steps.begin(), steps.end());
@@ -132,15 +134,21 @@ int main()
         printf("no tracker\n");
         return 1;
     }
-    double one, onePeer, day, dayPeer;
-    DragStep(g, 1, &one, &onePeer);
-    DragStep(g, 24, &day, &dayPeer);
+    double one, onePeer, day, dayPeer, off, offPeer;
+    DragStep(g, 1, 30, &one, &onePeer);
+    DragStep(g, 24, 30, &day, &dayPeer);
+    // 20 minutes with 1 hour in view lands between the coarse steps: the
+    // step reads the Shift key.
+    DragStep(g, 1, 20, &off, &offPeer);
     printf("drag step, 1 hour in view                  %10.1f us per move\n", one * 1e6);
     printf("BitBlt of the whole gadget (peer)          %10.1f us\n", onePeer * 1e6);
     printf("drag step, 24 hours in view                %10.1f us per move\n", day * 1e6);
     printf("BitBlt of the whole gadget (peer)          %10.1f us\n", dayPeer * 1e6);
+    printf("drag step, 1 hour, between coarse steps    %10.1f us per move\n", off * 1e6);
+    printf("BitBlt of the whole gadget (peer)          %10.1f us\n", offPeer * 1e6);
     printf("ratio (step / peer), 1 hour               %10.2f\n", one / onePeer);
     printf("ratio (step / peer), 24 hours             %10.2f\n", day / dayPeer);
+    printf("ratio (step / peer), between coarse steps %10.2f\n", off / offPeer);
     printf("growth from 1 to 24 hours                  %10.2f\n\n", day / one);
 
     const std::vector<BusyInterval> small = Appointments(100), large = Appointments(1000);

@@ -65,12 +65,44 @@ extern "C" int WINAPI OSstrncmp(const char *a, const char *b, DWORD count)
 // Printable ASCII without the two marks that sort by their place in the word
 // (hyphen and apostrophe) is the common case, and two shortcuts hold there:
 // it widens byte for byte in every code page, and a lead that both texts
-// share up to a blank, letter case aside, weighs the same in both at every
-// level, while no letter group of any locale reaches across a blank; so the
-// compare starts after that blank.
+// share up to a blank weighs the same in both at every level, while no
+// letter group of any locale reaches across a blank; so the compare starts
+// after that blank. Only the English sort lets the lead differ in letter
+// case: elsewhere a group of letters may form in one case and not in a mix
+// of cases (a Danish "aa" or "AA" but not "aA", a Czech "ch" but not "cH").
 static bool IsPlain(unsigned char c)
 {
     return !c || (c >= 0x20 && c <= 0x7E && c != '-' && c != '\'');
+}
+
+// Where two plain texts first differ other than by letter case, the first
+// weight that differs decides. In the English sort, which groups no letters
+// and orders none apart from the alphabet, the end of a text weighs least,
+// then the symbols and blanks, then the digits in their order, then the
+// letters in theirs; two symbols are left to the platform.
+enum PlainClass { kEnd, kSymbol, kDigit, kLetter };
+
+static PlainClass ClassOf(unsigned char c)
+{
+    if (!c)
+        return kEnd;
+    if (c >= '0' && c <= '9')
+        return kDigit;
+    if ((c | 0x20) >= 'a' && (c | 0x20) <= 'z')
+        return kLetter;
+    return kSymbol;
+}
+
+// -1 or 1 where the first difference decides alone, 0 where it does not.
+static int DecideAt(unsigned char ca, unsigned char cb)
+{
+    const PlainClass a = ClassOf(ca), b = ClassOf(cb);
+    if (a != b)
+        return a < b ? -1 : 1;
+    if (a == kSymbol)
+        return 0;
+    const unsigned char fa = a == kLetter ? (ca | 0x20) : ca, fb = b == kLetter ? (cb | 0x20) : cb;
+    return fa == fb ? 0 : (fa < fb ? -1 : 1);
 }
 
 static int CompareIgnoringCase(const char *a, const char *b, DWORD count)
@@ -83,26 +115,29 @@ static int CompareIgnoringCase(const char *a, const char *b, DWORD count)
     bool plain = true;
     DWORD from = 0;      // after the last blank of the shared lead
     bool shared = true;  // still within the lead both texts share
-    // Turkic languages pair I with a dotless i, and i with a dotted I.
     const LCID locale = GetThreadLocale();
-    const WORD language = PRIMARYLANGID(LANGIDFROMLCID(locale));
-    const bool dottedI = language == LANG_TURKISH || language == LANG_AZERI || language == LANG_TATAR ||
-                         language == LANG_KAZAK;
+    const bool english = PRIMARYLANGID(LANGIDFROMLCID(locale)) == LANG_ENGLISH && SORTIDFROMLCID(locale) == SORT_DEFAULT;
     const DWORD longer = lengthA > lengthB ? lengthA : lengthB;
+    unsigned char firstA = 0, firstB = 0;  // the first pair that differs beyond case
     for (DWORD i = 0; i < longer && plain; ++i) {
         const unsigned char ca = i < lengthA ? static_cast<unsigned char>(a[i]) : 0;
         const unsigned char cb = i < lengthB ? static_cast<unsigned char>(b[i]) : 0;
         if (ca == cb && shared) {
             if (ca == ' ')
                 from = i + 1;
-        } else if ((ca | 0x20) != (cb | 0x20) || (ca | 0x20) < 'a' || (ca | 0x20) > 'z' ||
-                   ((ca | 0x20) == 'i' && dottedI)) {
-            shared = false;  // not the two cases of one letter
+        } else if (shared && (!english || (ca | 0x20) != (cb | 0x20) || (ca | 0x20) < 'a' || (ca | 0x20) > 'z')) {
+            shared = false;  // not the two cases of one letter in the English sort
+            firstA = ca;
+            firstB = cb;
         }
         plain = IsPlain(ca) && IsPlain(cb);
     }
     if (plain && shared && lengthA == lengthB)
         return 0;  // the same text, letter case aside
+    if (plain && !shared && english) {
+        if (const int decided = DecideAt(firstA, firstB))
+            return decided;
+    }
     int result;
     if (!plain) {
         result = CompareStringA(locale, NORM_IGNORECASE | LOCALE_USE_CP_ACP, a, static_cast<int>(lengthA), b, static_cast<int>(lengthB));

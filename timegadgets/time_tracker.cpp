@@ -28,7 +28,34 @@ bool TrackerDiff(const DateTimeValue *a, const DateTimeValue *b, LONG *hours, LO
     return true;
 }
 
-DWORD TrackerStep(const TimeTrackerRecord *r) { return HeldStep(r->coarseStep, r->fineStep); }
+// Reading a key asks the window server, the dearest call of a drag step.
+static bool g_holdingStep = false;
+static int g_heldShift = -1;  // -1 until read in the step held
+
+void TrackerHoldStep(bool holding)
+{
+    g_holdingStep = holding;
+    g_heldShift = -1;
+}
+
+DWORD TrackerStep(const TimeTrackerRecord *r)
+{
+    if (!g_holdingStep)
+        return HeldStep(r->coarseStep, r->fineStep);
+    if (g_heldShift < 0)
+        g_heldShift = (GetKeyState(VK_SHIFT) & 0x80) ? 1 : 0;
+    return g_heldShift ? r->coarseStep : r->fineStep;
+}
+
+void TrackerSnapHeld(const TimeTrackerRecord *r, DateTimeValue *value)
+{
+    const DWORD coarse = r->coarseStep, fine = r->fineStep, minute = value->minute;
+    if (coarse && fine && minute / coarse * coarse == minute / fine * fine) {
+        value->minute = static_cast<BYTE>(minute / fine * fine);
+        return;
+    }
+    TrackerSnap(value, TrackerStep(r));
+}
 
 void TrackerSnap(DateTimeValue *value, DWORD step) { SnapMinute(value, step, "TimeTracker step"); }
 
@@ -103,7 +130,7 @@ bool TrackerYToTime(const TimeTrackerRecord *r, LONG y, DateTimeValue *out)
     DateTimeValue t = r->viewStart;
     if (!TrackerShift(&t, 0, h, ((rel - base) * 60) / (pph + taller)))
         return false;
-    TrackerSnap(&t, TrackerStep(r));
+    TrackerSnapHeld(r, &t);
     *out = t;
     return true;
 }
@@ -247,6 +274,7 @@ LRESULT OnSetBackColour(HWND window, TimeTrackerRecord *r, COLORREF colour)
     }
     r->backColour = GetNearestColor(dc, colour);
     ReleaseDC(window, dc);
+    r->figuresShown = 0;
     if (r->dcWork) {
         SetBkColor(r->dcWork, r->backColour);
         SetTextColor(r->dcWork, GadgetContrastTextColor(r->backColour));

@@ -5,6 +5,15 @@
 #include "qziso32.h"
 #include "busy_lanes.h"
 
+// Where a composition put the appointment's figures, and what they showed,
+// to find what a drag step changed.
+struct TrackerFigures {
+    RECT labels[3];  // start, end, duration
+    RECT clocks[2];  // start, end
+    DateTimeValue start, end;
+    DWORD durationHours, durationMinutes;
+    LONG barTop, barBottom;  // the bar's rows; both 0 when it is not drawn
+};
 struct TimeTrackerRecord {
     DateTimeValue viewStart;  // the time at the top of the scale
     DateTimeValue start;
@@ -35,6 +44,17 @@ struct TimeTrackerRecord {
     HDC dcScale;
     HDC dcLanesBack;
     HDC dcLanes;
+    HDC dcScaleColour;        // the scale in the work surface's colours
+    HBITMAP savedScaleColour;
+    COLORREF scaleColourBack; // the colours it was converted with
+    COLORREF scaleColourText;
+    BYTE scaleColourReady;    // cleared by each render of the scale
+    BYTE figuresShown;        // the work surface and the window show `shown`
+                              // over the scale and lanes as they stand
+    TrackerFigures shown;
+    LONG ownShownTop;         // the own block as last drawn in the strip
+    LONG ownShownBottom;
+    COLORREF ownShownColour;
     HBRUSH barBrush;
     DWORD hoursInView;
     DWORD pixelsPerHour;
@@ -99,8 +119,14 @@ bool TrackerShift(DateTimeValue *value, LONG days, LONG hours, LONG minutes);
 bool TrackerDiff(const DateTimeValue *a, const DateTimeValue *b, LONG *hours, LONG *minutes);
 // True when `a` is later than `b`.
 inline bool Later(const DateTimeValue *a, const DateTimeValue *b) { return OSDateTimeCompare(a, b) > 0; }
-// The step of the moment: the coarse one while Shift is down.
+// The step of the moment: the coarse one while Shift is down. Within a drag
+// step the key is read once: the state cannot change before the step
+// tells the parent anything.
 DWORD TrackerStep(const TimeTrackerRecord *r);
+void TrackerHoldStep(bool holding);
+// Snaps to the step of the moment; where the coarse and the fine step give
+// the same minute, the key is not read at all.
+void TrackerSnapHeld(const TimeTrackerRecord *r, DateTimeValue *value);
 // minute = (minute / step) * step; a step of 0 leaves it and records the fault.
 void TrackerSnap(DateTimeValue *value, DWORD step);
 // Normalises start, end and the duration from one end.
@@ -133,6 +159,20 @@ void TrackerRenderLanes(TimeTrackerRecord *r);
 void TrackerRenderOwnStrip(TimeTrackerRecord *r);
 // Composes the work surface and shows the band [top, bottom) of rcFrame.
 void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bottom);
+// Composes the rows [top, bottom) of the work surface, within its clip;
+// with `parts` given, the figures that reach none of them are left out.
+void TrackerComposeWork(TimeTrackerRecord *r, LONG top, LONG bottom, const RECT *parts = nullptr, int count = 0);
+// How far a label's or a clock's pixels may reach.
+RECT TrackerLabelReach(const TimeTrackerRecord *r, const RECT &label);
+RECT TrackerClockReach(const RECT &clock);
+void TrackerTakeFigures(const TimeTrackerRecord *r, TrackerFigures *f);
+// The own block's rows in the strip as the placed figures give them.
+void TrackerOwnRows(const TimeTrackerRecord *r, LONG *top, LONG *bottom);
+COLORREF TrackerOwnBarColour(const TimeTrackerRecord *r);
+// Shows a drag step's change (figures placed anew) by composing and showing
+// only what changed since the last composition; false, with nothing drawn,
+// when the whole band must be composed instead.
+bool TrackerRepaintChanged(TimeTrackerRecord *r, HDC dc);
 void TrackerPaintArrows(HWND window, TimeTrackerRecord *r, HDC dc, bool upPressed, bool downPressed);
 // Everything again, at once.
 void TrackerRedraw(HWND window, TimeTrackerRecord *r);

@@ -131,6 +131,7 @@ bool StartAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer, BYTE mod
         Drag().scrollStep = static_cast<LONG>(TrackerStep(r));
         r->autoScrollMode = mode;
     }
+    TrackerHoldStep(false);
     return GadgetNotifyAlive(window, TTN_SCROLLED, r);
 }
 
@@ -139,6 +140,8 @@ bool StartAutoScroll(HWND window, TimeTrackerRecord *r, UINT_PTR timer, BYTE mod
 void RepaintBand(HWND window, TimeTrackerRecord *r, LONG oldTop, LONG oldBottom)
 {
     TrackerPlaceFigures(r);
+    if (TrackerRepaintChanged(r, Drag().dc))
+        return;
     TrackerRenderOwnStrip(r);
     LONG top = r->rcStartClock.top < oldTop ? r->rcStartClock.top : oldTop;
     LONG bottom = r->rcEndClock.bottom > oldBottom ? r->rcEndClock.bottom : oldBottom;
@@ -174,7 +177,7 @@ Step DragEdge(HWND window, TimeTrackerRecord *r, LONG y, bool isEnd)
     DateTimeValue moved = isEnd ? r->end : r->start;
     if (!ApplyMove(d.anchor, t, &moved))
         return Step::Failed;
-    TrackerSnap(&moved, TrackerStep(r));
+    TrackerSnapHeld(r, &moved);
     (isEnd ? r->end : r->start) = moved;
     d.anchor = t;
     LONG oldY = isEnd ? r->endY : r->startY;
@@ -219,9 +222,8 @@ Step MoveWhole(HWND window, TimeTrackerRecord *r, LONG y)
     if ((TrackerStyle(window) & TTS_SINGLEDAY) &&
         (OSDateCompare(&s, &r->start) != 0 || OSDateCompare(&e, &r->start) != 0))
         return Step::Done;
-    DWORD step = TrackerStep(r);
-    TrackerSnap(&s, step);
-    TrackerSnap(&e, step);
+    TrackerSnapHeld(r, &s);
+    TrackerSnapHeld(r, &e);
     d.anchor = t;
     LONG oldStartY = r->startY, oldEndY = r->endY;
     LONG oldTop = r->rcStartClock.top, oldBottom = r->rcEndClock.bottom;
@@ -232,6 +234,7 @@ Step MoveWhole(HWND window, TimeTrackerRecord *r, LONG y)
     TrackerPlaceFigures(r);
     LONG minutes = static_cast<LONG>(r->durationHours * 60 + r->durationMinutes);
     if (r->startY < r->rcScale.top && !(oldStartY < r->rcScale.top)) {
+        const DWORD step = TrackerStep(r);
         if (!TrackerStepView(window, r, -static_cast<LONG>(step)))
             return Step::Failed;
         r->start = r->end = r->viewStart;
@@ -242,6 +245,7 @@ Step MoveWhole(HWND window, TimeTrackerRecord *r, LONG y)
         return StartAutoScroll(window, r, kMoveScrollTimer, 1) ? Step::Done : Step::Gone;
     }
     if (r->endY > r->rcScale.bottom && !(oldEndY > r->rcScale.bottom)) {
+        const DWORD step = TrackerStep(r);
         if (!TrackerStepView(window, r, static_cast<LONG>(step)) || !TrackerViewEnd(r, &r->end))
             return Step::Failed;
         r->start = r->end;
@@ -353,14 +357,16 @@ void TrackerOnMouseMove(HWND window, TimeTrackerRecord *r, LPARAM lParam)
     }
     LONG y = ClampedY(lParam);
     Step step = Step::Done;
+    if (!d.draggingStart && !d.draggingEnd && !d.movingWhole)
+        return;
+    TrackerHoldStep(true);
     if (d.draggingStart)
         step = DragEdge(window, r, y, false);
     else if (d.draggingEnd)
         step = DragEdge(window, r, y, true);
-    else if (d.movingWhole)
-        step = MoveWhole(window, r, y);
     else
-        return;
+        step = MoveWhole(window, r, y);
+    TrackerHoldStep(false);
     if (step == Step::Gone)
         return;
     if (step == Step::Failed) {

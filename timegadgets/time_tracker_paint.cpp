@@ -94,8 +94,9 @@ void ForgetMeasures(HDC dc)
 }
 
 // One line centred in `rect` both ways, placed as DrawText places it with
-// DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP.
-void CentredText(HDC dc, const RECT &rect, const char *text)
+// DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP, over `face` filled
+// with the background colour first (in the same call where it can be).
+void CentredText(HDC dc, const RECT &rect, const char *text, const RECT &face)
 {
     const TextMeasure *m = MeasureFor(dc);
     LONG width = 0;
@@ -110,13 +111,14 @@ void CentredText(HDC dc, const RECT &rect, const char *text)
     if (!m) {
         // Bytes that may start a character of two, or that DrawText reads
         // as a tab or a prefix: the platform lays the line out.
+        ExtTextOutA(dc, 0, 0, ETO_OPAQUE, &face, nullptr, 0, nullptr);
         RECT inner = rect;
         DrawTextA(dc, text, -1, &inner, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
         return;
     }
     const LONG x = (rect.left + rect.right - width) / 2;
     const LONG y = rect.top + (rect.bottom - rect.top) / 2 - m->height / 2;
-    ExtTextOutA(dc, x, y, 0, nullptr, text, static_cast<UINT>(length), nullptr);
+    ExtTextOutA(dc, x, y, ETO_OPAQUE, &face, text, static_cast<UINT>(length), nullptr);
 }
 
 LONG ScaleHeight(const TimeTrackerRecord *r) { return r->rcScale.bottom - r->rcScale.top; }
@@ -175,10 +177,10 @@ void PaintLabel(HDC dc, const TimeTrackerRecord *r, const RECT &label, const cha
         return;
     Fill(dc, label.left, label.top, label.right, label.bottom, 0xFFFFFF);
     Fill(dc, label.left + 1, label.top + 1, label.right, label.bottom, 0);
-    Fill(dc, label.left + 1, label.top + 1, label.right - 1, label.bottom - 1, kLabelGrey);
     SetBkMode(dc, TRANSPARENT);
     COLORREF oldText = SetTextColor(dc, 0);
-    CentredText(dc, label, text);
+    SetBkColor(dc, kLabelGrey);
+    CentredText(dc, label, text, RECT{label.left + 1, label.top + 1, label.right - 1, label.bottom - 1});
     SetTextColor(dc, oldText);
 }
 
@@ -268,13 +270,23 @@ bool ClockShown(const TimeTrackerRecord *r, const RECT &clock)
 // The start and end clocks: the dial laid on through its mask, as the
 // gadgets' flicker blit lays it, then the hands. Where no copies can be
 // made, the shared clock face draws each.
-void PaintClocks(HDC dc, const TimeTrackerRecord *r)
+// True when `reach` meets one of `parts`, or when no parts are given.
+bool Reaches(const RECT &reach, const RECT *parts, int count)
+{
+    RECT meet;
+    for (int i = 0; i < count; ++i)
+        if (IntersectRect(&meet, &reach, &parts[i]))
+            return true;
+    return !parts;
+}
+
+void PaintClocks(HDC dc, const TimeTrackerRecord *r, const RECT *parts, int count)
 {
     const RECT *clocks[2] = {&r->rcStartClock, &r->rcEndClock};
     const DateTimeValue *times[2] = {&r->start, &r->end};
     const ClockCopies *c = nullptr;
     for (int i = 0; i < 2; ++i) {
-        if (!ClockShown(r, *clocks[i]))
+        if (!ClockShown(r, *clocks[i]) || !Reaches(TrackerClockReach(*clocks[i]), parts, count))
             continue;
         if (!c && !(c = ClockCopiesFor(dc, r))) {
             DrawClockFace(dc, *clocks[i], r->rcFrame, r->clockBitmap, r->clockMask, kTrackerDefaultBack,
@@ -344,7 +356,7 @@ void PaintArrow(HDC dc, const TimeTrackerRecord *r, const RECT &where, UINT id)
 }  // namespace
 
 // Green while the appointment is free, red once a busy time overlaps it.
-static COLORREF OwnBarColour(const TimeTrackerRecord *r)
+COLORREF TrackerOwnBarColour(const TimeTrackerRecord *r)
 {
     DWORD own = r->durationHours * 60 + r->durationMinutes;
     for (DWORD i = 0; i < r->busyCount; ++i)
@@ -394,6 +406,7 @@ DWORD TrackerIdealHeight(const TimeTrackerRecord *r) { return (r->hoursInView + 
 
 void TrackerLayout(HWND window, TimeTrackerRecord *r)
 {
+    r->figuresShown = 0;
     RECT client;
     GetClientRect(window, &client);
     LONG w = static_cast<LONG>(r->laneCount * kLaneWidth + 8);
@@ -472,6 +485,14 @@ bool TrackerBuildSurfaces(HWND window, TimeTrackerRecord *r)
 
 void TrackerDestroySurfaces(TimeTrackerRecord *r)
 {
+    if (r->dcScaleColour) {
+        DeleteObject(SelectObject(r->dcScaleColour, r->savedScaleColour));
+        DeleteDC(r->dcScaleColour);
+        r->dcScaleColour = nullptr;
+        r->savedScaleColour = nullptr;
+    }
+    r->scaleColourReady = 0;
+    r->figuresShown = 0;
     ForgetMeasures(r->dcWork);
     ForgetClockCopies(r->dcWork);
     FreeSurface(&r->dcWork, &r->savedWork);
@@ -484,6 +505,8 @@ void TrackerRenderScale(TimeTrackerRecord *r)
 {
     TrackerPlaceFigures(r);
     HDC dc = r->dcScale;
+    r->scaleColourReady = 0;
+    r->figuresShown = 0;
     if (!dc)
         return;
     Fill(dc, r->rcFrame.left, r->rcFrame.top, r->rcFrame.right, r->rcFrame.bottom, 0xFFFFFF);
@@ -521,8 +544,9 @@ void TrackerRenderScale(TimeTrackerRecord *r)
 void TrackerRenderLanes(TimeTrackerRecord *r)
 {
     TrackerPlaceFigures(r);
+    r->figuresShown = 0;
     // The clash colour is kept whether or not the strip is shown.
-    r->ownBarColour = OwnBarColour(r);
+    r->ownBarColour = TrackerOwnBarColour(r);
     HDC back = r->dcLanesBack;
     if (!back || !r->dcLanes)
         return;
@@ -560,32 +584,96 @@ void TrackerRenderLanes(TimeTrackerRecord *r)
         Block(back, static_cast<LONG>((r->laneCount - b.lane) * kLaneWidth) + 1, top, bottom, kBusyColour);
     }
     BitBlt(r->dcLanes, 0, 0, StripWidth(), height, back, 0, 0, SRCCOPY);
-    LONG top = r->startY - r->rcScale.top, bottom = r->endY - r->rcScale.top + 1;
-    if (top < 1)
-        top = 1;
-    if (bottom > height - 2)
-        bottom = height - 2;
+    LONG top, bottom;
+    TrackerOwnRows(r, &top, &bottom);
     Block(r->dcLanes, static_cast<LONG>(r->laneCount * kLaneWidth) + 1, top, bottom, r->ownBarColour);
+    r->ownShownTop = top;
+    r->ownShownBottom = bottom;
+    r->ownShownColour = r->ownBarColour;
 }
 
 void TrackerRenderOwnStrip(TimeTrackerRecord *r)
 {
-    r->ownBarColour = OwnBarColour(r);
+    r->ownBarColour = TrackerOwnBarColour(r);
     if (!r->dcLanesBack || !r->dcLanes)
         return;
     // The busy lanes stand as rendered; only the last column is drawn again.
     LONG height = ScaleHeight(r) + 1;
     LONG x = static_cast<LONG>(r->laneCount * kLaneWidth);
     BitBlt(r->dcLanes, x, 0, kLaneWidth, height, r->dcLanesBack, x, 0, SRCCOPY);
-    LONG top = r->startY - r->rcScale.top, bottom = r->endY - r->rcScale.top + 1;
-    if (top < 1)
-        top = 1;
-    if (bottom > height - 2)
-        bottom = height - 2;
+    LONG top, bottom;
+    TrackerOwnRows(r, &top, &bottom);
     Block(r->dcLanes, x + 1, top, bottom, r->ownBarColour);
+    r->ownShownTop = top;
+    r->ownShownBottom = bottom;
+    r->ownShownColour = r->ownBarColour;
 }
 
 // ---------------------------------------------------------------- showing
+// The scale as the work surface shows it: the one-bit surface converted in
+// the work surface's colours once for each render of the scale, so that a
+// band is copied without the conversion. A converted copy that cannot be
+// made leaves the one-bit surface to be converted band by band, as the
+// pixels are the same either way.
+static HDC ScaleSource(TimeTrackerRecord *r)
+{
+    HDC work = r->dcWork;
+    const COLORREF back = GetBkColor(work), text = GetTextColor(work);
+    if (r->dcScaleColour && r->scaleColourReady && r->scaleColourBack == back && r->scaleColourText == text)
+        return r->dcScaleColour;
+    const LONG width = FrameWidth(r) > 0 ? FrameWidth(r) : 1, height = FrameHeight(r) > 0 ? FrameHeight(r) : 1;
+    if (!r->dcScaleColour) {
+        HDC dc = CreateCompatibleDC(work);
+        HBITMAP bitmap = dc ? CreateCompatibleBitmap(work, width, height) : nullptr;
+        HGDIOBJ saved = bitmap ? SelectObject(dc, bitmap) : nullptr;
+        if (!saved) {
+            if (bitmap)
+                DeleteObject(bitmap);
+            if (dc)
+                DeleteDC(dc);
+            return r->dcScale;
+        }
+        SetWindowOrgEx(dc, r->rcFrame.left, r->rcFrame.top, nullptr);
+        r->dcScaleColour = dc;
+        r->savedScaleColour = static_cast<HBITMAP>(saved);
+    }
+    SetBkColor(r->dcScaleColour, back);
+    SetTextColor(r->dcScaleColour, text);
+    if (!BitBlt(r->dcScaleColour, r->rcFrame.left, r->rcFrame.top, width, height, r->dcScale, r->rcFrame.left,
+                r->rcFrame.top, SRCCOPY))
+        return r->dcScale;
+    r->scaleColourBack = back;
+    r->scaleColourText = text;
+    r->scaleColourReady = 1;
+    return r->dcScaleColour;
+}
+
+void TrackerComposeWork(TimeTrackerRecord *r, LONG top, LONG bottom, const RECT *parts, int count)
+{
+    HDC work = r->dcWork;
+    LONG left = r->rcFrame.left, width = FrameWidth(r);
+    SetBkColor(work, r->backColour);
+    SetTextColor(work, GadgetContrastTextColor(r->backColour));
+    BitBlt(work, left, top, width, bottom - top, ScaleSource(r), left, top, SRCCOPY);
+    PaintBar(work, r);
+    char text[64];
+    if (Reaches(TrackerLabelReach(r, r->rcStartLabel), parts, count)) {
+        OSDateTimeToString(&r->start, text, nullptr, DTS_TIME, sizeof text);
+        PaintLabel(work, r, r->rcStartLabel, text);
+    }
+    if (Reaches(TrackerLabelReach(r, r->rcEndLabel), parts, count)) {
+        OSDateTimeToString(&r->end, text, nullptr, DTS_TIME, sizeof text);
+        PaintLabel(work, r, r->rcEndLabel, text);
+    }
+    if (Reaches(TrackerLabelReach(r, r->rcDurationLabel), parts, count)) {
+        DurationText(r->durationHours, r->durationMinutes, text, sizeof text);
+        PaintLabel(work, r, r->rcDurationLabel, text);
+    }
+    PaintClocks(work, r, parts, count);
+    SetBkColor(work, r->backColour);
+    SetTextColor(work, GadgetContrastTextColor(r->backColour));
+}
+
 void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bottom)
 {
     HDC work = r->dcWork;
@@ -599,20 +687,7 @@ void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bo
     if (bottom <= top)
         return;
     LONG left = r->rcFrame.left, width = FrameWidth(r);
-    SetBkColor(work, r->backColour);
-    SetTextColor(work, GadgetContrastTextColor(r->backColour));
-    BitBlt(work, left, top, width, bottom - top, r->dcScale, left, top, SRCCOPY);
-    PaintBar(work, r);
-    char text[64];
-    OSDateTimeToString(&r->start, text, nullptr, DTS_TIME, sizeof text);
-    PaintLabel(work, r, r->rcStartLabel, text);
-    OSDateTimeToString(&r->end, text, nullptr, DTS_TIME, sizeof text);
-    PaintLabel(work, r, r->rcEndLabel, text);
-    DurationText(r->durationHours, r->durationMinutes, text, sizeof text);
-    PaintLabel(work, r, r->rcDurationLabel, text);
-    PaintClocks(work, r);
-    SetBkColor(work, r->backColour);
-    SetTextColor(work, GadgetContrastTextColor(r->backColour));
+    TrackerComposeWork(r, top, bottom);
     BitBlt(dc, left, top, width, bottom - top, work, left, top, SRCCOPY);
     // The strip whole, or its rows within the band.
     LONG stripTop = r->rcScale.top, stripBottom = r->rcScale.bottom + 1;
@@ -623,6 +698,12 @@ void TrackerCompose(HWND window, TimeTrackerRecord *r, HDC dc, LONG top, LONG bo
     if (stripBottom > stripTop)
         BitBlt(dc, 0, stripTop, static_cast<int>(r->laneCount * kLaneWidth + 8), stripBottom - stripTop, r->dcLanes,
                0, stripTop - r->rcScale.top, SRCCOPY);
+    if (whole) {
+        TrackerTakeFigures(r, &r->shown);
+        r->figuresShown = 1;
+    } else {
+        r->figuresShown = 0;
+    }
     (void)window;
 }
 

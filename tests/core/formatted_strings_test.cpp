@@ -310,4 +310,33 @@ TEST_F(FormattedStrings, BoundedComparesFollowTheLocale)
     EXPECT_EQ(0, OSstrncmp("abcd", "abce", 3));
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
+
+// Every pair of printable bytes (and the end of a text) where two texts
+// first differ beyond letter case, after a lead that differs in case, with
+// and without a tail: the bounded compare answers as lstrcmpiA does, in the
+// English sort and in sorts that group or order letters apart.
+TEST_F(FormattedStrings, BoundedCompareMeetsThePlatformAtEveryFirstDifference)
+{
+    std::string bytes(1, '\0');
+    for (char c = 0x20; c <= 0x7E; ++c)
+        bytes += c;
+    const LCID start = GetThreadLocale();
+    for (LANGID language : {(LANGID)MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), (LANGID)MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_UK),
+                            (LANGID)MAKELANGID(LANG_DANISH, SUBLANG_DEFAULT), (LANGID)MAKELANGID(LANG_ESTONIAN, SUBLANG_DEFAULT),
+                            (LANGID)MAKELANGID(LANG_CZECH, SUBLANG_DEFAULT)}) {
+        SetThreadLocale(MAKELCID(language, SORT_DEFAULT));
+        int wrong = 0;
+        for (char x : bytes)
+            for (char y : bytes)
+                for (const char *tail : {"", "h", "A"}) {
+                    const std::string a = std::string("Room c") + x + tail, b = std::string("rOOM C") + y + "a";
+                    const DWORD count = static_cast<DWORD>(b.size());
+                    if (OSstrncmpi(a.c_str(), b.c_str(), count) != lstrcmpiA(a.c_str(), b.c_str()) && ++wrong < 5)
+                        ADD_FAILURE() << a.c_str() << " against " << b.c_str() << " in " << language;
+                }
+        EXPECT_EQ(0, wrong) << language;
+    }
+    SetThreadLocale(start);
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+}
 }  // namespace

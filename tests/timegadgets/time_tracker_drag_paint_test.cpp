@@ -3,6 +3,7 @@
 // lanes whose clash colour flips on the way.
 #include "qz_test.h"
 #include "window_harness.h"
+#include "failure_seam.h"
 #include <vector>
 
 namespace {
@@ -34,19 +35,28 @@ TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
         int gripOffset;
         DWORD hours;
         std::vector<DateTimeValue> visits;
+        int fontHeight = 0;  // a TrueType face of this height by WM_SETFONT; 0 keeps the gadget's
     } scripts[] = {
         {"end label", At(11, 0), 0, 8, {At(11, 5), At(11, 40), At(13, 0), At(12, 55), At(10, 20), At(9, 0),
                                         At(10, 0), At(14, 30), At(14, 30), At(11, 10)}},
         {"end clock", At(11, 0), 14, 24, {At(12, 0), At(20, 0), At(11, 30), At(3, 0), At(11, 0)}},
         {"start label", At(10, 0), 0, 8, {At(9, 35), At(8, 30), At(10, 50), At(11, 45), At(9, 10)}},
         {"duration", At(10, 30), 0, 8, {At(10, 45), At(12, 0), At(9, 15), At(10, 35)}},
+        {"end label, 1 hour", At(11, 0), 0, 1, {At(11, 20), At(10, 55), At(11, 25), At(10, 40), At(11, 5)}},
+        {"end label, large face", At(11, 0), 0, 8, {At(11, 35), At(12, 50), At(10, 5), At(11, 0)}, -19},
     };
     for (const Script &s : scripts) {
         RecordingParent parent(320, 420);
         HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
         ASSERT_TRUE(g != nullptr);
+        HFONT font = s.fontHeight ? CreateFontA(s.fontHeight, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0,
+                                                0, "Times New Roman")
+                                  : nullptr;
+        if (font)
+            SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
         SendMessageA(g, TTM_SETHOURSINVIEW, s.hours, 0);
-        const DateTimeValue view = At(s.hours == 24 ? 0 : 7, 0), start = At(10, 0), end = At(11, 0);
+        const DateTimeValue view = At(s.hours == 24 ? 0 : s.hours == 1 ? 10 : 7, 30 * (s.hours == 1)),
+                            start = At(10, 0), end = At(11, 0);
         SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
         SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
         SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
@@ -63,6 +73,8 @@ TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
         for (const DateTimeValue &t : s.visits) {
             SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, Y(g, t) + s.gripOffset));
             Readback shown = Readback::Of(g);
+            // The same fine step again renders the strip and the frame anew.
+            SendMessageA(g, TTM_SETFINESTEP, SendMessageA(g, TTM_GETFINESTEP, 0, 0), 0);
             InvalidateRect(g, nullptr, TRUE);
             Readback full = Readback::Of(g);
             ASSERT_TRUE(full.Valid());
@@ -72,7 +84,50 @@ TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
         SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, 0));
         EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << s.what;
         DestroyWindow(g);
+        if (font)
+            DeleteObject(font);
     }
+}
+
+// A drag step refused its n-th GDI object, once right after the surfaces
+// were made anew (the scale in the work colours is made then) and once
+// after a full paint (the clip of the changed parts): the window still
+// shows what a full repaint shows, and no object is kept.
+TEST_F(TimeTrackerDragPaint, StepRefusedAnObjectStillShowsTheFullRepaint)
+{
+    RecordingParent parent(320, 420);
+    long before = 0;
+    for (unsigned n = 0, points = 1; n <= points; ++n) {
+        if (n == 1)
+            before = GdiObjectsInUse();
+        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+        ASSERT_TRUE(g != nullptr);
+        const DateTimeValue view = At(7, 0), start = At(10, 0), end = At(11, 0);
+        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        Readback::Of(g);
+        SendMessageA(g, WM_SETFONT, SendMessageA(g, WM_GETFONT, 0, 0), FALSE);
+        RECT client;
+        GetClientRect(g, &client);
+        const int x = client.right / 2 + 4;
+        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, Y(g, end)));
+        for (const DateTimeValue &t : {At(12, 20), At(11, 35)}) {
+            {
+                FailureSeam seam(FailureSeam::Gdi, n);
+                SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, Y(g, t)));
+                points = seam.Calls() > points ? seam.Calls() : points;
+            }
+            Readback shown = Readback::Of(g);
+            SendMessageA(g, TTM_SETFINESTEP, SendMessageA(g, TTM_GETFINESTEP, 0, 0), 0);
+            InvalidateRect(g, nullptr, TRUE);
+            EXPECT_EQ(0, shown.Differences(Readback::Of(g))) << "refused at " << n << " moving to " << ToText(t);
+        }
+        SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, 0));
+        DestroyWindow(g);
+        OSErrorClearError();
+    }
+    EXPECT_EQ(before, GdiObjectsInUse());
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 namespace {
 
 const int ID = 100;
+#define TOLD(code) {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, code), 0}
 const DateTimeValue kDay = MakeDate(2026, 3, 11);  // a Wednesday
 
 DateTimeValue At(int hour, int minute, int dayOffset = 0)
@@ -238,10 +239,7 @@ TEST_F(TimeTrackerTest, BusyLanesByOneAndAsAListRemovalAndColours)
 
 // ---------------------------------------------------------------- drag
 static const Message arrow_release_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_VIEWCHANGED), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_ERROR), 0},
+    TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_VIEWCHANGED), TOLD(TTN_ERROR),
     {0, 0, 0, 0}};
 
 TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
@@ -257,13 +255,14 @@ TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
     SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, Point(x, Y(g, At(11, 0))));
     EXPECT_EQ(g, GetFocus());
     EXPECT_EQ(g, GetCapture());
-    // Fine: 17 minutes down lands on 11:15; with Shift 50 minutes on 11:30.
+    // Fine: 17 minutes down lands on 11:15; with Shift, 12:20 (which the
+    // fine step keeps) lands on the coarse 12:00.
     SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(11, 17))));
     EXPECT_EQ(At(11, 15), Get(g, TTM_GETEND));
     {
         HeldKey shift(VK_SHIFT);
         PumpMessages();
-        SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(12, 5))));
+        SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, Point(x, Y(g, At(12, 20))));
     }
     PumpMessages();
     EXPECT_EQ(At(12, 0), Get(g, TTM_GETEND));
@@ -272,11 +271,7 @@ TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
     DateTimeValue ten = At(10, 0);
     EXPECT_STREQ(OSDateTimeToString(&ten, nullptr, nullptr, DTS_TIME, 200), text);
     static const Message press_moves_seq[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SETFOCUS), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
+        TOLD(TTN_SETFOCUS), TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING), TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING),
         {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, press_moves_seq, "press and two moves");
     // Below the scale: the view steps forward and scrolling begins; the
@@ -298,18 +293,13 @@ TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
     SendMessageA(g, WM_LBUTTONUP, 0, Point(x, top + height + 10));
     EXPECT_EQ(nullptr, GetCapture());
     static const Message scroll_release_seq[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // crossing
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TRACKING), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // ticks
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_SCROLLED), 0},   // release
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
+        TOLD(TTN_SCROLLED),   // crossing
+        TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING),
+        TOLD(TTN_SCROLLED),   // ticks
+        TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED),
+        TOLD(TTN_SCROLLED),
+        TOLD(TTN_SCROLLED),   // release
+        TOLD(TTN_TIMECHANGED),
         {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, scroll_release_seq, "auto-scroll and release");
     // The up arrow: a press steps the view back 30 minutes; its release
@@ -416,6 +406,18 @@ TEST_F(TimeTrackerTest, KeysAtTheEdgesOfTheViewAndTheDay)
         {1, 2, U, 0, 0, 0, 0, 0, 0},                {1, 0, D, 955, 1375, 1435, 955, 1380, 1435},
         {1, 0, D, 950, 1370, 1430, 955, 1375, 1435}, {1, 1, D, 955, 1435, 1435, 930, 1410, 1410},
         {1, 2, D, 955, 1375, 1435, 955, 1375, 1435}, {1, 0, D, 480, 640, 700, 480, 645, 705},
+        // Single day inside the view and at its start: the view steps back by the fine step alone.
+        {1, 0, U, 480, 640, 700, 480, 635, 695},    {1, 1, U, 480, 640, 700, 480, 630, 700},
+        {1, 2, U, 480, 640, 700, 480, 640, 695},    {1, 1, D, 480, 640, 700, 480, 630, 700},
+        {1, 2, D, 480, 640, 700, 480, 640, 705},    {1, 0, U, 480, 480, 540, 475, 475, 535},
+        {1, 1, U, 480, 480, 540, 475, 475, 540},    {1, 2, U, 480, 480, 480, 475, 480, 480},
+        // One step past the view's end (16:05 on a view to 16:00), either style.
+        {0, 1, U, 480, 965, 965, 480, 960, 965},    {0, 2, U, 480, 965, 965, 480, 965, 965},
+        {0, 0, D, 480, 905, 965, 490, 910, 970},    {0, 1, D, 480, 905, 965, 480, 900, 965},
+        {0, 2, D, 480, 905, 965, 490, 905, 970},    {1, 0, D, 480, 905, 965, 485, 910, 965},
+        {1, 1, D, 480, 905, 965, 480, 900, 965},    {1, 2, D, 480, 905, 965, 485, 905, 965},
+        {1, 0, U, 480, 965, 965, 480, 960, 960},    {1, 1, U, 480, 965, 965, 480, 960, 965},
+        {1, 2, U, 480, 965, 965, 480, 965, 965},
     };
     HWND plain = Make(parent), singleDay = Make(parent, TTS_SINGLEDAY);
     for (const auto &row : rows) {
@@ -544,8 +546,8 @@ TEST_F(TimeTrackerTest, TallerHourAtTheTopTextOrderAndLabelFace)
     parent.Clear();
     SetWindowTextA(g, "77:88");
     static const Message changed_then_error_seq[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_TIMECHANGED), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, TTN_ERROR), 0}, {0, 0, 0, 0}};
+        TOLD(TTN_TIMECHANGED),
+        TOLD(TTN_ERROR), {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, changed_then_error_seq, "unreadable text");
     Place(g, At(8, 0), At(9, 0), At(10, 0));
     HDC dc = GetDC(g);
