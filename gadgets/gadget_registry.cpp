@@ -11,6 +11,8 @@ LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
 // The window procedures of the gadgets in the table.
 LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK GadDVListForwarder(HWND, UINT, WPARAM, LPARAM);
+extern "C" LRESULT CALLBACK GadFMWndProc(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK SuperTextWndProc(HWND, UINT, WPARAM, LPARAM);
 
 namespace {
 
@@ -23,6 +25,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"GasGauge", 0x6003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, GasGaugeWndProc},
+    {"FieldMapper", 0x4003, IDC_ARROW, GB_None, 0, GadFMWndProc},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
     {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},
@@ -30,6 +33,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"TimeSetter", 0x6003, IDC_ARROW, GB_SolidBrush, 0x818100, GadTSWndProc},
     {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
      TumblerWndProc},
+    {"SuperText", 0x4003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, SuperTextWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},
 };
 
