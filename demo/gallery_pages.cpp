@@ -666,6 +666,8 @@ const GalleryPage kGalleryPages[] = {
     {"status_box", "Status box", BuildStatusBoxPage},
     {"film", "Film frames", BuildFilmPage},
     {"stop_watch", "StopWatch", BuildStopWatchPage},
+    {"field_mapper", "FieldMapper", BuildFieldMapperPage},
+    {"super_text", "SuperText", BuildSuperTextPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 
