@@ -143,6 +143,9 @@ TEST_F(FieldMapperTest, LinesFollowScrollingAndSurviveAFailedSurface)
 // own notification is the system's affair, so not there.)
 TEST_F(FieldMapperTest, MonkeyHostile)
 {
+    Make(FMS_OWNERDRAW);  // the system makes the lists' drawing objects on first use
+    Link(true, 1, 1), SendMessageA(g, WM_SETFONT, WPARAM(GetStockObject(ANSI_VAR_FONT)), 1);
+    SendMessageA(left, WM_VSCROLL, SB_PAGEDOWN, 0), Pick(left, 2), Make(0), Pick(right, 3), UpdateWindow(g);
     long before = GdiObjectsInUse();
     destroyOneIn = 8;
     for (int i = 0; i < MonkeySteps(700, 70); ++i) {
@@ -165,6 +168,7 @@ TEST_F(FieldMapperTest, MonkeyHostile)
     }
     destroyOneIn = 0;
     DestroyWindow(g);
+    g = nullptr;
     EXPECT_EQ(before, GdiObjectsInUse());
 }
 
