@@ -58,7 +58,7 @@ TEST_F(FieldMapperTest, StyleRulesAnswerAndRefuse)
         {R, 1, 1, 3, 1, -1}, {R, 1, 0, 3, -1, 3}, {R, 0, 1, 4, -1, -1}, {R, 1, 1, 4, 1, 4}, {R, 0, 0, 3, 1, -1},
         {L, 1, 0, 4, 1, 3},  {L, 1, 1, 3, 1, 3},  {L, 1, 0, 3, -1, 3},  {L | R, 1, 1, 3, 1, -1},
         {0, 1, 1, 3, 1, 3},  {0, 1, 0, 4, 1, 3},  {0, 1, 2, 5, 1, 5},   {0, 1, 2, 6, 1, 6},
-        {0, 0, 2, 6, 1, -1}, {0, 1, 99, 255, 1, 255},
+        {0, 0, 2, 6, 1, -1}, {0, 1, 99, 255, 1, 255}, {0, 1, 1, 256, -1, 3}, {0, 1, 100, 1, -1, -1},
     };
     DWORD style = 0xFF;
     for (const Step &s : steps) {
@@ -77,32 +77,32 @@ TEST_F(FieldMapperTest, StyleRulesAnswerAndRefuse)
     BYTE out[4];
     for (const Limit &l : limits)
         EXPECT_EQ(l.result, SendMessageA(g, l.message, l.index, LPARAM(out))) << l.index;
-    EXPECT_EQ(-1, Link(true, 100, 1));
     EXPECT_EQ(RV_BadParms, OSErrorGetErrorInfo()->errorCode);
-    EXPECT_EQ(-1, Link(true, 1, 256));
     EXPECT_EQ(0, SendMessageA(g, FMM_CLEAR, 0, 0));
     EXPECT_EQ(0, SendMessageA(g, FMM_GETLINKCOUNT, 0, 0));
 }
 
-// Picks link, a newer link replaces the older, an item picked again
-// unlinks; the rules play no part; each pick reaches the parent.
+// Picks link (a right item twice, though the style says once); an item
+// picked again, or a left one with no right pick, unlinks; each pick
+// reaches the parent.
 TEST_F(FieldMapperTest, PicksLinkAndUnlink)
 {
     Make(FMS_RIGHTONCE, 8);
     parent.Clear();
+    // Item -1: no pick, a look at another left item.
     struct Row { bool leftSide; int item, linkedLeft, link; } rows[] = {
-        {true, 1, 1, -1}, {false, 2, 1, 2}, {true, 1, 1, -1}, {true, 3, 3, 2},
-        {false, 5, 3, 5}, {false, 5, 3, -1},
+        {true, 1, 1, -1}, {false, 2, 1, 2}, {true, 3, 3, 2},  {true, -1, 1, 2}, {true, 3, 3, -1},
+        {false, 5, 3, -1}, {true, 4, 4, 5}, {false, 5, 4, -1}, {true, 1, 1, -1},
     };
     for (const Row &row : rows) {
-        Pick(row.leftSide ? left : right, row.item);
+        if (row.item >= 0) Pick(row.leftSide ? left : right, row.item);
         EXPECT_EQ(row.link, LinkOf(row.linkedLeft)) << row.leftSide << " " << row.item;
     }
     int fromLeft = 0, fromRight = 0;
     for (const Message &m : (parent.Pump(), parent.Take()))
         if (m.message == WM_COMMAND && m.wParam == MAKEWPARAM(ID, LBN_SELCHANGE))
             fromLeft += m.lParam == LPARAM(left), fromRight += m.lParam == LPARAM(right);
-    EXPECT_EQ(3, fromLeft);
+    EXPECT_EQ(5, fromLeft);
     EXPECT_EQ(3, fromRight);
 }
 
