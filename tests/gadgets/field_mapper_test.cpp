@@ -87,7 +87,7 @@ TEST_F(FieldMapperTest, StyleRulesAnswerAndRefuse)
 // reaches the parent.
 TEST_F(FieldMapperTest, PicksLinkAndUnlink)
 {
-    Make(FMS_RIGHTONCE, 8);
+    Make(FMS_RIGHTONCE | FMS_OWNERDRAW, 8);
     parent.Clear();
     // Item -1: no pick, a look at another left item.
     struct Row { bool leftSide; int item, linkedLeft, link; } rows[] = {
@@ -98,12 +98,16 @@ TEST_F(FieldMapperTest, PicksLinkAndUnlink)
         if (row.item >= 0) Pick(row.leftSide ? left : right, row.item);
         EXPECT_EQ(row.link, LinkOf(row.linkedLeft)) << row.leftSide << " " << row.item;
     }
-    int fromLeft = 0, fromRight = 0;
-    for (const Message &m : (parent.Pump(), parent.Take()))
+    int fromLeft = 0, fromRight = 0, drawnLeft = 0, drawnRight = 0;  // the lists' items, drawn by the parent
+    for (const Message &m : (parent.Pump(), parent.Take())) {
         if (m.message == WM_COMMAND && m.wParam == MAKEWPARAM(ID, LBN_SELCHANGE))
             fromLeft += m.lParam == LPARAM(left), fromRight += m.lParam == LPARAM(right);
+        if (m.message == WM_DRAWITEM)
+            drawnLeft += m.wParam == 1, drawnRight += m.wParam == 2;
+    }
     EXPECT_EQ(5, fromLeft);
     EXPECT_EQ(3, fromRight);
+    EXPECT_TRUE(drawnLeft && drawnRight);
 }
 
 // The line leaves the left item's middle and reaches the right item's; a
