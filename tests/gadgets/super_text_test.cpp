@@ -134,7 +134,7 @@ TEST_F(SuperTextTest, MonkeyHostile)
     SendMessageA(g, WM_VSCROLL, SB_LINEDOWN, 0), UpdateWindow(g), DestroyWindow(g);
     long before = GdiObjectsInUse();
     destroyOneIn = 12;
-    for (int i = 0; i < MonkeySteps(1000, 100); ++i) {
+    for (int i = 0; i < MonkeySteps(700, 70); ++i) {
         if (!IsWindow(g)) g = parent.CreateChild("SuperText", ID, random() % 2 ? WS_VSCROLL : 0, 0, 0, W, H);
         int n = int(random() % 70000);
         switch (random() % 8) {
