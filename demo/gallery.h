@@ -36,3 +36,6 @@ bool AttachNotificationLog(HWND page);
 HWND BuildPageLayoutPage(HWND host);
 // The FreeTime page (gallery_free_time.cpp).
 HWND BuildFreeTimePage(HWND host);
+// The mapping and canvas gadgets' pages (gallery_mapper.cpp).
+HWND BuildFieldMapperPage(HWND host);
+HWND BuildSuperTextPage(HWND host);

@@ -668,6 +668,8 @@ const GalleryPage kGalleryPages[] = {
     {"stop_watch", "StopWatch", BuildStopWatchPage},
     {"page", "Page", BuildPageLayoutPage},
     {"free_time", "FreeTime", BuildFreeTimePage},
+    {"field_mapper", "FieldMapper", BuildFieldMapperPage},
+    {"super_text", "SuperText", BuildSuperTextPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

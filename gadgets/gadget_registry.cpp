@@ -12,6 +12,8 @@ LRESULT CALLBACK PageWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
 // The window procedures of the gadgets in the table.
 LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK GadDVListForwarder(HWND, UINT, WPARAM, LPARAM);
+extern "C" LRESULT CALLBACK GadFMWndProc(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK SuperTextWndProc(HWND, UINT, WPARAM, LPARAM);
 
 namespace {
 
@@ -25,6 +27,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"GasGauge", 0x6003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, GasGaugeWndProc},
+    {"FieldMapper", 0x4003, IDC_ARROW, GB_None, 0, GadFMWndProc},
     {"FreeTime", 0x6003, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1, FreeTimeForwarder},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
@@ -33,6 +36,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"TimeSetter", 0x6003, IDC_ARROW, GB_SolidBrush, 0x818100, GadTSWndProc},
     {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
      TumblerWndProc},
+    {"SuperText", 0x4003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, SuperTextWndProc},
     {nullptr, 0, nullptr, GB_None, 0, nullptr},
 };
 

@@ -2476,6 +2476,64 @@ QZAPI HBITMAP WINAPI CreateMask(HDC dc, HBITMAP image, COLORREF transparent);
 QZAPI LRESULT WINAPI GadFTWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /** @} */
 
+/* ------------------------------------------------------------------ */
+/* Time gadgets: FieldMapper, links drawn between two lists            */
+/* ------------------------------------------------------------------ */
+/** @defgroup field_mapper FieldMapper gadget
+ *  @{ */
+/** Style: each right item may be linked once, over all left items. Wins
+ *  over FMS_LEFTONCE. */
+#define FMS_RIGHTONCE 0x02
+/** Style: each left item may carry one link; right items may be shared. */
+#define FMS_LEFTONCE  0x04
+/** Style: both lists are owner-drawn with a fixed height
+ *  (LBS_OWNERDRAWFIXED); their WM_MEASUREITEM and WM_DRAWITEM reach the
+ *  parent with the list's id (1 left, 2 right) as wParam. */
+#define FMS_OWNERDRAW 0x08
+/** Result: the left list's window, which the host fills itself. */
+#define FMM_GETLEFTLIST  0x401
+/** Result: the right list's window. */
+#define FMM_GETRIGHTLIST 0x402
+/** Adds (wParam 1) or removes (wParam 0) the link from the left item in
+ *  lParam's low word to the right item in its high word, under the style's
+ *  rule. Result 1 when done, and also when the rule refuses the link (then
+ *  nothing changes); -1 when adding a link already there or removing one
+ *  that is not. A left index from 100 or a right index above 255 records
+ *  RV_BadParms and answers -1. An item keeps only its newest link. */
+#define FMM_LINK         0x403
+/** wParam: left index. Result: its link count, 0 with none, -1 for an
+ *  index above 100. */
+#define FMM_GETLINKCOUNT 0x404
+/** wParam: left index; lParam: a byte buffer that receives the right
+ *  indexes. Result: their count, or -1 with none or an index above 100. */
+#define FMM_GETLINKS     0x405
+/** Removes every link and both picks, and repaints. Result 0. */
+#define FMM_CLEAR        0x408
+/** Notification (WM_COMMAND, high word of wParam): painting failed; the
+ *  error state has the reason. The lists' own notifications come under
+ *  their codes, with the list's window in lParam. */
+#define FMN_ERROR        100
+/** The FieldMapper class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
+QZAPI LRESULT WINAPI GadFMWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** @} */
+
+/* ------------------------------------------------------------------ */
+/* Time gadgets: SuperText, a canvas the parent measures and draws      */
+/* ------------------------------------------------------------------ */
+/** @defgroup super_text SuperText gadget
+ *  @{ */
+/** Hides both scroll bars and asks the parent the content's size again
+ *  (WM_MEASUREITEM, wParam 0, the gadget's font selected in the DC of the
+ *  record's item slot; on 64-bit the DC also stands whole in itemData),
+ *  showing a bar with the range of whatever does not fit; both positions
+ *  return to 0. lParam's low word: repaint. Result 0. The parent paints
+ *  through WM_DRAWITEM (wParam 0), the content's rectangle offset by the
+ *  scroll positions, and gives the background brush through
+ *  WM_CTLCOLORSTATIC. */
+#define STM_REMEASURE 0x400
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif
