@@ -1,0 +1,264 @@
+// Waffle: cells and rows read back in write order, the fill and put rules,
+// rows inserted and deleted, the text limit, the keys across the grid's
+// edges, notifications, a grid without columns, the heads (when "QzCombo"
+// is registered), and a monkey checked against a plain model.
+#include "qz_test.h"
+#include "window_harness.h"
+#include <map>
+#include <random>
+#include <string>
+
+namespace {
+
+const int ID = 61, COLS = 3, ROWS = 4;
+
+class WaffleTest : public GadgetTest {
+protected:
+    RecordingParent parent{400, 300};
+    HWND w = nullptr, edit = nullptr;
+    void SetUp() override
+    {
+        GadgetTest::SetUp();
+        w = parent.CreateChild("Waffle", ID, WFS_NOSNAP, 0, 0, 300, 200);
+        ASSERT_TRUE(w != nullptr);
+        edit = GetDlgItem(w, 30001);
+        for (DWORD id = 1; id <= COLS; ++id)
+            AddColumn(id, id == 2 ? 0xFFFFFFFF : 8, id == 1);
+        Send(WFM_SETROWCOUNT, ROWS);
+        OSErrorClearError();
+        parent.Clear();
+    }
+    void TearDown() override { DestroyWindow(w), GadgetTest::TearDown(); }
+    LRESULT Send(UINT m, WPARAM wp = 0, const void *lp = nullptr)
+    {
+        return SendMessageA(w, m, wp, reinterpret_cast<LPARAM>(lp));
+    }
+    void AddColumn(DWORD id, DWORD width, bool list)
+    {
+        DWORD host[5] = {id, width, list, 0, 0};
+        Send(WFM_ADDCOLUMN, 0, host);
+    }
+    std::string Cell(DWORD index)
+    {
+        char text[128] = "junk";
+        Send(WFM_GETCELL, index, text);
+        return text;
+    }
+    // A row's or column's strings as "a|b|" (each NUL shown as '|').
+    std::string Line(UINT sizeMsg, UINT getMsg, DWORD line)
+    {
+        std::string buffer(Send(sizeMsg, line) + 8, '#');
+        Send(getMsg, line, &buffer[0]);
+        buffer.resize(Send(sizeMsg, line));
+        for (char &c : buffer) c = c ? c : '|';
+        return buffer;
+    }
+    DWORD Current() { return static_cast<DWORD>(Send(WFM_GETCURRENTCELL)); }
+};
+
+TEST_F(WaffleTest, RowsAndColumnsComeInWriteOrderAndOverwritesKeepTheirPlace)
+{
+    for (auto [index, text] : {std::pair<DWORD, const char *>{7, "g"}, {4, "d"}, {1, "a"}, {3, "c"}, {5, "e"}})
+        EXPECT_EQ(1, Send(WFM_SETCELL, index, text));
+    EXPECT_EQ(1, Send(WFM_SETCELL, 4, "dd"));
+    EXPECT_EQ("dd|c|e||", Line(WFM_GETROWSIZE, WFM_GETROW, 1));
+    EXPECT_EQ("g|dd|a||", Line(WFM_GETCOLUMNSIZE, WFM_GETCOLUMN, 1));
+    EXPECT_EQ("|", Line(WFM_GETROWSIZE, WFM_GETROW, 3));
+    EXPECT_EQ(2, Send(WFM_GETLASTROW));
+    EXPECT_EQ(1, Send(WFM_SETCELL, 3, ""));  // emptied, still listed
+    EXPECT_EQ("dd||e||", Line(WFM_GETROWSIZE, WFM_GETROW, 1));
+    EXPECT_EQ("", Cell(8));
+}
+
+TEST_F(WaffleTest, TextLengthLimitWalked)
+{
+    struct Row { int length; LRESULT result; } rows[] = {{0, 1}, {126, 1}, {127, 1}, {128, -1}, {300, -1}};
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.length);
+        Send(WFM_SETCELL, 2, "old");
+        OSErrorClearError();
+        std::string text(row.length, 'x');
+        EXPECT_EQ(row.result, Send(WFM_SETCELL, 2, text.c_str()));
+        EXPECT_EQ(row.result == 1 ? RV_Success : RV_Failure, OSErrorGetErrorValue());
+        EXPECT_EQ(row.result == 1 ? text : "old", Cell(2));
+    }
+}
+
+TEST_F(WaffleTest, FillHoldsRowsForShortOrBlankStringsAndPutDoesNot)
+{
+    const char list[] = "ab\0x\0 b\0cd\0";
+    for (DWORD i : {1u, 4u, 7u, 10u}) Send(WFM_SETCELL, i, "was");
+    EXPECT_EQ(1, Send(WFM_FILLCOLUMN, 1, list));
+    EXPECT_EQ("ab|was|was|cd||", Line(WFM_GETCOLUMNSIZE, WFM_GETCOLUMN, 1));
+    EXPECT_EQ(1, Send(WFM_PUTCOLUMN, 1, list));
+    EXPECT_EQ("ab|x| b|cd||", Line(WFM_GETCOLUMNSIZE, WFM_GETCOLUMN, 1));
+}
+
+TEST_F(WaffleTest, InsertAndDeleteRowRenumberTheCells)
+{
+    Send(WFM_GOTOCELL, 5);  // the edit's empty text goes to cell 0 as it leaves
+    for (DWORD i : {0u, 4u, 8u, 9u}) Send(WFM_SETCELL, i, std::to_string(i).c_str());
+    EXPECT_EQ(0, Send(WFM_INSERTROW));
+    EXPECT_EQ(3u, Current());
+    EXPECT_EQ("0|", Cell(0) + "|" + Cell(4));
+    EXPECT_EQ("4 8", Cell(7) + " " + Cell(11));
+    EXPECT_EQ("9", Cell(12));
+    EXPECT_EQ(0, GetWindowTextLengthA(edit));
+    Send(WFM_GOTOCELL, 10);  // row 3
+    EXPECT_EQ(0, Send(WFM_DELETEROW));
+    EXPECT_EQ("0|4|9", Cell(0) + "|" + Cell(7) + "|" + Cell(9));
+    EXPECT_EQ("", Cell(11));
+    char text[128];
+    GetWindowTextA(edit, text, 128);
+    EXPECT_STREQ("", text);  // cell 10 is now empty
+}
+
+// Each row: the cell the edit starts in, its text, the key, Shift, and the
+// cell it ends in (3 columns x 4 rows, the last cell 11).
+TEST_F(WaffleTest, KeysMoveTheEditAcrossCellRowAndColumnEdges)
+{
+    struct Row { DWORD from; const char *text; int caret; UINT key; bool shift; DWORD to; } rows[] = {
+        {4, "", 0, VK_UP, false, 1},     {1, "", 0, VK_UP, false, 1},     {10, "", 0, VK_DOWN, false, 10},
+        {7, "", 0, VK_DOWN, false, 10},  {3, "", 0, VK_LEFT, false, 2},   {0, "", 0, VK_LEFT, false, 2},
+        {3, "ab", 1, VK_LEFT, false, 3}, {5, "", 0, VK_RIGHT, false, 6},  {11, "", 0, VK_RIGHT, false, 9},
+        {5, "ab", 2, VK_RIGHT, false, 6}, {5, "ab", 1, VK_RIGHT, false, 5}, {4, "", 0, VK_END, true, 11},
+        {4, "", 0, VK_HOME, true, 0},    {4, "", 0, VK_END, false, 4},    {1, "", 0, VK_NEXT, false, 10},
+        {10, "", 0, VK_PRIOR, false, 1},
+    };
+    BYTE keys[256];
+    for (const Row &row : rows) {
+        SCOPED_TRACE(testing::Message() << row.from << " key " << row.key << " shift " << row.shift);
+        Send(WFM_PUTCELL, row.from, "");
+        Send(WFM_GOTOCELL, row.from);
+        Send(WFM_PUTCELL, row.from, row.text);  // the edit's text, all selected
+        SendMessageA(edit, EM_SETSEL, row.caret, row.caret);
+        GetKeyboardState(keys);
+        keys[VK_SHIFT] = row.shift ? 0x80 : 0;
+        SetKeyboardState(keys);
+        SendMessageA(edit, WM_KEYDOWN, row.key, 0);
+        keys[VK_SHIFT] = 0;
+        SetKeyboardState(keys);
+        EXPECT_EQ(row.to, Current());
+    }
+}
+
+TEST_F(WaffleTest, NotificationsOfMovesAndSetters)
+{
+    const WPARAM changed = MAKEWPARAM(ID, WFN_CELLCHANGED);
+    const Message one[] = {{WM_COMMAND, sent | wparam | lparam_is_child, changed, 0}, {0, 0, 0, 0}};
+    const Message none[] = {{0, 0, 0, 0}};
+    struct Row { const char *what; std::function<void()> act; const Message *seq; } rows[] = {
+        {"goto", [&] { Send(WFM_GOTOCELL, 5); }, one},
+        {"key down", [&] { SendMessageA(edit, WM_KEYDOWN, VK_DOWN, 0); }, one},
+        {"insert row", [&] { Send(WFM_INSERTROW); }, one},
+        {"set and put", [&] { Send(WFM_SETCELL, 1, "a"), Send(WFM_PUTCELL, 2, "b"); }, none},
+        {"tab and double click", [&] { SendMessageA(edit, WM_CHAR, '\t', 0);
+                                       SendMessageA(edit, WM_LBUTTONDBLCLK, 0, 0); }, none},
+    };
+    for (const Row &row : rows) {
+        row.act();
+        EXPECT_SEQUENCE(parent, row.seq, row.what);
+    }
+}
+
+TEST_F(WaffleTest, HostileParentDestroysTheGadgetInItsNotification)
+{
+    parent.Answer([&](HWND, UINT m, WPARAM, LPARAM, bool *) {
+        if (m == WM_COMMAND) DestroyWindow(w);
+        return LRESULT(0);
+    });
+    SendMessageA(edit, WM_KEYDOWN, VK_DOWN, 0);
+    EXPECT_FALSE(IsWindow(w));
+}
+
+TEST_F(WaffleTest, WithoutColumnsNothingDividesAndPaintingIsHarmless)
+{
+    HWND bare = parent.CreateChild("Waffle", ID + 1, 0, 0, 0, 200, 100);
+    ASSERT_TRUE(bare != nullptr);
+    SendMessageA(bare, WFM_SETCELL, 5, reinterpret_cast<LPARAM>("x"));
+    for (UINT m : {WFM_GETCURRENTROW, WFM_GETCURRENTCOLUMN, WFM_GETLASTROW, WFM_INSERTROW, WFM_DELETEROW}) {
+        OSErrorClearError();
+        EXPECT_EQ(0, SendMessageA(bare, m, 0, 0)) << MessageName(m);
+        EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
+    }
+    EXPECT_EQ(-1, SendMessageA(bare, WFM_GOTOCELL, 3, 0));
+    EXPECT_TRUE(Readback::Of(bare).Valid());
+    Send(WFM_SETROWCOUNT, 0);  // columns but no rows
+    EXPECT_EQ(1, Send(WFM_GOTOCELL, 4));
+    EXPECT_TRUE(Readback::Of(w).Valid());
+    DestroyWindow(bare);
+}
+
+// Heads are "QzCombo" windows: these need that class.
+TEST_F(WaffleTest, HeadsDropListsAndDatesIntoTheCell)
+{
+    WNDCLASSA info;
+    if (!GetClassInfoA(GetModuleHandleA("qziso32.dll"), "QzCombo", &info))
+        GTEST_SKIP() << "no QzCombo class";
+    HWND head = reinterpret_cast<HWND>(Send(WFM_GETHEAD, 1));
+    ASSERT_TRUE(IsWindow(head));
+    for (const char *s : {"apple", "pear", "plum"}) EXPECT_GE(Send(WFM_ADDLISTSTRING, 1, s), 0);
+    Send(WFM_PUTCELL, 3, "pear");
+    Send(WFM_GOTOCELL, 3);
+    HWND list = reinterpret_cast<HWND>(SendMessageA(head, 0x403, 0, 0));
+    ASSERT_TRUE(IsWindow(list));
+    SendMessageA(list, LB_SETCURSEL, 2, 0);
+    SendMessageA(w, WM_COMMAND, MAKEWPARAM(1, LBN_SELCHANGE), reinterpret_cast<LPARAM>(head));
+    Send(WFM_GOTOCELL, 6);
+    EXPECT_EQ("plum", Cell(3));
+    EXPECT_EQ(-1, Send(WFM_SETCOLUMNTYPE, 2, reinterpret_cast<void *>(4)));
+    HWND dateHead = reinterpret_cast<HWND>(Send(WFM_GETHEAD, 3));
+    HWND calendar = reinterpret_cast<HWND>(SendMessageA(dateHead, 0x403, 0, 0));
+    ASSERT_TRUE(IsWindow(calendar));
+    DateTimeValue day = MakeDate(2024, 2, 29);
+    SendMessageA(calendar, DTKM_SETDATE, 0, reinterpret_cast<LPARAM>(&day));
+    Send(WFM_GOTOCELL, 5);
+    SendMessageA(w, WM_COMMAND, MAKEWPARAM(3, 200), reinterpret_cast<LPARAM>(dateHead));
+    Send(WFM_GOTOCELL, 0);
+    char expected[128];
+    OSDateTimeToString(&day, expected, nullptr, DTS_SHORTDATE, 128);
+    EXPECT_EQ(expected, Cell(5));
+}
+
+TEST_F(WaffleTest, MonkeyKeepsTheCellsOfAPlainModelAndLeaksNothing)
+{
+    std::mt19937 rng(25);
+    std::map<DWORD, std::string> model;
+    const UINT keys[] = {VK_UP, VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR, VK_NEXT, VK_HOME, VK_END};
+    auto pick = [&](int n) { return static_cast<int>(rng() % n); };
+    auto run = [&](int steps) {
+    for (int step = 0; step < steps; ++step) {
+        DWORD current = Current(), cell = pick(COLS * ROWS);
+        std::string text(pick(4) ? pick(6) : 0, char('a' + pick(26)));
+        int op = pick(8);
+        switch (op) {
+        case 0: Send(WFM_PUTCELL, cell, text.c_str()), model[cell] = text; break;
+        case 1: if (cell != current) Send(WFM_SETCELL, cell, text.c_str()), model[cell] = text; break;
+        case 2: SendMessageA(edit, WM_KEYDOWN, keys[pick(8)], 0); break;
+        case 3: Click(w, pick(320) - 10, pick(220) - 10); break;
+        case 4: Drag(w, {pick(300), pick(200)}, {pick(300), pick(200)}, 2); break;
+        case 5: SetWindowPos(w, nullptr, 0, 0, pick(320), pick(240), SWP_NOMOVE | SWP_NOZORDER); break;
+        case 6: Send(WM_VSCROLL, MAKEWPARAM(pick(9), pick(20))); break;
+        case 7: {
+            bool insert = pick(2);
+            DWORD row = current / COLS;
+            Send(insert ? WFM_INSERTROW : WFM_DELETEROW);
+            std::map<DWORD, std::string> moved;
+            for (auto &[i, t] : model)
+                if (i / COLS < row) moved[i] = t;
+                else if (insert) moved[i + COLS] = t;
+                else if (i / COLS > row) moved[i - COLS] = t;
+            model.swap(moved);
+        }
+        }
+    }
+    };
+    run(100);  // the system makes some objects on first use
+    long gdiBefore = GdiObjectsInUse();
+    run(MonkeySteps(1500, 150));
+    EXPECT_EQ(gdiBefore, GdiObjectsInUse());
+    for (DWORD i = 0; i < COLS * (ROWS + 40); ++i)
+        ASSERT_EQ(model.count(i) ? model[i] : "", Cell(i)) << "cell " << i;
+}
+
+}  // namespace
