@@ -318,6 +318,45 @@ void WaffleOnSize(HWND window, WaffleRecord *r)
     WaffleLayout(window, r);
 }
 
+// The text of each stored cell whose rectangle meets the area painted.
+// Cells never overlap, so the visible rows are looked up by index rather
+// than every stored cell tested: the cost follows the rows shown, not the
+// cells stored. False when the column edges cannot be kept.
+static bool PaintCells(HWND window, const WaffleRecord *r, HDC dc, const RECT &area)
+{
+    LONG *edges = static_cast<LONG *>(LocalAlloc(LPTR, r->columnCount * 2 * sizeof(LONG)));
+    if (!edges) {
+        OSErrorSetErrorInfo(RV_OutOfLocalMemory, static_cast<DWORD>(r->columnCount * 2 * sizeof(LONG)));
+        return false;
+    }
+    for (DWORD c = 0; c < r->columnCount; ++c)
+        WaffleColumnSpan(window, r, c, true, &edges[2 * c], &edges[2 * c + 1]);
+    LONG rowHeight = static_cast<LONG>(r->rowHeight);
+    LONGLONG position = WaffleScrollPos(r);
+    LONGLONG firstRow = area.top / rowHeight - 1 + position;
+    LONGLONG lastRow = area.bottom / rowHeight + position;
+    if (firstRow < 0)
+        firstRow = 0;
+    LONGLONG rows = LONGLONG(0xFFFFFFFFu) / r->columnCount;
+    for (LONGLONG row = firstRow; row <= lastRow && row <= rows; ++row) {
+        LONGLONG top = (row + WaffleHeadRows(r) - position) * rowHeight;
+        for (DWORD c = 0; c < r->columnCount; ++c) {
+            LONGLONG index = row * r->columnCount + c;
+            if (index > 0xFFFFFFFFLL)
+                break;
+            LONG place = WaffleFindCell(r, static_cast<DWORD>(index));
+            RECT cell = {edges[2 * c], static_cast<LONG>(top), edges[2 * c + 1], static_cast<LONG>(top + rowHeight)};
+            RECT seen;
+            if (place < 0 || !IntersectRect(&seen, &cell, &area))
+                continue;
+            cell.left += 3;
+            DrawTextA(dc, r->cells[place].text, -1, &cell, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+        }
+    }
+    LocalFree(edges);
+    return true;
+}
+
 void WaffleOnPaint(HWND window, WaffleRecord *r)
 {
     PAINTSTRUCT ps;
@@ -352,13 +391,12 @@ void WaffleOnPaint(HWND window, WaffleRecord *r)
     if (r->focusShown && r->columnCount)
         DrawFrame(window, r, dc);
     SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-    for (DWORD i = 0; r->columnCount && i < r->cellCount; ++i) {
-        RECT cell = WaffleCellRect(window, r, r->cells[i].index, true);
-        RECT seen;
-        if (!IntersectRect(&seen, &cell, &ps.rcPaint))
-            continue;
-        cell.left += 3;
-        DrawTextA(dc, r->cells[i].text, -1, &cell, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    if (r->columnCount && r->cellCount && !PaintCells(window, r, dc, ps.rcPaint)) {
+        if (earlierFont)
+            SelectObject(dc, earlierFont);
+        EndPaint(window, &ps);
+        WaffleNotifyError(window, r);
+        return;
     }
     if (earlierFont)
         SelectObject(dc, earlierFont);
