@@ -266,9 +266,12 @@ bool IsHeadOrInside(const WaffleRecord *r, HWND focus)
 
 // The frame shows while the edit or a head has the focus; a focus that
 // left the gadget takes the edit's text into the current cell.
-void FocusUpdate(HWND window, WaffleRecord *r)
+void FocusUpdate(HWND window, WaffleRecord *r, bool leaving)
 {
+    // While the edit reports losing the focus it may still hold it.
     HWND focus = GetFocus();
+    if (leaving && focus == r->edit)
+        focus = nullptr;
     bool shown = focus && (focus == r->edit || IsHeadOrInside(r, focus));
     if (!shown && focus != window && !IsChild(window, focus))
         CommitEdit(r);
@@ -349,12 +352,12 @@ void OnCommand(HWND window, WaffleRecord *r, WPARAM wParam, LPARAM lParam)
     WORD id = LOWORD(wParam), code = HIWORD(wParam);
     if (id == kWaffleEditId) {
         if (code == EN_SETFOCUS || code == EN_KILLFOCUS)
-            FocusUpdate(window, r);
+            FocusUpdate(window, r, code == EN_KILLFOCUS);
         return;
     }
     if (id == kWaffleHeadId) {
         if (code == 4 || code == 5)
-            FocusUpdate(window, r);
+            FocusUpdate(window, r, false);
         else if (code == kWaffleError)
             WaffleNotifyError(window, r);
         else if (code == 200)
@@ -366,7 +369,7 @@ void OnCommand(HWND window, WaffleRecord *r, WPARAM wParam, LPARAM lParam)
         if ((r->columns[c].id & 0xFF) != id || !r->columns[c].head)
             continue;
         if (code == 4 || code == 5)
-            FocusUpdate(window, r);
+            FocusUpdate(window, r, false);
         else
             OnColumnCommand(r, r->columns[c], code);
         return;

@@ -136,7 +136,14 @@ bool WaffleToggleFrame(HWND window, WaffleRecord *r)
         OSErrorSetErrorInfo(RV_GDIError, "GetDC");
         return false;
     }
+    // Where a paint is pending the paint draws the frame: an inversion
+    // drawn there now as well would cancel it.
+    HRGN pending = CreateRectRgn(0, 0, 0, 0);
+    if (pending && GetUpdateRgn(window, pending, FALSE) > NULLREGION)
+        ExtSelectClipRgn(dc, pending, RGN_DIFF);
     DrawFrame(window, r, dc);
+    if (pending)
+        DeleteObject(pending);
     ReleaseDC(window, dc);
     return true;
 }

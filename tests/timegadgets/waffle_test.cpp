@@ -54,6 +54,21 @@ protected:
         return buffer;
     }
     DWORD Current() { return static_cast<DWORD>(Send(WFM_GETCURRENTCELL)); }
+    TEXTMETRICA Metrics()
+    {
+        TEXTMETRICA tm;
+        HDC dc = GetDC(w);
+        GetTextMetricsA(dc, &tm);
+        ReleaseDC(w, dc);
+        return tm;
+    }
+    static RECT EditRect(HWND g)
+    {
+        RECT e;
+        GetWindowRect(GetDlgItem(g, 30001), &e);
+        MapWindowPoints(nullptr, g, reinterpret_cast<POINT *>(&e), 2);
+        return e;
+    }
 };
 
 TEST_F(WaffleTest, RowsAndColumnsComeInWriteOrderAndOverwritesKeepTheirPlace)
@@ -187,6 +202,63 @@ TEST_F(WaffleTest, WithoutColumnsNothingDividesAndPaintingIsHarmless)
     EXPECT_EQ(1, Send(WFM_GOTOCELL, 4));
     EXPECT_TRUE(Readback::Of(w).Valid());
     DestroyWindow(bare);
+}
+
+// Free width = client less the fixed columns; three sharing columns split
+// it, the first Free mod 3 one pixel wider. The edit sits 3 pixels in.
+TEST_F(WaffleTest, SharedWidthsSplitTheRestWithTheOddPixelsFirst)
+{
+    const LONG cw = Metrics().tmAveCharWidth;
+    for (int width : {300, 301, 302}) {
+        HWND g = parent.CreateChild("Waffle", ID + 1, WFS_NOSNAP, 0, 0, width, 60);
+        for (DWORD c = 1; c <= 4; ++c) {
+            DWORD host[5] = {c, c == 1 ? 5u : 0xFFFFFFFF, 0, 0, 0};
+            SendMessageA(g, WFM_ADDCOLUMN, 0, reinterpret_cast<LPARAM>(host));
+        }
+        SendMessageA(g, WFM_SETROWCOUNT, 1, 0);
+        LONG free = width - 5 * cw, left = 5 * cw;
+        for (int c = 1; c <= 3; ++c) {
+            SendMessageA(g, WFM_GOTOCELL, c, 0);
+            EXPECT_EQ(left + 3, EditRect(g).left) << "width " << width << " column " << c;
+            left += free / 3 + (c - 1 < free % 3 ? 1 : 0);
+        }
+        DestroyWindow(g);
+    }
+}
+
+// A height of whole rows stays; another is cut to whole rows plus 4, and
+// that height then stays.
+TEST_F(WaffleTest, HeightSnapsToWholeRowsOnce)
+{
+    const LONG rh = Metrics().tmHeight + Metrics().tmInternalLeading + 5;
+    HWND g = parent.CreateChild("Waffle", ID + 1, 0, 0, 0, 200, 4 * rh);
+    struct Row { LONG asked, kept; } rows[] = {
+        {4 * rh, 4 * rh}, {4 * rh + 1, 4 * rh + 4}, {5 * rh - 1, 4 * rh + 4}, {4 * rh + 4, 4 * rh + 4}};
+    for (const Row &row : rows) {
+        SetWindowPos(g, nullptr, 0, 0, 200, row.asked, SWP_NOMOVE | SWP_NOZORDER);
+        RECT c;
+        GetClientRect(g, &c);
+        EXPECT_EQ(row.kept, c.bottom) << "asked " << row.asked;
+    }
+    DestroyWindow(g);
+}
+
+// With the focus the current cell has an inverted frame, which goes when
+// the focus leaves; grid lines are light grey.
+TEST_F(WaffleTest, FrameInvertsAroundTheCellAndGridIsGrey)
+{
+    const LONG rh = Metrics().tmHeight + Metrics().tmInternalLeading + 5;
+    Send(WFM_GOTOCELL, 4);
+    SetFocus(w);
+    RECT e = EditRect(w);
+    const int x = e.left - 2, y = e.top - 2;  // one in from the cell's top left
+    const COLORREF window = GetSysColor(COLOR_WINDOW);
+    Readback shown = Readback::Of(w);
+    EXPECT_EQ(window ^ 0xFFFFFF, shown.At(x, y));
+    EXPECT_EQ(window, shown.At(x + 3, y + 3 + rh / 2));
+    EXPECT_EQ(COLORREF(0xC0C0C0), shown.At(10, 3 * rh));
+    SetFocus(parent.Window());
+    EXPECT_EQ(window, Readback::Of(w).At(x, y));
 }
 
 // Heads are "QzCombo" windows: these need that class.
