@@ -4,6 +4,7 @@
 // is registered), and a monkey checked against a plain model.
 #include "qz_test.h"
 #include "window_harness.h"
+#include "failure_seam.h"
 #include <map>
 #include <random>
 #include <string>
@@ -112,16 +113,16 @@ TEST_F(WaffleTest, FillHoldsRowsForShortOrBlankStringsAndPutDoesNot)
 TEST_F(WaffleTest, InsertAndDeleteRowRenumberTheCells)
 {
     Send(WFM_GOTOCELL, 5);  // the edit's empty text goes to cell 0 as it leaves
-    for (DWORD i : {0u, 4u, 8u, 9u}) Send(WFM_SETCELL, i, std::to_string(i).c_str());
+    for (DWORD i : {0u, 3u, 4u, 8u, 9u}) Send(WFM_SETCELL, i, std::to_string(i).c_str());
     EXPECT_EQ(0, Send(WFM_INSERTROW));
     EXPECT_EQ(3u, Current());
     EXPECT_EQ("0|", Cell(0) + "|" + Cell(4));
-    EXPECT_EQ("4 8", Cell(7) + " " + Cell(11));
+    EXPECT_EQ("3 4 8", Cell(6) + " " + Cell(7) + " " + Cell(11));
     EXPECT_EQ("9", Cell(12));
     EXPECT_EQ(0, GetWindowTextLengthA(edit));
     Send(WFM_GOTOCELL, 10);  // row 3
     EXPECT_EQ(0, Send(WFM_DELETEROW));
-    EXPECT_EQ("0|4|9", Cell(0) + "|" + Cell(7) + "|" + Cell(9));
+    EXPECT_EQ("0|3|4|9", Cell(0) + "|" + Cell(6) + "|" + Cell(7) + "|" + Cell(9));
     EXPECT_EQ("", Cell(11));
     char text[128];
     GetWindowTextA(edit, text, 128);
@@ -259,6 +260,31 @@ TEST_F(WaffleTest, FrameInvertsAroundTheCellAndGridIsGrey)
     EXPECT_EQ(COLORREF(0xC0C0C0), shown.At(10, 3 * rh));
     SetFocus(parent.Window());
     EXPECT_EQ(window, Readback::Of(w).At(x, y));
+}
+
+// Each allocation or GDI object of the creation refused in turn: no gadget,
+// nothing kept. A cell that needs more room keeps the store as it was.
+TEST_F(WaffleTest, RefusedRequestsFailCreationCleanlyAndKeepTheStore)
+{
+    const unsigned kinds = FailureSeam::Memory | FailureSeam::Gdi;
+    auto make = [&] { return parent.CreateChild("Waffle", ID + 1, 0, 0, 0, 100, 100); };
+    unsigned points;
+    { FailureSeam count(kinds, 0); DestroyWindow(make()); points = count.Calls(); }
+    long gdiBefore = GdiObjectsInUse();
+    for (unsigned n = 1; n <= points; ++n) {
+        FailureSeam seam(kinds, n);
+        HWND g = make();
+        EXPECT_EQ(nullptr, g) << "request " << n;
+        DestroyWindow(g);
+    }
+    EXPECT_EQ(gdiBefore, GdiObjectsInUse());
+    for (DWORD i = 0; i < 8; ++i) Send(WFM_SETCELL, 7 - i, "k");  // the first block is full
+    const std::string before = Line(WFM_GETROWSIZE, WFM_GETROW, 1);
+    FailureSeam seam(FailureSeam::Memory, 1);
+    EXPECT_EQ(-1, Send(WFM_SETCELL, 9, "new"));
+    EXPECT_EQ(RV_OutOfLocalMemory, OSErrorGetErrorValue());
+    EXPECT_EQ(before, Line(WFM_GETROWSIZE, WFM_GETROW, 1));
+    EXPECT_EQ(1, Send(WFM_SETCELL, 3, "old"));  // an existing cell needs no room
 }
 
 // Heads are "QzCombo" windows: these need that class.
