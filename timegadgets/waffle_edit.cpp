@@ -1,6 +1,7 @@
 // The Waffle's roving edit: its subclass turns the navigation keys into
 // moves between cells and passes everything else to the edit.
 #include "waffle.h"
+#include "time_gadgets.h"
 #include "../gadgets/gadget_frame.h"
 #include "qziso32.h"
 
@@ -62,9 +63,13 @@ bool OnKey(HWND edit, HWND waffle, WaffleRecord *r, WPARAM key)
 
 extern "C" LRESULT WINAPI GadWEditSubProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam)
 {
+    // Only the edit of a Waffle has a record to go to: the parent's word 0
+    // of any other class means something else.
     HWND waffle = GetParent(edit);
-    WaffleRecord *r = waffle ? WaffleOf(waffle) : nullptr;
-    if (!r || !r->oldEditProc)
+    bool ours = waffle && static_cast<LONG_PTR>(GetClassLongPtrA(waffle, GCLP_WNDPROC)) ==
+                              reinterpret_cast<LONG_PTR>(WaffleWndProc);
+    WaffleRecord *r = ours ? WaffleOf(waffle) : nullptr;
+    if (!r || r->edit != edit || !r->oldEditProc)
         return DefWindowProcA(edit, message, wParam, lParam);
     switch (message) {
     case WM_CHAR:
