@@ -59,16 +59,13 @@ protected:
     {
         TEXTMETRICA tm;
         HDC dc = GetDC(w);
-        GetTextMetricsA(dc, &tm);
-        ReleaseDC(w, dc);
-        return tm;
+        return GetTextMetricsA(dc, &tm), ReleaseDC(w, dc), tm;
     }
-    static RECT EditRect(HWND g)
+    static RECT EditRect(HWND g)  // in the gadget's client
     {
         RECT e;
         GetWindowRect(GetDlgItem(g, 30001), &e);
-        MapWindowPoints(nullptr, g, reinterpret_cast<POINT *>(&e), 2);
-        return e;
+        return MapWindowPoints(nullptr, g, reinterpret_cast<POINT *>(&e), 2), e;
     }
 };
 
@@ -201,6 +198,7 @@ TEST_F(WaffleTest, WithoutColumnsNothingDividesAndPaintingIsHarmless)
     EXPECT_TRUE(Readback::Of(bare).Valid());
     Send(WFM_SETROWCOUNT, 0);  // columns but no rows
     EXPECT_EQ(1, Send(WFM_GOTOCELL, 4));
+    EXPECT_EQ(0xFFFFFFFEu, Current());  // (4 mod 3) - 3 + last + 1, with last = -1
     EXPECT_TRUE(Readback::Of(w).Valid());
     DestroyWindow(bare);
 }
@@ -298,6 +296,9 @@ TEST_F(WaffleTest, HeadsDropListsAndDatesIntoTheCell)
     for (const char *s : {"apple", "pear", "plum"}) EXPECT_GE(Send(WFM_ADDLISTSTRING, 1, s), 0);
     Send(WFM_PUTCELL, 3, "pear");
     Send(WFM_GOTOCELL, 3);
+    PostMessageA(head, 0x405, 0, 0);  // closes the drop-down that Alt Down opens
+    SendMessageA(edit, WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
+    EXPECT_EQ(0, SendMessageA(head, 0x406, 0, 0));
     HWND list = reinterpret_cast<HWND>(SendMessageA(head, 0x403, 0, 0));
     ASSERT_TRUE(IsWindow(list));
     SendMessageA(list, LB_SETCURSEL, 2, 0);
