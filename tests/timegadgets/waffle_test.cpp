@@ -160,6 +160,7 @@ TEST_F(WaffleTest, NotificationsOfMovesAndSetters)
     const WPARAM changed = MAKEWPARAM(ID, WFN_CELLCHANGED);
     const Message one[] = {{WM_COMMAND, sent | wparam | lparam_is_child, changed, 0}, {0, 0, 0, 0}};
     const Message none[] = {{0, 0, 0, 0}};
+    const Message error[] = {{WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, WFN_ERROR), 0}, {0, 0, 0, 0}};
     struct Row { const char *what; std::function<void()> act; const Message *seq; } rows[] = {
         {"goto", [&] { Send(WFM_GOTOCELL, 5); }, one},
         {"key down", [&] { SendMessageA(edit, WM_KEYDOWN, VK_DOWN, 0); }, one},
@@ -167,6 +168,9 @@ TEST_F(WaffleTest, NotificationsOfMovesAndSetters)
         {"set and put", [&] { Send(WFM_SETCELL, 1, "a"), Send(WFM_PUTCELL, 2, "b"); }, none},
         {"tab and double click", [&] { SendMessageA(edit, WM_CHAR, '\t', 0);
                                        SendMessageA(edit, WM_LBUTTONDBLCLK, 0, 0); }, none},
+        {"a head's error", [&] { Send(WM_COMMAND, MAKEWPARAM(30003, 100)); }, error},
+        {"a paint refused its memory", [&] { FailureSeam seam(FailureSeam::Memory, 1);
+                                             InvalidateRect(w, nullptr, TRUE), UpdateWindow(w); }, error},
     };
     for (const Row &row : rows) {
         row.act();
@@ -201,6 +205,24 @@ TEST_F(WaffleTest, WithoutColumnsNothingDividesAndPaintingIsHarmless)
     EXPECT_EQ(0xFFFFFFFEu, Current());  // (4 mod 3) - 3 + last + 1, with last = -1
     EXPECT_TRUE(Readback::Of(w).Valid());
     DestroyWindow(bare);
+}
+
+// A light font is the normal one and a bold copy is made, a heavy one the
+// reverse; the gadget answers with the font given and frees only its copy.
+TEST_F(WaffleTest, FontsGivenAndDerived)
+{
+    for (int weight : {FW_NORMAL, FW_BOLD}) {
+        long before = GdiObjectsInUse();
+        HFONT given = CreateFontA(-13, 0, 0, 0, weight, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+        HWND g = parent.CreateChild("Waffle", ID + 1, 0, 0, 0, 100, 100);
+        SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(given), 0);
+        SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(given), 0);  // the first copy goes
+        EXPECT_EQ(given, reinterpret_cast<HFONT>(SendMessageA(g, WM_GETFONT, 0, 0)));
+        HWND e = GetDlgItem(g, 30001);
+        EXPECT_EQ(weight == FW_NORMAL, given == reinterpret_cast<HFONT>(SendMessageA(e, WM_GETFONT, 0, 0)));
+        DestroyWindow(g), DeleteObject(given);
+        EXPECT_EQ(before, GdiObjectsInUse()) << "weight " << weight;
+    }
 }
 
 // Free width = client less the fixed columns; three sharing columns split
