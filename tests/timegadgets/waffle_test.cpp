@@ -343,7 +343,7 @@ TEST_F(WaffleTest, MonkeyKeepsTheCellsOfAPlainModelAndLeaksNothing)
         for (int step = 0; step < steps; ++step) {
             DWORD current = Current(), cell = pick(COLS * ROWS);
             std::string text(pick(4) ? pick(6) : 0, char('a' + pick(26)));
-            switch (pick(8)) {
+            switch (pick(10)) {
             case 0: Send(WFM_PUTCELL, cell, text.c_str()), model[cell] = text; break;
             case 1: if (cell != current) Send(WFM_SETCELL, cell, text.c_str()), model[cell] = text; break;
             case 2: SendMessageA(edit, WM_KEYDOWN, keys[pick(8)], 0); break;
@@ -351,10 +351,12 @@ TEST_F(WaffleTest, MonkeyKeepsTheCellsOfAPlainModelAndLeaksNothing)
             case 4: Drag(w, {pick(300), pick(200)}, {pick(300), pick(200)}, 2); break;
             case 5: SetWindowPos(w, nullptr, 0, 0, pick(320), pick(240), SWP_NOMOVE | SWP_NOZORDER); break;
             case 6: Send(WM_VSCROLL, MAKEWPARAM(pick(9), pick(20))); break;
+            case 8: Send(WFM_SETROWCOUNT, pick(7)); break;
+            case 9: Send(WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(pick(2) ? SYSTEM_FONT : ANSI_VAR_FONT))); break;
             case 7: {
                 bool insert = pick(2);
-                DWORD row = current / COLS;
                 Send(insert ? WFM_INSERTROW : WFM_DELETEROW);
+                DWORD row = Current() / COLS;  // an insert first moves to the row's start
                 std::map<DWORD, std::string> moved;
                 for (auto &[i, t] : model)
                     if (i / COLS < row) moved[i] = t;
