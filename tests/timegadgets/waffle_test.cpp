@@ -1,7 +1,5 @@
-// Waffle: cells and rows read back in write order, the fill and put rules,
-// rows inserted and deleted, the text limit, the keys across the grid's
-// edges, notifications, a grid without columns, the heads (when "QzCombo"
-// is registered), and a monkey checked against a plain model.
+// Waffle: the cell store, moves and keys, notifications, geometry and
+// paint, refused requests, the heads (with "QzCombo"), and a monkey.
 #include "qz_test.h"
 #include "window_harness.h"
 #include "failure_seam.h"
@@ -79,7 +77,6 @@ TEST_F(WaffleTest, RowsAndColumnsComeInWriteOrderAndOverwritesKeepTheirPlace)
     EXPECT_EQ(2, Send(WFM_GETLASTROW));
     EXPECT_EQ(1, Send(WFM_SETCELL, 3, ""));  // emptied, still listed
     EXPECT_EQ("dd||e||", Line(WFM_GETROWSIZE, WFM_GETROW, 1));
-    EXPECT_EQ("", Cell(8));
 }
 
 TEST_F(WaffleTest, TextLengthLimitWalked)
@@ -119,6 +116,27 @@ TEST_F(WaffleTest, InsertAndDeleteRowRenumberTheCells)
     EXPECT_EQ("0|3|4|9", Cell(0) + "|" + Cell(6) + "|" + Cell(7) + "|" + Cell(9));
     EXPECT_EQ("", Cell(11));
     EXPECT_EQ(0, GetWindowTextLengthA(edit));  // cell 10 is now empty
+}
+
+// A move below 0 folds to N mod columns (a true modulo); past the last cell
+// to (N mod columns) - columns + last + 1. Three rows of 1, 2 and 5 columns.
+TEST_F(WaffleTest, MovesFoldOutOfRangeIndexesForEachColumnCount)
+{
+    struct Row { DWORD columns; LONG wanted; DWORD cell; } rows[] = {
+        {1, -1, 0}, {1, -5, 0}, {1, 3, 2},  {2, -1, 1},  {2, -4, 0},  {2, 6, 4},
+        {2, 9, 5},  {5, -1, 4}, {5, -7, 3}, {5, 15, 10}, {5, 23, 13}, {5, 14, 14},
+    };
+    for (const Row &row : rows) {
+        HWND g = parent.CreateChild("Waffle", ID + 1, 0, 0, 0, 200, 100);
+        for (DWORD c = 0; c < row.columns; ++c) {
+            DWORD host[5] = {c + 1, 4, 0, 0, 0};
+            SendMessageA(g, WFM_ADDCOLUMN, 0, reinterpret_cast<LPARAM>(host));
+        }
+        SendMessageA(g, WFM_SETROWCOUNT, 3, 0);
+        SendMessageA(g, WFM_GOTOCELL, static_cast<WPARAM>(static_cast<DWORD>(row.wanted)), 0);
+        EXPECT_EQ(row.cell, DWORD(SendMessageA(g, WFM_GETCURRENTCELL, 0, 0))) << row.columns << " " << row.wanted;
+        DestroyWindow(g);
+    }
 }
 
 // Each row: the cell the edit starts in, its text, the key, Shift, and the
