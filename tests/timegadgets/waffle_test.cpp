@@ -6,6 +6,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -18,12 +19,9 @@ protected:
     void SetUp() override
     {
         GadgetTest::SetUp();
-        w = parent.CreateChild("Waffle", ID, WFS_NOSNAP, 0, 0, 300, 200);
+        w = Grid(WFS_NOSNAP, 300, 200, {8, 0xFFFFFFFF, 8}, ROWS, ID);
         ASSERT_TRUE(w != nullptr);
         edit = GetDlgItem(w, 30001);
-        for (DWORD id = 1; id <= COLS; ++id)
-            AddColumn(id, id == 2 ? 0xFFFFFFFF : 8, id == 1);
-        Send(WFM_SETROWCOUNT, ROWS);
         OSErrorClearError();
         parent.Clear();
     }
@@ -32,10 +30,15 @@ protected:
     {
         return SendMessageA(w, m, wp, reinterpret_cast<LPARAM>(lp));
     }
-    void AddColumn(DWORD id, DWORD width, bool list)
+    // A grid with a column per width, ids from 1, the first with a list.
+    HWND Grid(DWORD style, int width, int height, const std::vector<DWORD> &widths, DWORD rows, int id = ID + 1)
     {
-        DWORD host[5] = {id, width, list, 0, 0};
-        Send(WFM_ADDCOLUMN, 0, host);
+        HWND g = parent.CreateChild("Waffle", id, style, 0, 0, width, height);
+        for (DWORD c = 0; c < widths.size(); ++c) {
+            DWORD host[5] = {c + 1, widths[c], c == 0, 0, 0};
+            SendMessageA(g, WFM_ADDCOLUMN, 0, reinterpret_cast<LPARAM>(host));
+        }
+        return SendMessageA(g, WFM_SETROWCOUNT, rows, 0), g;
     }
     std::string Cell(DWORD index)
     {
@@ -127,12 +130,7 @@ TEST_F(WaffleTest, MovesFoldOutOfRangeIndexesForEachColumnCount)
         {2, 9, 5},  {5, -1, 4}, {5, -7, 3}, {5, 15, 10}, {5, 23, 13}, {5, 14, 14},
     };
     for (const Row &row : rows) {
-        HWND g = parent.CreateChild("Waffle", ID + 1, 0, 0, 0, 200, 100);
-        for (DWORD c = 0; c < row.columns; ++c) {
-            DWORD host[5] = {c + 1, 4, 0, 0, 0};
-            SendMessageA(g, WFM_ADDCOLUMN, 0, reinterpret_cast<LPARAM>(host));
-        }
-        SendMessageA(g, WFM_SETROWCOUNT, 3, 0);
+        HWND g = Grid(0, 200, 100, std::vector<DWORD>(row.columns, 4), 3);
         SendMessageA(g, WFM_GOTOCELL, static_cast<WPARAM>(static_cast<DWORD>(row.wanted)), 0);
         EXPECT_EQ(row.cell, DWORD(SendMessageA(g, WFM_GETCURRENTCELL, 0, 0))) << row.columns << " " << row.wanted;
         DestroyWindow(g);
@@ -152,19 +150,13 @@ TEST_F(WaffleTest, KeysMoveTheEditAcrossCellRowAndColumnEdges)
         {10, "", 0, VK_PRIOR, false, 1},
     };
     BYTE keys[256];
+    auto shift = [&](bool down) { GetKeyboardState(keys), keys[VK_SHIFT] = down ? 0x80 : 0, SetKeyboardState(keys); };
     for (const Row &row : rows) {
-        SCOPED_TRACE(testing::Message() << row.from << " key " << row.key << " shift " << row.shift);
-        Send(WFM_PUTCELL, row.from, "");
-        Send(WFM_GOTOCELL, row.from);
-        Send(WFM_PUTCELL, row.from, row.text);  // the edit's text, all selected
+        Send(WFM_PUTCELL, row.from, ""), Send(WFM_GOTOCELL, row.from);
+        Send(WFM_PUTCELL, row.from, row.text);  // the edit's text
         SendMessageA(edit, EM_SETSEL, row.caret, row.caret);
-        GetKeyboardState(keys);
-        keys[VK_SHIFT] = row.shift ? 0x80 : 0;
-        SetKeyboardState(keys);
-        SendMessageA(edit, WM_KEYDOWN, row.key, 0);
-        keys[VK_SHIFT] = 0;
-        SetKeyboardState(keys);
-        EXPECT_EQ(row.to, Current());
+        shift(row.shift), SendMessageA(edit, WM_KEYDOWN, row.key, 0), shift(false);
+        EXPECT_EQ(row.to, Current()) << row.from << " key " << row.key << " shift " << row.shift;
     }
 }
 
@@ -241,12 +233,7 @@ TEST_F(WaffleTest, SharedWidthsSplitTheRestWithTheOddPixelsFirst)
 {
     const LONG cw = Metrics().tmAveCharWidth;
     for (int width : {300, 301, 302}) {
-        HWND g = parent.CreateChild("Waffle", ID + 1, WFS_NOSNAP, 0, 0, width, 60);
-        for (DWORD c = 1; c <= 4; ++c) {
-            DWORD host[5] = {c, c == 1 ? 5u : 0xFFFFFFFF, 0, 0, 0};
-            SendMessageA(g, WFM_ADDCOLUMN, 0, reinterpret_cast<LPARAM>(host));
-        }
-        SendMessageA(g, WFM_SETROWCOUNT, 1, 0);
+        HWND g = Grid(WFS_NOSNAP, width, 60, {5, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF}, 1);
         LONG free = width - 5 * cw, left = 5 * cw;
         for (int c = 1; c <= 3; ++c) {
             SendMessageA(g, WFM_GOTOCELL, c, 0);
@@ -303,9 +290,7 @@ TEST_F(WaffleTest, RefusedRequestsFailCreationCleanlyAndKeepTheStore)
     long gdiBefore = GdiObjectsInUse();
     for (unsigned n = 1; n <= points; ++n) {
         FailureSeam seam(kinds, n);
-        HWND g = make();
-        EXPECT_EQ(nullptr, g) << "request " << n;
-        DestroyWindow(g);
+        EXPECT_EQ(nullptr, make()) << "request " << n;  // the parent takes any made
     }
     EXPECT_EQ(gdiBefore, GdiObjectsInUse());
     for (DWORD i = 0; i < 8; ++i) Send(WFM_SETCELL, 7 - i, "k");  // the first block is full
@@ -326,8 +311,7 @@ TEST_F(WaffleTest, HeadsDropListsAndDatesIntoTheCell)
     HWND head = reinterpret_cast<HWND>(Send(WFM_GETHEAD, 1));
     ASSERT_TRUE(IsWindow(head));
     for (const char *s : {"apple", "pear", "plum"}) EXPECT_GE(Send(WFM_ADDLISTSTRING, 1, s), 0);
-    Send(WFM_PUTCELL, 3, "pear");
-    Send(WFM_GOTOCELL, 3);
+    Send(WFM_PUTCELL, 3, "pear"), Send(WFM_GOTOCELL, 3);
     PostMessageA(head, 0x405, 0, 0);  // closes the drop-down that Alt Down opens
     SendMessageA(edit, WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
     EXPECT_EQ(0, SendMessageA(head, 0x406, 0, 0));
