@@ -39,3 +39,5 @@ HWND BuildFreeTimePage(HWND host);
 // The mapping and canvas gadgets' pages (gallery_mapper.cpp).
 HWND BuildFieldMapperPage(HWND host);
 HWND BuildSuperTextPage(HWND host);
+// Pages built in their own units.
+HWND BuildWafflePage(HWND host);

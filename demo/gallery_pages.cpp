@@ -670,6 +670,7 @@ const GalleryPage kGalleryPages[] = {
     {"free_time", "FreeTime", BuildFreeTimePage},
     {"field_mapper", "FieldMapper", BuildFieldMapperPage},
     {"super_text", "SuperText", BuildSuperTextPage},
+    {"waffle", "Waffle", BuildWafflePage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

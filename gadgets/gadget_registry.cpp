@@ -31,6 +31,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"FreeTime", 0x6003, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1, FreeTimeForwarder},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
+    {"Waffle", 0x4003, IDC_IBEAM, GB_SystemColour, COLOR_WINDOW + 1, WaffleWndProc},
     {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},
     {"DateTracker", 0x4003, IDC_ARROW, GB_SolidBrush, 0xC0C0C0, DateTrackerWndProc},
     {"TimeSetter", 0x6003, IDC_ARROW, GB_SolidBrush, 0x818100, GadTSWndProc},

@@ -2314,6 +2314,80 @@ QZAPI LONG WINAPI Tab_GetTabHeight(HWND tabs);
 #define GGM_SETRAISED     0x406
 
 /* ------------------------------------------------------------------ */
+/* Time gadgets: Waffle, a grid of cells with one roving edit          */
+/* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup waffle Waffle gadget
+ *  A grid of named columns over a fixed number of rows. Cell index = row *
+ *  column count + column. Each column head is a "QzCombo" offering a list
+ *  or a date. Add columns before anything that names a row or a column:
+ *  without one those messages record RV_BadParms and change nothing.
+ *  @{ */
+/** Style: the height is not snapped to whole rows. */
+#define WFS_NOSNAP 0x01
+/** wParam: the row count. Resets the scroll range and repaints. Result 1. */
+#define WFM_SETROWCOUNT 0x401
+/** lParam: five DWORDs: id, width in average characters (0xFFFFFFFF shares the free width),
+ *  has-list flag, sort-list flag, more head style bits. Result 1, or -1 with the cause recorded
+ *  (RV_UserError when the head cannot be made: the column is kept without one). */
+#define WFM_ADDCOLUMN 0x402
+/** wParam: cell index; lParam: text of 0 to 127 characters. Result 1, or -1 with RV_Failure for
+ *  a longer text. The edit is not touched. */
+#define WFM_SETCELL 0x403
+/** wParam: column id; lParam: the head's caption. Result 1. */
+#define WFM_SETCOLUMNCAPTION 0x404
+/** wParam: column id; lParam: a text for the head's list. Result: the list's answer, 0 for an
+ *  unknown id. */
+#define WFM_ADDLISTSTRING 0x405
+/** wParam: cell index, folded into the grid. Stores the edit's text, moves the edit, notifies
+ *  WFN_CELLCHANGED. Result 1, or -1. */
+#define WFM_GOTOCELL 0x406
+/** wParam: cell index; lParam: a buffer of 128 for its text ("" if none). Result 1. */
+#define WFM_GETCELL 0x407
+/** Result: the row of the highest stored cell index, 0 with none. */
+#define WFM_GETLASTROW 0x408
+/** wParam: row. Result: the bytes WFM_GETROW writes. */
+#define WFM_GETROWSIZE 0x409
+/** wParam: row; lParam: buffer. The row's texts in the order first written, each with its NUL,
+ *  and one more NUL. */
+#define WFM_GETROW 0x40A
+/** wParam: column index. Result: the bytes WFM_GETCOLUMN writes. */
+#define WFM_GETCOLUMNSIZE 0x40B
+/** wParam: column index; lParam: buffer. As WFM_GETROW for the column. */
+#define WFM_GETCOLUMN 0x40C
+/** wParam: column id. Result: the head's window, or 0. */
+#define WFM_GETHEAD 0x40D
+/** Result: the row of the current cell. */
+#define WFM_GETCURRENTROW 0x40E
+/** Result: the column of the current cell. */
+#define WFM_GETCURRENTCOLUMN 0x40F
+/** Result: the current cell's index. */
+#define WFM_GETCURRENTCELL 0x410
+/** Opens an empty row at the current row, moving it to column 0. Result 0. */
+#define WFM_INSERTROW 0x411
+/** Deletes the current row; later rows move up. Result 0. */
+#define WFM_DELETEROW 0x412
+/** wParam: first cell index; lParam: NUL-ended texts ending with an empty one, one row apart.
+ *  A text of one character or starting with a blank keeps its row unwritten. Result 1. */
+#define WFM_FILLCOLUMN 0x413
+/** As WFM_SETCELL; the edit takes the text first when the index is the current cell. */
+#define WFM_PUTCELL 0x414
+/** As WFM_FILLCOLUMN, writing every text by WFM_PUTCELL. Result 1. */
+#define WFM_PUTCOLUMN 0x415
+/** wParam: column index; lParam low word: 5 a list head, 4 a date head. Result -1. */
+#define WFM_SETCOLUMNTYPE 0x416
+/** Notification: painting, moving a child or a focus step failed, or a head failed. */
+#define WFN_ERROR 100
+/** Notification: after WFM_GOTOCELL. */
+#define WFN_CELLCHANGED 101
+/** The Waffle class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
+QZAPI LRESULT WINAPI GadWWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** The procedure of the Waffle's edit: moves between cells by the navigation keys.
+ *  @return What the message's handling returns. */
+QZAPI LRESULT WINAPI GadWEditSubProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam);
+
+/* ------------------------------------------------------------------ */
 /* Feedback: status boxes, a text and a GasGauge over a disabled       */
 /* parent for a job that polls for Cancel between its steps            */
 /* ------------------------------------------------------------------ */

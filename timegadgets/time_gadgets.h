@@ -10,3 +10,7 @@ LRESULT CALLBACK TimeTrackerWndProc(HWND window, UINT message, WPARAM wParam, LP
 LRESULT CALLBACK GasGaugeWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK StopWatchWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK FreeTimeForwarder(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK WaffleWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// Exported under their own names as well.
+extern "C" LRESULT CALLBACK GadWWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+extern "C" LRESULT CALLBACK GadWEditSubProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam);
