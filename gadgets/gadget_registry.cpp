@@ -11,6 +11,7 @@ LRESULT CALLBACK QzBitmapWndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
 // The window procedures of the gadgets in the table.
 LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK GadDVListForwarder(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK QzListBoxForwarder(HWND, UINT, WPARAM, LPARAM);
 
 namespace {
 
@@ -23,6 +24,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"Zimbo", 0x400B, IDC_ARROW, GB_None, 0, ZimboWndProc},
     {"QzBitmap", 0x6003, IDC_ARROW, GB_None, 0, QzBitmapWndProc},
     {"GasGauge", 0x6003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, GasGaugeWndProc},
+    {"QzListBox", 0x4003, IDC_ARROW, GB_None, 0, QzListBoxForwarder},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
     {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},
@@ -94,6 +96,7 @@ BOOL UndoRegistration(const GadgetClassRow *end)
 {
     for (const GadgetClassRow *row = kGadgetClasses; row != end; ++row)
         UnregisterName(row->name);
+    ccUnregisterClass(reinterpret_cast<HINSTANCE>(g_module.hModule));
     return FALSE;
 }
 
@@ -108,12 +111,15 @@ extern "C" BOOL WINAPI RegisterGadgets(DWORD /*ignored*/)
         for (; row->name; ++row)
             if (!RegisterRow(*row))
                 return FALSE;
-        // The colour controls keep their own copy of the label text; what
-        // counts here is that the string is there.
+        // The colour controls come next; what counts of them is that they
+        // take their label text.
+        ccRegisterClass(reinterpret_cast<HINSTANCE>(g_module.hModule));
         char *label = LoadStringCopy(g_module.hResourceLibrary, kColourLabelString);
-        if (!label)
+        LONG taken = label ? ccSetColorString(label) : -1;
+        if (label)
+            LocalFree(label);
+        if (taken == -1)
             return UndoRegistration(row);
-        LocalFree(label);
     }
     ++g_registrationCount;
     return TRUE;
@@ -128,6 +134,7 @@ extern "C" LONG WINAPI UnRegisterGadgets(void)
     g_registrationCount = 0;
     for (const char *name : kUnregisterOrder)
         UnregisterName(name);
+    ccUnregisterClass(reinterpret_cast<HINSTANCE>(g_module.hModule));
     return 0;
 }
 
