@@ -322,6 +322,12 @@ extern "C" LRESULT CALLBACK GadLBWndProc(HWND hwnd, UINT message, WPARAM wParam,
             GadgetFreeRecord(hwnd, true);
         }
         return 0;
+    case WM_DRAWITEM:
+    case WM_MEASUREITEM:
+        // The inner list measures its items while it is being made.
+        if (record)
+            return ForwardItem(hwnd, message, wParam, lParam);
+        break;
     default:
         break;
     }
@@ -338,9 +344,6 @@ extern "C" LRESULT CALLBACK GadLBWndProc(HWND hwnd, UINT message, WPARAM wParam,
     case WM_SETFONT:
     case WM_GETFONT:
         return SendMessageA(record->listBox, message, wParam, lParam);
-    case WM_DRAWITEM:
-    case WM_MEASUREITEM:
-        return ForwardItem(hwnd, message, wParam, lParam);
     case WM_COMMAND:
         return OnCommand(hwnd, record, wParam, lParam);
     case WM_SETTEXT:
