@@ -31,3 +31,6 @@ bool WritePng(const wchar_t *path, int width, int height, const DWORD *pixels);
 // Live gallery only: puts a log pane under `page` that lists every
 // notification its gadgets send it (class, control id, code by name).
 bool AttachNotificationLog(HWND page);
+
+// The page of the multi-select text list and the colour palette control.
+HWND BuildListBoxPalettePage(HWND host);

@@ -666,6 +666,7 @@ const GalleryPage kGalleryPages[] = {
     {"status_box", "Status box", BuildStatusBoxPage},
     {"film", "Film frames", BuildFilmPage},
     {"stop_watch", "StopWatch", BuildStopWatchPage},
+    {"listbox_palette", "QzListBox and colour palette", BuildListBoxPalettePage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 
