@@ -36,8 +36,7 @@ protected:
     {
         COMBOBOXINFO info = {};
         info.cbSize = sizeof info;
-        GetComboBoxInfo(c, &info);
-        return info.hwndList;
+        return GetComboBoxInfo(c, &info) ? info.hwndList : nullptr;
     }
     // The colours met along a line of the read-back grid, one per run.
     static std::vector<COLORREF> Runs(const Readback &r, int x, int y, int dx, int dy)
@@ -186,13 +185,14 @@ TEST_F(ColourPaletteTest, MonkeyLeavesNothingBehind)
 {
     std::mt19937 random(9);
     long gdi = 0;
+    DWORD user = 0;
     for (int round = 0; round < MonkeySteps(8, 2); ++round) {
         if (round == 1)
-            gdi = GdiObjectsInUse();
+            gdi = GdiObjectsInUse(), user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
         for (int i = 0; i < MonkeySteps(120, 30); ++i) {
             HWND list = List();
             LONG n = static_cast<LONG>(random() % 300) - 20;
-            switch (random() % 8) {
+            switch (random() % 10) {
             case 0: SendMessageA(c, CB_SHOWDROPDOWN, random() % 2, 0); PumpMessages(); break;
             case 1: SendMessageA(c, WM_KEYDOWN, VK_END + random() % 8, 0); break;
             case 2: SendMessageA(c, CCPM_SETINDEX, 0, n); break;
@@ -201,16 +201,16 @@ TEST_F(ColourPaletteTest, MonkeyLeavesNothingBehind)
             case 5: SendMessageA(list, WM_TIMER, 1, 0); break;
             case 6: SendMessageA(c, WM_SYSKEYDOWN, VK_DOWN, 0x20000000); PumpMessages(); break;
             case 7: UpdateWindow(list), UpdateWindow(c); break;
+            case 8: SendMessageA(c, random() % 2 ? CB_ADDSTRING : CB_DELETESTRING, 0, 0); break;
+            case 9: SetWindowTextA(c, "text"), SendMessageA(c, WM_SETFONT, 0, TRUE); break;
             }
             COLORREF colour = 0;
             LRESULT index = Index();
-            ASSERT_EQ(index >= 0 && index < 256 ? 0 : -1, ccPalGetRGB(c, &colour)) << index;
-            if (index >= 0 && index < 256) {
-                ASSERT_EQ(table[index], colour);
-            }
+            bool inTable = index >= 0 && index < 256;
+            ASSERT_EQ(inTable ? 0 : -1, ccPalGetRGB(c, &colour)) << index;
+            ASSERT_TRUE(!inTable || table[index] == colour) << index;
         }
-        bool open = random() % 2;
-        if (open)
+        if (random() % 2)
             SendMessageA(c, CB_SHOWDROPDOWN, TRUE, 0);
         DestroyWindow(c);  // while open, half the time
         PumpMessages();
@@ -219,6 +219,7 @@ TEST_F(ColourPaletteTest, MonkeyLeavesNothingBehind)
     DestroyWindow(c);
     c = nullptr;
     EXPECT_EQ(gdi, GdiObjectsInUse());
+    EXPECT_EQ(user, GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS));
 }
 
 }  // namespace
