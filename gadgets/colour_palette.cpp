@@ -367,9 +367,9 @@ extern "C" LONG WINAPI ccUnregisterClass(HINSTANCE instance)
     if (g_palette.palette)
         DeleteObject(g_palette.palette);
     g_palette.palette = nullptr;
-    if (g_palette.registered)
-        UnregisterClassA(kPaletteClass, instance);
-    g_palette.registered = false;
+    // A class that still has windows stays registered, and so known.
+    if (g_palette.registered && UnregisterClassA(kPaletteClass, instance))
+        g_palette.registered = false;
     if (g_palette.colourString)
         LocalFree(g_palette.colourString);
     g_palette.colourString = nullptr;
