@@ -142,8 +142,7 @@ TEST_F(ColourPaletteTest, DroppedListShowsTheGridFlashesAndAClickChooses)
         ++x;
     while (y < grid.Height() && Runs(grid, 0, y, 1, 0) != favourites)
         ++y;
-    ASSERT_LT(x, grid.Width()) << "no column of the table's colours";
-    ASSERT_LT(y, grid.Height()) << "no row of favourites";
+    ASSERT_TRUE(x < grid.Width() && y < grid.Height()) << "no column of the table, or no favourites' row";
     // The flashing frame inverts round the current cell and back.
     SendMessageA(c, CCPM_SETINDEX, 0, 0);
     Readback before = Readback::Of(list);
@@ -156,10 +155,8 @@ TEST_F(ColourPaletteTest, DroppedListShowsTheGridFlashesAndAClickChooses)
     EXPECT_EQ(0, Readback::Of(list).Differences(before));
     // A click in the column's fourth run chooses colour 1 + 16 * 3.
     int top = 0;
-    for (int run = 0, at = 0; at < grid.Height() && run < 4; ++at)
-        if (grid.At(x, at) == column[run] && (at == 0 || grid.At(x, at - 1) != column[run]))
-            top = at, ++run;
-    parent.Clear();
+    while (top < grid.Height() && grid.At(x, top) != column[3])
+        ++top;
     Click(list, x, top + 2);
     EXPECT_EQ(49, Index());
     PumpMessages();

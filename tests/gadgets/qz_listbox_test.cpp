@@ -78,12 +78,9 @@ TEST_F(QzListBoxTest, SelectionChangesKeepUnknownTokensInPlace)
         EXPECT_EQ(T(s.text), Text()) << s.item;
     }
     parent.SetChild(GetDlgItem(g, 1));
-    static const Message seq[] = {{WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(1, LBN_SELCHANGE), 0},
-                                  {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(1, LBN_SELCHANGE), 0},
-                                  {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(1, LBN_SELCHANGE), 0},
-                                  {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(1, LBN_SELCHANGE), 0},
-                                  {0, 0, 0, 0}};
-    EXPECT_SEQUENCE(parent, seq, "each change reaches the parent as the list sent it");
+    std::vector<Message> seq(4, {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(1, LBN_SELCHANGE), 0});
+    seq.push_back({0, 0, 0, 0});
+    EXPECT_SEQUENCE(parent, seq.data(), "each change reaches the parent as the list sent it");
     // A token differing from an item only in case selects nothing, but at
     // the next change it is found as that (unselected) item and dropped.
     SetWindowTextA(g, T("APPLE|Kiwi").c_str());
