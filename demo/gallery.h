@@ -41,3 +41,5 @@ HWND BuildFieldMapperPage(HWND host);
 HWND BuildSuperTextPage(HWND host);
 // Pages built in their own units.
 HWND BuildWafflePage(HWND host);
+// The page of the multi-select text list and the colour palette control.
+HWND BuildListBoxPalettePage(HWND host);

@@ -671,6 +671,7 @@ const GalleryPage kGalleryPages[] = {
     {"field_mapper", "FieldMapper", BuildFieldMapperPage},
     {"super_text", "SuperText", BuildSuperTextPage},
     {"waffle", "Waffle", BuildWafflePage},
+    {"listbox_palette", "QzListBox and colour palette", BuildListBoxPalettePage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

@@ -14,6 +14,7 @@ LRESULT CALLBACK GadVListWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK GadDVListForwarder(HWND, UINT, WPARAM, LPARAM);
 extern "C" LRESULT CALLBACK GadFMWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK SuperTextWndProc(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK QzListBoxForwarder(HWND, UINT, WPARAM, LPARAM);
 
 namespace {
 
@@ -29,6 +30,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"GasGauge", 0x6003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, GasGaugeWndProc},
     {"FieldMapper", 0x4003, IDC_ARROW, GB_None, 0, GadFMWndProc},
     {"FreeTime", 0x6003, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1, FreeTimeForwarder},
+    {"QzListBox", 0x4003, IDC_ARROW, GB_None, 0, QzListBoxForwarder},
     {"QzVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadVListWndProc},
     {"QzDVListBox", 0x600B, IDC_ARROW, GB_None, 0, GadDVListForwarder},
     {"Waffle", 0x4003, IDC_IBEAM, GB_SystemColour, COLOR_WINDOW + 1, WaffleWndProc},
@@ -102,6 +104,7 @@ BOOL UndoRegistration(const GadgetClassRow *end)
 {
     for (const GadgetClassRow *row = kGadgetClasses; row != end; ++row)
         UnregisterName(row->name);
+    ccUnregisterClass(reinterpret_cast<HINSTANCE>(g_module.hModule));
     return FALSE;
 }
 
@@ -116,12 +119,15 @@ extern "C" BOOL WINAPI RegisterGadgets(DWORD /*ignored*/)
         for (; row->name; ++row)
             if (!RegisterRow(*row))
                 return FALSE;
-        // The colour controls keep their own copy of the label text; what
-        // counts here is that the string is there.
+        // The colour controls come next; what counts of them is that they
+        // take their label text.
+        ccRegisterClass(reinterpret_cast<HINSTANCE>(g_module.hModule));
         char *label = LoadStringCopy(g_module.hResourceLibrary, kColourLabelString);
-        if (!label)
+        LONG taken = label ? ccSetColorString(label) : -1;
+        if (label)
+            LocalFree(label);
+        if (taken == -1)
             return UndoRegistration(row);
-        LocalFree(label);
     }
     ++g_registrationCount;
     return TRUE;
@@ -136,6 +142,7 @@ extern "C" LONG WINAPI UnRegisterGadgets(void)
     g_registrationCount = 0;
     for (const char *name : kUnregisterOrder)
         UnregisterName(name);
+    ccUnregisterClass(reinterpret_cast<HINSTANCE>(g_module.hModule));
     return 0;
 }
 

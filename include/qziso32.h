@@ -2221,6 +2221,54 @@ QZAPI BOOL WINAPI DVListBox_Invalidate(HWND list);
 /** Repaints the row of item `index`.
  *  @return Success; 1 also when the row is off screen. */
 QZAPI BOOL WINAPI DVListBox_InvalidateItem(HWND list, LONG index);
+/** @} */
+/* ------------------------------------------------------------------ */
+/* QzListBox: a multiple-selection list whose window text is the       */
+/* selection joined by the regional list separator (OSGetSeparator).   */
+/* List-box messages (0x180 and above) go to the inner list box.       */
+/* ------------------------------------------------------------------ */
+/** @defgroup qz_listbox Multiple-selection text list (QzListBox)
+ *  @{ */
+#define QLBS_OWNERDRAW      0x0010  /* items drawn by the parent (owner-drawn, with strings) */
+#define QLBN_ERROR          0xFFFE  /* the text and the selection could not be brought together */
+/** The QzListBox class procedure, for a host's own subclass.
+ *  @return What the message's handling returns; -1 for a list-box message without an inner list. */
+QZAPI LRESULT WINAPI GadLBWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** The procedure of the inner list box: posts Escape, Return, Tab and Alt+Up to the gadget too.
+ *  @return What the list box's own procedure returns. */
+QZAPI LRESULT WINAPI GadLBListboxSubProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** @} */
+/* ------------------------------------------------------------------ */
+/* Colour palette controls ("ccpal_popup"): a combo box whose one item */
+/* shows a colour of a fixed table of 256, and whose drop-down list is */
+/* a grid of 16 favourites over the table. Registered by               */
+/* RegisterGadgets. The parent is told of a choice by WM_COMMAND with  */
+/* code CCPN_CHOICE.                                                   */
+/* ------------------------------------------------------------------ */
+/** @defgroup colour_palette Colour palette controls (ccpal_popup)
+ *  @{ */
+#define CCPM_SETINDEX       0x487   /* lParam a colour index: selects it, moves the frame; returns 0 */
+#define CCPM_GETINDEX       0x488   /* the colour index, or -1 unless the list has exactly one item */
+#define CCPM_SETRGB         0x489   /* lParam a COLORREF: as ccPalSetRGB */
+#define CCPM_GETRGB         0x48A   /* lParam the address of a COLORREF: as ccPalGetRGB */
+#define CCPM_CLOSEDROP      0x48B   /* closes the drop-down of the colour control that has the focus */
+#define CCPN_CHOICE         1       /* a colour index was set (by the grid, a key or a message) */
+/** Registers the class "ccpal_popup" for `instance`; a second call does nothing.
+ *  @return 0, or -1 when the class or its layout cannot be made. */
+QZAPI LONG WINAPI ccRegisterClass(HINSTANCE instance);
+/** Unregisters "ccpal_popup" and frees the grid, the palette and the label text.
+ *  @return 0. */
+QZAPI LONG WINAPI ccUnregisterClass(HINSTANCE instance);
+/** Sets the label written before a colour's number in the open grid (copied).
+ *  @return 0, or -1 for a null text or no memory. */
+QZAPI LONG WINAPI ccSetColorString(LPCSTR text);
+/** Selects the table colour nearest to `colour` (sum of the channel differences; the first of
+ *  equal distances; index 0 is never chosen).
+ *  @return What CCPM_SETINDEX returns; -1 for a null window. */
+QZAPI LONG WINAPI ccPalSetRGB(HWND control, COLORREF colour);
+/** The table colour of the control's index.
+ *  @return 0, or -1 unless the list holds exactly one item with an index from 0 to 255. */
+QZAPI LONG WINAPI ccPalGetRGB(HWND control, COLORREF *colour);
 /* Dialog tabs ("DialogTab"): a strip of tabs over a page whose        */
 /* controls are children of the gadget's parent. A tab is a dialog     */
 /* template, or a list of existing controls shown (inclusion) or       */
