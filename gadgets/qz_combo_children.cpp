@@ -95,9 +95,11 @@ void SetChildText(ComboRecord *r, const char *text)
     SendMessageA(r->child, LB_SETCURSEL, index == LB_ERR ? static_cast<WPARAM>(-1) : index, 0);
 }
 
+// A choice closes an open combo when the style asks, though not one the
+// child reports while the combo is still opening (as it takes the focus).
 void CloseOnChoice(HWND gadget, ComboRecord *r)
 {
-    if (r->isOpen && (GetWindowLongA(gadget, GWL_STYLE) & QCS_CLOSEONCHOICE))
+    if (r->isOpen && !r->inShowHide && (GetWindowLongA(gadget, GWL_STYLE) & QCS_CLOSEONCHOICE))
         ComboClose(gadget, r, kCloseOrdinary);
 }
 
