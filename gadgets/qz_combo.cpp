@@ -337,10 +337,11 @@ LRESULT OnPrivate(HWND gadget, ComboRecord *r, UINT message, WPARAM wParam, LPAR
     case QCM_SHOWDROPDOWN:
         if (wParam)
             return ComboOpen(gadget, r);
-        // Only the host's modes are taken from outside; another value
-        // closes as a loss of focus.
-        return ComboClose(gadget, r, lParam == QCC_ORDINARY || lParam == QCC_ANCESTOR ? static_cast<LONG>(lParam)
-                                                                                    : kCloseFocus);
+        // Only the ordinary close is taken as it stands from outside; any
+        // other mode closes as a loss of focus. The ancestors' own close
+        // leaves their subclass to them, so a host asking for it would
+        // leave the subclass behind.
+        return ComboClose(gadget, r, lParam == QCC_ORDINARY ? kCloseOrdinary : kCloseFocus);
     case QCM_ISOPEN:
         return r->isOpen;
     case QCM_SETSTRIPHEIGHT:

@@ -2,6 +2,7 @@
 // trip, the routing of its child's notifications, the ways its own loop
 // ends, its messages at their limits, and a monkey.
 #include <functional>
+#include <memory>
 #include <random>
 #include <vector>
 #include "failure_seam.h"
@@ -386,6 +387,98 @@ TEST_F(QzCombo, ARefusedAllocationOrDrawingObjectLeavesNothingBehind)
         ExpectRestored(d, proc, before, "refused request");
     }
     EXPECT_GT(refused, 0) << "an ancestor's block that cannot be made refuses the opening";
+}
+
+}  // namespace
+
+namespace {
+
+// A host that destroys the combo, or its whole dialog, inside the n-th
+// notification of a round trip by the arrow.
+TEST_F(QzCombo, HostileParentDestroysInsideEachNotification)
+{
+    for (int dialogToo = 0; dialogToo < 2; ++dialogToo) {
+        for (int n = 1; n <= 6; ++n) {
+            ComboDialog d(QCK_TIMETRACKER);
+            LONG_PTR proc = GetWindowLongPtrA(d.dialog, GWLP_WNDPROC);
+            int count = 0;
+            g_onCommand = [&](WPARAM) {
+                if (++count == n)
+                    DestroyWindow(dialogToo ? d.dialog : d.combo);
+            };
+            WhileOpen(d.combo, [] {}, [&]() -> LRESULT {
+                POINT p = ArrowCentre(d.combo);
+                SendMessageA(d.combo, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y));
+                if (IsWindow(d.combo))
+                    SendMessageA(d.combo, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y));
+                return 1;
+            }, false);
+            g_onCommand = nullptr;
+            ExpectRestored(d, proc, nullptr, dialogToo ? "dialog destroyed" : "combo destroyed");
+            EXPECT_EQ(nullptr, GetCapture());
+        }
+    }
+}
+
+// Closes the monkey's combo whenever it finds it open, so that a drop-down
+// opened from inside another step's loop cannot wait for ever.
+HWND g_guarded;
+VOID CALLBACK GuardTimer(HWND, UINT, UINT_PTR, DWORD)
+{
+    if (IsWindow(g_guarded) && SendMessageA(g_guarded, QCM_ISOPEN, 0, 0))
+        PostMessageA(g_guarded, QCM_SHOWDROPDOWN, 0, QCC_FOCUS);
+}
+
+TEST_F(QzCombo, MonkeyLeavesNoObjectPropertyOrStrayWindow)
+{
+    UINT_PTR guard = SetTimer(nullptr, 0, 5, GuardTimer);
+    std::mt19937 random(24);
+    auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    for (int kind = 1; kind <= 7; ++kind)  // what the system makes once, on first use
+        WhileOpen(ComboDialog(kind).combo, [] {}, nullptr, false);
+    long gdiBefore = GdiObjectsInUse();
+    {
+        auto d = std::make_unique<ComboDialog>(QCK_PLAINLIST);
+        for (int step = 0; step < MonkeySteps(300, 40); ++step) {
+            if (!IsWindow(d->combo))
+                d = std::make_unique<ComboDialog>(1 + pick(7));
+            HWND combo = g_guarded = d->combo;
+            auto act = [&, combo] {
+                HWND child = reinterpret_cast<HWND>(SendMessageA(combo, QCM_GETCHILD, 0, 0));
+                HWND edit = reinterpret_cast<HWND>(SendMessageA(combo, QCM_GETEDIT, 0, 0));
+                LPARAM at = MAKELPARAM(pick(200) - 20, pick(40) - 10);
+                const UINT keys[] = {VK_DOWN, VK_UP, VK_NEXT, VK_RETURN, VK_ESCAPE, VK_TAB};
+                switch (pick(10)) {
+                case 0: SendMessageA(combo, WM_LBUTTONDOWN, MK_LBUTTON, at); SendMessageA(combo, WM_LBUTTONUP, 0, at); break;
+                case 1: SendMessageA(pick(2) ? d->dialog : d->button, WM_LBUTTONDOWN, MK_LBUTTON, at); break;
+                case 2: if (edit) SendMessageA(edit, pick(4) ? WM_KEYDOWN : WM_SYSKEYDOWN, keys[pick(6)], 0); break;
+                case 3: if (child != reinterpret_cast<HWND>(-1)) SendMessageA(child, WM_KEYDOWN, keys[pick(6)], 0); break;
+                case 4: SendMessageA(combo, QCM_SETTEXT, 0, reinterpret_cast<LPARAM>(pick(2) ? "Ann\0Bob\0" : "")); break;
+                case 5: SendMessageA(combo, QCM_SETCHILD, 1 + pick(8), 0); break;
+                case 6: SendMessageA(combo, QCM_SETEXTRAHEIGHT, pick(2000), 0); SendMessageA(combo, QCM_SETARROWS, pick(3) - 1, pick(2)); break;
+                case 7: SendMessageA(combo, QCM_SETSTRIPHEIGHT, pick(40), 0); EnableWindow(combo, pick(4) != 0); break;
+                case 8: SendMessageA(combo, QCM_SHOWDROPDOWN, pick(2), pick(4)); break;
+                default: if (pick(4) == 0) DestroyWindow(pick(2) ? d->dialog : combo); break;
+                }
+            };
+            WhileOpen(combo, [&] { for (int i = pick(4); i >= 0 && IsWindow(combo); --i) act(); },
+                      [&]() -> LRESULT { act(); return 1; }, false);
+            PumpMessages();
+            if (IsWindow(d->combo)) {
+                EXPECT_EQ(0, SendMessageA(d->combo, QCM_ISOPEN, 0, 0)) << step;
+                EXPECT_EQ(d->dialog, GetAncestor(d->combo, GA_PARENT)) << step;
+                HWND edit = reinterpret_cast<HWND>(SendMessageA(d->combo, QCM_GETEDIT, 0, 0));
+                EXPECT_EQ(GetWindowTextLengthA(edit) + 2, SendMessageA(d->combo, QCM_GETTEXTSIZE, 0, 0)) << step;
+            }
+            if (IsWindow(d->dialog)) {
+                EXPECT_EQ(nullptr, GetPropA(d->dialog, "CMPB1")) << step;
+            }
+            ASSERT_EQ(nullptr, FindWindowExA(nullptr, nullptr, "QzCombo", nullptr)) << step;
+        }
+    }
+    KillTimer(nullptr, guard);
+    PumpMessages();
+    EXPECT_EQ(gdiBefore, GdiObjectsInUse());
 }
 
 }  // namespace
