@@ -31,3 +31,6 @@ bool WritePng(const wchar_t *path, int width, int height, const DWORD *pixels);
 // Live gallery only: puts a log pane under `page` that lists every
 // notification its gadgets send it (class, control id, code by name).
 bool AttachNotificationLog(HWND page);
+
+// The QzCombo page (gallery_combo.cpp).
+HWND BuildComboPage(HWND host);

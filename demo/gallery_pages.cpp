@@ -666,6 +666,7 @@ const GalleryPage kGalleryPages[] = {
     {"status_box", "Status box", BuildStatusBoxPage},
     {"film", "Film frames", BuildFilmPage},
     {"stop_watch", "StopWatch", BuildStopWatchPage},
+    {"qz_combo", "QzCombo", BuildComboPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

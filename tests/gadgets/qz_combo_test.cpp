@@ -210,6 +210,18 @@ TEST_F(QzCombo, TheLoopEndsOnEveryWayOutAndLeavesNothingBehind)
          }},
         {"click on the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_LBUTTONDOWN, MK_LBUTTON, 0); }},
         {"menu of the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_INITMENU, 0, 0); }},
+        {"another thread's window takes the focus", [](ComboDialog &) {
+             HANDLE t = CreateThread(nullptr, 0, [](LPVOID) -> DWORD {
+                 HWND w = CreateWindowA("Edit", "", WS_POPUP | WS_VISIBLE, 0, 0, 50, 20, nullptr, nullptr, nullptr, nullptr);
+                 SetForegroundWindow(w);
+                 SetFocus(w);
+                 DestroyWindow(w);
+                 return 0;
+             }, nullptr, 0, nullptr);
+             while (MsgWaitForMultipleObjects(1, &t, FALSE, 5000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
+                 PumpMessages();
+             CloseHandle(t);
+         }},
         {"combo destroyed", [](ComboDialog &d) { DestroyWindow(d.combo); }},
         {"dialog destroyed", [](ComboDialog &d) { DestroyWindow(d.dialog); }},
     };
@@ -292,6 +304,39 @@ TEST_F(QzCombo, ChildNotificationsAreRoutedByKindWhileClosedAndWhileOpen)
             EXPECT_EQ(MAKEWPARAM(kChildRouteId, route.passedAs), routed.back().wParam) << context;
             EXPECT_EQ(reinterpret_cast<LPARAM>(child), routed.back().lParam) << context << ": as received";
         }
+    }
+}
+
+TEST_F(QzCombo, AListBoxsChoicesTravelAsSeparatedText)
+{
+    WNDCLASSA info;
+    if (!GetClassInfoA(GetModuleHandleA(nullptr), "QzListBox", &info))
+        GTEST_SKIP() << "no QzListBox class in this build";
+    ComboDialog d(QCK_LISTBOX);
+    HWND edit = reinterpret_cast<HWND>(SendMessageA(d.combo, QCM_GETEDIT, 0, 0));
+    const std::string s(1, static_cast<char>(OSGetSeparator()));
+    std::string longList(1100, 'x');  // no end within the limit: cut at 1024
+    struct In { std::string list; std::string text; } const ins[] = {
+        {std::string("Ann\0Bob\0\0", 9), "Ann" + s + "Bob"}, {std::string("\0\0", 2), ""},
+        {longList + std::string("\0\0", 2), longList.substr(0, 1024)},
+    };
+    for (const In &in : ins) {
+        SendMessageA(d.combo, QCM_SETTEXT, 0, reinterpret_cast<LPARAM>(in.list.data()));
+        char text[1200] = "";
+        GetWindowTextA(edit, text, sizeof text);
+        EXPECT_EQ(in.text, text) << in.list.size();
+    }
+    struct Out { std::string text; WPARAM size; std::string list; } const outs[] = {
+        {"Ann" + s + " " + s + "  Bob", 64, std::string("Ann\0Bob\0\0", 9)},
+        {"Ann" + s + "Bob", 5, std::string("Ann\0\0", 5)}, {"Ann", 2, std::string("\0\0", 2)},
+        {"", 8, std::string("\0\0", 2)},
+    };
+    for (const Out &out : outs) {
+        SetWindowTextA(edit, out.text.c_str());
+        char list[80];
+        memset(list, '#', sizeof list);
+        EXPECT_EQ(1, SendMessageA(d.combo, QCM_GETTEXT, out.size, reinterpret_cast<LPARAM>(list)));
+        EXPECT_EQ(out.list, std::string(list, out.list.size())) << out.text << " in " << out.size;
     }
 }
 
