@@ -1,7 +1,8 @@
 // A QzCombo dropping a list against the system's "ComboBox" dropping its
 // own (CB_SHOWDROPDOWN), both measured from the request to the end of the
 // list's first paint, in the same run. Each drop is closed again before the
-// next. Ratios above 1 mean the library is faster.
+// next; the fastest of the drops is reported, since the machine's load
+// only ever adds. Ratios above 1 mean the library is faster.
 #include <windows.h>
 #include <cstdio>
 #include "bench_timing.h"
@@ -56,7 +57,7 @@ double OursPerDrop(HWND host)
     HWND list = reinterpret_cast<HWND>(SendMessageA(combo, QCM_GETCHILD, 0, 0));
     Fill(list, LB_ADDSTRING);
     g_listProc = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(NotePaint)));
-    double total = 0;
+    double best = 0;
     for (int i = 0; i < kDrops; ++i) {
         g_paintedAt = 0;
         g_closeAfterPaint = combo;
@@ -65,11 +66,12 @@ double OursPerDrop(HWND host)
         g_closeAfterPaint = nullptr;
         if (g_paintedAt == 0)
             return 0;
-        total += g_paintedAt - start;
+        if (i == 0 || g_paintedAt - start < best)
+            best = g_paintedAt - start;
         Pump();
     }
     DestroyWindow(combo);
-    return total / kDrops;
+    return best;
 }
 
 double PlatformPerDrop(HWND host)
@@ -83,7 +85,7 @@ double PlatformPerDrop(HWND host)
     Fill(combo, CB_ADDSTRING);
     g_listProc = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(info.hwndList, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(NotePaint)));
-    double total = 0;
+    double best = 0;
     for (int i = 0; i < kDrops; ++i) {
         g_paintedAt = 0;
         double start = Seconds();
@@ -94,12 +96,13 @@ double PlatformPerDrop(HWND host)
         }
         if (g_paintedAt == 0)
             return 0;
-        total += g_paintedAt - start;
+        if (i == 0 || g_paintedAt - start < best)
+            best = g_paintedAt - start;
         SendMessageA(combo, CB_SHOWDROPDOWN, FALSE, 0);
         Pump();
     }
     DestroyWindow(combo);
-    return total / kDrops;
+    return best;
 }
 
 }  // namespace
