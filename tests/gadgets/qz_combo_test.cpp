@@ -131,7 +131,8 @@ TEST_F(QzCombo, RoundTripFromADialogByMessageAndByTheArrow)
     const Message byArrow[] = {Cmd(kComboId, QCN_PRESSED), Cmd(kComboId, QCN_DROPDOWN), Cmd(kChildRouteId, 200),
                                Cmd(kChildRouteId, 300), Cmd(kChildRouteId, 400), Cmd(kComboId, QCN_DROPDOWN), {}};
     for (int arrow = 0; arrow < 2; ++arrow) {
-        ComboDialog d(QCK_TIMETRACKER);
+        OSErrorClearError();
+        ComboDialog d(QCK_TIMETRACKER, WS_TABSTOP | (arrow ? QCS_NOSCREENCOPY : 0));
         bool sawOpen = false;
         EXPECT_EQ(1, WhileOpen(d.combo, [&] {
             sawOpen = SendMessageA(d.combo, QCM_ISOPEN, 0, 0) == 1 && IsWindowVisible(d.Child());
@@ -142,6 +143,9 @@ TEST_F(QzCombo, RoundTripFromADialogByMessageAndByTheArrow)
         EXPECT_FALSE(IsWindowVisible(d.Child()));
         EXPECT_SEQUENCE_VEC(byArrow + (arrow ? 0 : 1), d.combo);
         ExpectRestored(d, arrow ? "by the arrow" : "by message");
+        // A display may refuse the copy of the screen, the one thing recorded.
+        ResultCode code = OSErrorGetErrorInfo()->errorCode;
+        EXPECT_TRUE(code == RV_Success || (code == RV_GDIError && !arrow)) << code;
     }
 }
 
