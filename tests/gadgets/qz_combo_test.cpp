@@ -70,9 +70,8 @@ std::function<void()> g_body;
 VOID CALLBACK BodyTimer(HWND, UINT, UINT_PTR id, DWORD)
 {
     KillTimer(nullptr, id);
-    auto body = std::move(g_body);
-    g_body = nullptr;
-    if (body)
+    std::function<void()> body;
+    if (body.swap(g_body), body)
         body();
 }
 
@@ -393,7 +392,13 @@ TEST_F(QzCombo, MonkeyLeavesNoObjectPropertyOrStrayWindow)
     auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
     for (int kind = 1; kind <= 7; ++kind)  // what the system makes once, on first use
         WhileOpen(ComboDialog(kind).combo, [] {}, nullptr, false);
-    long gdiBefore = GdiObjectsInUse();
+    auto windows = [] {  // the thread's top-level windows: a leaked dialog or combo shows here
+        int n = 0;
+        EnumThreadWindows(GetCurrentThreadId(), [](HWND, LPARAM p) { return ++*reinterpret_cast<int *>(p), TRUE; },
+                          reinterpret_cast<LPARAM>(&n));
+        return n;
+    };
+    long gdiBefore = GdiObjectsInUse(), windowsBefore = windows();
     {
         auto d = std::make_unique<ComboDialog>(QCK_PLAINLIST);
         for (int step = 0; step < MonkeySteps(300, 40); ++step) {
@@ -430,6 +435,7 @@ TEST_F(QzCombo, MonkeyLeavesNoObjectPropertyOrStrayWindow)
     KillTimer(nullptr, guard);
     PumpMessages();
     EXPECT_EQ(gdiBefore, GdiObjectsInUse());
+    EXPECT_EQ(windowsBefore, windows());
 }
 
 }  // namespace
