@@ -6,6 +6,7 @@
 #include <random>
 #include <vector>
 #include "failure_seam.h"
+#include "message_box_driver.h"
 #include "qz_test.h"
 #include "window_harness.h"
 
@@ -67,8 +68,13 @@ Message Cmd(int id, int code) { return {WM_COMMAND, sent | wparam, MAKEWPARAM(id
 #define EXPECT_SEQUENCE_VEC(expected, child) EXPECT_TRUE(SequenceMatches(g_seen, (expected), (child), #expected))
 
 std::function<void()> g_body;
+HWND g_bodyCombo;
+// Runs the body once the combo is open (a box the host opens before can
+// take the timer's first ticks in its own loop).
 VOID CALLBACK BodyTimer(HWND, UINT, UINT_PTR id, DWORD)
 {
+    if (IsWindow(g_bodyCombo) && !SendMessageA(g_bodyCombo, QCM_ISOPEN, 0, 0))
+        return;
     KillTimer(nullptr, id);
     std::function<void()> body;
     if (body.swap(g_body), body)
@@ -87,6 +93,7 @@ LRESULT WhileOpen(HWND combo, std::function<void()> body, std::function<LRESULT(
         if (IsWindow(combo) && SendMessageA(combo, QCM_ISOPEN, 0, 0))
             PostMessageA(combo, QCM_SHOWDROPDOWN, 0, QCC_ORDINARY);
     };
+    g_bodyCombo = combo;
     UINT_PTR timer = SetTimer(nullptr, 0, 1, BodyTimer);
     LRESULT result = open ? open() : SendMessageA(combo, QCM_SHOWDROPDOWN, 1, 0);
     KillTimer(nullptr, timer);
@@ -356,21 +363,27 @@ TEST_F(QzCombo, ARefusedAllocationOrDrawingObjectLeavesNothingBehind)
     EXPECT_GT(refused, 0) << "an ancestor's block that cannot be made refuses the opening";
 }
 
-// A host that destroys the combo, or its whole dialog, inside the n-th
-// notification of a round trip by the arrow.
-TEST_F(QzCombo, HostileParentDestroysInsideEachNotification)
+// A host that destroys the combo, or its whole dialog, or opens a message
+// box, inside the n-th notification of a round trip by the arrow.
+TEST_F(QzCombo, HostileParentDestroysOrOpensABoxInsideEachNotification)
 {
-    for (int dialogToo = 0; dialogToo < 2; ++dialogToo) {
+    const char *const hosts[] = {"combo destroyed", "dialog destroyed", "box opened"};
+    for (int host = 0; host < 3; ++host) {
         for (int n = 1; n <= 6; ++n) {
+            MessageBoxDriver boxes;
+            boxes.AnswerOthers(IDOK, false);
             ComboDialog d(QCK_TIMETRACKER);
             int count = 0;
             g_onCommand = [&](WPARAM) {
-                if (++count == n)
-                    DestroyWindow(dialogToo ? d.dialog : d.combo);
+                if (++count == n && host == 2)
+                    MessageBoxA(d.dialog, "inside a notification", "host", MB_OK);
+                else if (count == n)
+                    DestroyWindow(host ? d.dialog : d.combo);
             };
             WhileOpen(d.combo, [] {}, [&]() -> LRESULT { return PressArrow(d.combo), 1; }, false);
             g_onCommand = nullptr;
-            ExpectRestored(d, dialogToo ? "dialog destroyed" : "combo destroyed");
+            ExpectRestored(d, hosts[host]);
+            EXPECT_EQ(host == 2 ? 1u : 0u, boxes.Seen().size()) << hosts[host] << " " << n;
             EXPECT_EQ(nullptr, GetCapture());
         }
     }
