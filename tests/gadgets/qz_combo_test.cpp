@@ -130,25 +130,33 @@ void PressArrow(HWND combo, bool release = true)
 
 class QzCombo : public GadgetTest {};
 
-TEST_F(QzCombo, RoundTripFromADialogByMessageAndByTheArrow)
+TEST_F(QzCombo, RoundTripFromADialogByMessageAndByTheArrowDownAndUp)
 {
     // The TimeTracker's own codes on taking and losing the focus pass on
     // under the child's identifier; a press on the arrow comes first.
     const Message byArrow[] = {Cmd(kComboId, QCN_PRESSED), Cmd(kComboId, QCN_DROPDOWN), Cmd(kChildRouteId, 200),
                                Cmd(kChildRouteId, 300), Cmd(kChildRouteId, 400), Cmd(kComboId, QCN_DROPDOWN), {}};
-    for (int arrow = 0; arrow < 2; ++arrow) {
+    int screen = GetSystemMetrics(SM_CYSCREEN);
+    for (int way = 0; way < 3; ++way) {  // by message, by the arrow, by message near the screen's bottom
+        bool arrow = way == 1, upward = way == 2;
         OSErrorClearError();
-        ComboDialog d(QCK_TIMETRACKER, WS_TABSTOP | (arrow ? QCS_NOSCREENCOPY : 0));
+        ComboDialog d(QCK_TIMETRACKER, WS_TABSTOP | (arrow ? QCS_NOSCREENCOPY : 0), upward ? screen - 90 : 40);
         bool sawOpen = false;
+        RECT closedEdit, e, c;
+        GetWindowRect(d.Edit(), &closedEdit);
         EXPECT_EQ(1, WhileOpen(d.combo, [&] {
             sawOpen = SendMessageA(d.combo, QCM_ISOPEN, 0, 0) == 1 && IsWindowVisible(d.Child());
             EXPECT_NE(d.dialog, GetAncestor(d.combo, GA_PARENT)) << "open: a window of the desktop";
             EXPECT_TRUE(GetPropA(d.dialog, "CMPB1")) << "open: the dialog carries the property";
+            GetWindowRect(d.Edit(), &e), GetWindowRect(d.Child(), &c);
+            EXPECT_EQ(closedEdit.top, e.top) << "the strip stays where it was";
+            EXPECT_EQ(upward, c.bottom <= e.top) << "the child lies above the strip";
+            EXPECT_LE(c.bottom, screen);
         }, [&] { return arrow ? (PressArrow(d.combo), 1) : SendMessageA(d.combo, QCM_SHOWDROPDOWN, 1, 0); }));
         EXPECT_TRUE(sawOpen);
         EXPECT_FALSE(IsWindowVisible(d.Child()));
         EXPECT_SEQUENCE_VEC(byArrow + (arrow ? 0 : 1), d.combo);
-        ExpectRestored(d, arrow ? "by the arrow" : "by message");
+        ExpectRestored(d, arrow ? "by the arrow" : upward ? "upward" : "by message");
         // A display may refuse the copy of the screen, the one thing recorded.
         ResultCode code = OSErrorGetErrorInfo()->errorCode;
         EXPECT_TRUE(code == RV_Success || (code == RV_GDIError && !arrow)) << code;
@@ -308,23 +316,6 @@ TEST_F(QzCombo, MessagesAtTheirLimits)
         SendMessageA(d.combo, QCM_SETEXTRAHEIGHT, extra, 0);
         GetWindowRect(d.Child(), &c);
         EXPECT_EQ(extra > most ? most : extra, c.bottom - c.top) << extra;
-    }
-}
-
-TEST_F(QzCombo, OpensUpwardNearTheBottomOfTheScreenWithTheStripInPlace)
-{
-    int screen = GetSystemMetrics(SM_CYSCREEN);
-    for (int nearBottom = 0; nearBottom < 2; ++nearBottom) {
-        ComboDialog d(QCK_TIMESETTER, WS_TABSTOP, nearBottom ? screen - 90 : 40);
-        RECT closedEdit, e, c;
-        GetWindowRect(d.Edit(), &closedEdit);
-        WhileOpen(d.combo, [&] {
-            GetWindowRect(d.Edit(), &e);
-            GetWindowRect(d.Child(), &c);
-            EXPECT_EQ(closedEdit.top, e.top) << "the strip stays where it was";
-            EXPECT_EQ(nearBottom != 0, c.bottom <= e.top) << "the child lies above the strip";
-            EXPECT_LE(c.bottom, screen);
-        });
     }
 }
 
