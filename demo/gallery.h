@@ -43,3 +43,5 @@ HWND BuildSuperTextPage(HWND host);
 HWND BuildWafflePage(HWND host);
 // The page of the multi-select text list and the colour palette control.
 HWND BuildListBoxPalettePage(HWND host);
+// The QzCombo page (gallery_combo.cpp).
+HWND BuildComboPage(HWND host);

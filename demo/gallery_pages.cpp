@@ -672,6 +672,7 @@ const GalleryPage kGalleryPages[] = {
     {"super_text", "SuperText", BuildSuperTextPage},
     {"waffle", "Waffle", BuildWafflePage},
     {"listbox_palette", "QzListBox and colour palette", BuildListBoxPalettePage},
+    {"qz_combo", "QzCombo", BuildComboPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 

@@ -15,6 +15,7 @@ LRESULT CALLBACK GadDVListForwarder(HWND, UINT, WPARAM, LPARAM);
 extern "C" LRESULT CALLBACK GadFMWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK SuperTextWndProc(HWND, UINT, WPARAM, LPARAM);
 LRESULT CALLBACK QzListBoxForwarder(HWND, UINT, WPARAM, LPARAM);
+LRESULT CALLBACK ComboClassProc(HWND, UINT, WPARAM, LPARAM);
 
 namespace {
 
@@ -37,6 +38,7 @@ const GadgetClassRow kGadgetClasses[] = {
     {"TimeTracker", 0x6003, nullptr, GB_SolidBrush, 0x818100, TimeTrackerWndProc},
     {"DateTracker", 0x4003, IDC_ARROW, GB_SolidBrush, 0xC0C0C0, DateTrackerWndProc},
     {"TimeSetter", 0x6003, IDC_ARROW, GB_SolidBrush, 0x818100, GadTSWndProc},
+    {"QzCombo", 0x4800, IDC_ARROW, GB_None, 0, ComboClassProc},
     {"Tumbler", CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW, IDC_ARROW, GB_SystemColour, COLOR_WINDOW + 1,
      TumblerWndProc},
     {"SuperText", 0x4003, IDC_ARROW, GB_SolidBrush, 0xFFFFFF, SuperTextWndProc},

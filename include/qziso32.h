@@ -1836,6 +1836,68 @@ typedef char FreeSlotRequest_is_88_bytes[sizeof(FreeSlotRequest) == 88 ? 1 : -1]
  *  @return What the message's handling returns. */
 QZAPI LRESULT WINAPI GadTTWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /* ------------------------------------------------------------------ */
+/* QzCombo ("QzCombo"): a combo box that drops down any control         */
+/* ------------------------------------------------------------------ */
+/** @} */
+/** @defgroup qz_combo QzCombo gadget
+ *  A strip with an edit field (or, in the static form, its window text)
+ *  and an arrow button, over a child control that drops down. While open
+ *  the combo is a top-level window, every ancestor is subclassed so that a
+ *  click anywhere closes it, and QCM_SHOWDROPDOWN returns only once it has
+ *  closed again.
+ *  @{ */
+/* Style bits. */
+#define QCS_CLOSEONCHOICE 0x0001  /* the drop-down closes as soon as a choice is made */
+#define QCS_STATIC        0x0002  /* no edit field: the window text is drawn in the strip */
+#define QCS_NOSCREENCOPY  0x0004  /* keep no picture of the screen under the drop-down */
+/* Child kinds: the low byte of wParam of QCM_SETCHILD. */
+#define QCK_TIMETRACKER 1  /* "TimeTracker" */
+#define QCK_LISTBOX     2  /* "QzListBox": its text is the separated list of choices */
+#define QCK_TIMESETTER  3  /* "TimeSetter" */
+#define QCK_DATETRACKER 4  /* "DateTracker" */
+#define QCK_PLAINLIST   5  /* "ListBox", the system's own */
+#define QCK_NONE        6  /* no child; the combo is repainted */
+#define QCK_VLISTBOX    7  /* "QzVListBox", given VLS_NOTIFY */
+/* Messages; results are 1 or -1 unless noted. */
+#define QCM_SETCHILD        0x401  /* wParam: kind | identifier << 8; lParam: the child's style */
+#define QCM_SETARROWS       0x402  /* wParam: scroll widths the child is inset by; lParam: 1 lays it at the left */
+#define QCM_GETCHILD        0x403  /* result: the child, or -1 */
+#define QCM_GETEDIT         0x404  /* result: the edit field, null in the static form */
+#define QCM_SHOWDROPDOWN    0x405  /* wParam: 1 opens (returns after the close), 0 closes; lParam: QCC_ close mode */
+#define QCM_ISOPEN          0x406  /* result: 1 while open */
+#define QCM_SETSTRIPHEIGHT  0x407  /* wParam: strip height, 0 for the font's */
+#define QCM_GETTEXTSIZE     0x408  /* result: text length + 2 */
+#define QCM_GETTEXT         0x40A  /* wParam: buffer size; lParam: buffer; a list box's choices as a double-zero list */
+#define QCM_CHILDTOTEXT     0x411  /* copies the child's text to the edit field and selects it */
+#define QCM_SETEXTRAHEIGHT  0x412  /* wParam: height of the drop-down, at most half the screen less the strip */
+#define QCM_RELAYOUT        0x413  /* lays out again with the client size */
+#define QCM_SETTEXT         0x429  /* lParam: text; for a list box a double-zero list, at most 1024 bytes */
+/* Close modes, lParam of QCM_SHOWDROPDOWN with 0. */
+#define QCC_ORDINARY 0  /* sends QCN_DROPDOWN and gives the focus to the edit field (or the parent) */
+#define QCC_FOCUS    1  /* the focus went elsewhere: no notification */
+#define QCC_ANCESTOR 2  /* as QCC_FOCUS, from the ancestors' subclass */
+/* Notifications (WM_COMMAND, code in the high word of wParam). The edit
+ * field's and the child's own codes are passed on beside these. */
+#define QCN_ERROR    0x64   /* the arrow could not be drawn or tracked */
+#define QCN_DROPDOWN 0xC8   /* the drop-down opens, and an ordinary close */
+#define QCN_PRESSED  0x12C  /* the user pressed on the combo, or Alt+Down in its edit field */
+/** The QzCombo class procedure, for a host's own subclass.
+ *  @return What the message's handling returns. */
+QZAPI LRESULT WINAPI GadComboWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** The procedure an open combo puts on each of its ancestors: a click, an
+ *  activation or a menu closes the combo, then the message goes on.
+ *  @return What the ancestor's own procedure returns. Records RV_Failure when
+ *  the window carries no combo's property. */
+QZAPI LRESULT WINAPI GadComboParentSubClassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** The procedure of a combo's edit field: paging keys go to the child,
+ *  Alt+Down opens.
+ *  @return What the edit field's own procedure returns, or 0 for a key it takes. */
+QZAPI LRESULT WINAPI GadComboEditSubProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/** The procedure of a combo's dropped child: Escape, Tab and Return close.
+ *  @return What the child's own procedure returns. */
+QZAPI LRESULT WINAPI GadComboDropDownSubClassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+/* ------------------------------------------------------------------ */
 /* Virtual list box ("QzVListBox")                                     */
 /* ------------------------------------------------------------------ */
 /** @} */
