@@ -203,11 +203,7 @@ TEST_F(FreeTimeTest, ClippingAndShadingByReadback)
     DateTimeValue last = At(0, 8 + static_cast<int>(Send(g, FTM_GETHOURSINVIEW, 0)));
     LONG top = origin.y + static_cast<LONG>(Send(tracker, TTM_TIMETOY, 0, &view));
     LONG bottom = origin.y + static_cast<LONG>(Send(tracker, TTM_TIMETOY, 0, &last));
-    HDC dc = GetDC(g);
-    SelectObject(dc, GetStockObject(ANSI_VAR_FONT));
-    TEXTMETRICA tm;
-    GetTextMetricsA(dc, &tm);
-    ReleaseDC(g, dc);
+    TEXTMETRICA tm = FontMetrics(GetStockObject(ANSI_VAR_FONT));
     LONG column = tm.tmHeight + 2 * tm.tmInternalLeading + tm.tmExternalLeading;
     Readback shot = Readback::Of(g);
     const COLORREF blue = 0xFF0000, white = 0xFFFFFF, grey = 0xC0C0C0;

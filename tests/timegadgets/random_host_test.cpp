@@ -135,15 +135,6 @@ struct Canary {
     }
 };
 
-void SetKeys(BYTE keys)
-{
-    BYTE state[256];
-    GetKeyboardState(state);
-    state[VK_SHIFT] = (keys & 1) ? 0x80 : 0;
-    state[VK_CONTROL] = (keys & 2) ? 0x80 : 0;
-    SetKeyboardState(state);
-}
-
 // Presses, moves and releases over the arrows, the middle and anywhere;
 // keys, characters, timers, bad and good text, focus and capture loss,
 // sizes, fonts, hiding, and the gadget's own setters.
@@ -204,7 +195,7 @@ std::vector<WORD> RunScript(const Gadget &gadget, const std::vector<Op> &ops,
     });
     for (size_t i = 0; i < ops.size() && IsWindow(g); ++i) {
         const Op &op = ops[i];
-        SetKeys(op.keys);
+        ThreadKeys(op.keys);
         if (op.message == WM_SETFOCUS || op.message == WM_KILLFOCUS)
             SetFocus(op.message == WM_SETFOCUS ? g : parent.Window());
         else if (op.message == WM_SIZE)
@@ -222,7 +213,7 @@ std::vector<WORD> RunScript(const Gadget &gadget, const std::vector<Op> &ops,
         if (i % 500 == 0)
             PumpMessages();
     }
-    SetKeys(0);
+    ThreadKeys(0);
     if (IsWindow(g))
         SendMessageA(g, WM_LBUTTONUP, 0, 0);
     EXPECT_EQ(nullptr, GetCapture()) << gadget.className;
