@@ -4,7 +4,6 @@
 // drives it, and a monkey run.
 #include "qz_test.h"
 #include "window_harness.h"
-#include "failure_seam.h"
 #include <random>
 
 namespace {
@@ -547,35 +546,6 @@ TEST_F(TimeTrackerTest, CaptureLossEndsTheDragQuietly)
         EXPECT_EQ(At(16, 5), Get(g, TTM_GETEND)) << MessageName(loss);
         static const Message nothing_seq[] = {{0, 0, 0, 0}};
         EXPECT_SEQUENCE(parent, nothing_seq, "after the capture went");
-    }
-}
-
-// With one allocation or GDI object refused at each point in turn, a time
-// gadget comes up or fails whole, and gives back every GDI object it made.
-TEST_F(TimeTrackerTest, CreationWithMemoryShortLeaksNothing)
-{
-    RecordingParent parent;
-    for (const char *name : {"TimeTracker", "TimeSetter"}) {
-        auto create = [&] {
-            HWND g = parent.CreateChild(name, ID, 0, 10, 10, 100, 300);
-            if (g)
-                DestroyWindow(g);
-        };
-        unsigned points = 0;
-        {
-            FailureSeam count(FailureSeam::Memory | FailureSeam::Gdi, 0);
-            create();
-            points = count.Calls();
-        }
-        for (unsigned n = 1; n <= points; ++n) {
-            const long before = GdiObjectsInUse();
-            {
-                FailureSeam seam(FailureSeam::Memory | FailureSeam::Gdi, n);
-                create();
-            }
-            EXPECT_EQ(before, GdiObjectsInUse()) << name << " refused at " << n << " of " << points;
-            OSErrorClearError();
-        }
     }
 }
 
