@@ -314,8 +314,8 @@ TEST_F(FreeTimeTest, DialogRenumberingCalendarEndAndHostileHost)
 }
 
 // Every allocation and GDI object of a gadget's life refused in turn (a
-// FreeTime with a person, and the TimeTracker and TimeSetter alone): nothing
-// drawn is left behind.
+// FreeTime with a person, painted; a TimeTracker and a TimeSetter made and
+// destroyed): nothing drawn is left behind.
 TEST_F(FreeTimeTest, EachRefusalLeavesNoGdiObject)
 {
     RecordingParent parent(600, 500);
@@ -323,9 +323,10 @@ TEST_F(FreeTimeTest, EachRefusalLeavesNoGdiObject)
     for (const char *name : {"FreeTime", "TimeTracker", "TimeSetter"}) {
         auto life = [&] {
             HWND g = parent.CreateChild(name, ID, 0, 0, 0, 420, 300);
-            if (g && !strcmp(name, "FreeTime"))
+            if (g && !strcmp(name, "FreeTime")) {  // the others are made and destroyed
                 Send(g, FTM_ADDPERSON, 1, "Ann"), Add(g, 1, Busy(0, 9, 0, 60)), Send(g, FTM_SETVIEWMODE, 1);
-            UpdateWindow(g);
+                UpdateWindow(g);
+            }
             DestroyWindow(g);
         };
         const unsigned kinds = FailureSeam::Memory | FailureSeam::Gdi;
