@@ -5,6 +5,7 @@
 #include "failure_seam.h"
 #include "message_box_driver.h"
 #include "window_harness.h"
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <vector>
@@ -256,24 +257,17 @@ TEST_F(DialogTab, NotificationsInOrder)
     const WPARAM changed = MAKEWPARAM(ID_TABS, TABN_CHANGED);
     const Message first[] = {{WM_COMMAND, sent | wparam | lparam_is_child, changing, 0},
                              {WM_COMMAND, sent | wparam | lparam_is_child, changed, 0}, {0, 0, 0, 0}};
-    const Message pages[] = {{WM_COMMAND, sent | wparam, changing, 0},
-                             {WM_SETREDRAW, sent | wparam, FALSE, 0},
-                             {WM_SETREDRAW, sent | wparam, TRUE, 0},
-                             {WM_COMMAND, sent | wparam, changed, 0}, {0, 0, 0, 0}};
+    // A page change: changing, redraw off and on, changed; a step past a
+    // tab is one change and the start of the next, or two whole changes.
+    const Message change[] = {{WM_COMMAND, sent | wparam, changing, 0}, {WM_SETREDRAW, sent | wparam, FALSE, 0},
+                              {WM_SETREDRAW, sent | wparam, TRUE, 0}, {WM_COMMAND, sent | wparam, changed, 0},
+                              {WM_COMMAND, sent | wparam, changing, 0}, {WM_SETREDRAW, sent | wparam, FALSE, 0},
+                              {WM_SETREDRAW, sent | wparam, TRUE, 0}, {WM_COMMAND, sent | wparam, changed, 0},
+                              {0, 0, 0, 0}};
+    const Message *pages = change + 4, *throughHidden = change;
     const Message same[] = {{WM_COMMAND, sent | wparam, changing, 0}, {0, 0, 0, 0}};
-    const Message stepRight[] = {{WM_COMMAND, sent | wparam, changing, 0},
-                                 {WM_SETREDRAW, sent | wparam, FALSE, 0},
-                                 {WM_SETREDRAW, sent | wparam, TRUE, 0},
-                                 {WM_COMMAND, sent | wparam, changed, 0},
-                                 {WM_COMMAND, sent | wparam, changing, 0}, {0, 0, 0, 0}};
-    const Message throughHidden[] = {{WM_COMMAND, sent | wparam, changing, 0},
-                                     {WM_SETREDRAW, sent | wparam, FALSE, 0},
-                                     {WM_SETREDRAW, sent | wparam, TRUE, 0},
-                                     {WM_COMMAND, sent | wparam, changed, 0},
-                                     {WM_COMMAND, sent | wparam, changing, 0},
-                                     {WM_SETREDRAW, sent | wparam, FALSE, 0},
-                                     {WM_SETREDRAW, sent | wparam, TRUE, 0},
-                                     {WM_COMMAND, sent | wparam, changed, 0}, {0, 0, 0, 0}};
+    Message stepRight[6];
+    std::copy(change, change + 5, stepRight), stepRight[5] = {0, 0, 0, 0};
     const Message transmogrified[] = {{WM_SETREDRAW, sent | wparam, FALSE, 0},
                                       {WM_COMMAND, sent | wparam, changing, 0},
                                       {WM_SETREDRAW, sent | wparam, TRUE, 0},

@@ -76,11 +76,7 @@ TEST_F(SuperTextTest, BarsAtTheEdgeOfFit)
 TEST_F(SuperTextTest, StepsAndTheOffsetDrawing)
 {
     Content(1000, 1000);
-    HDC dc = GetDC(g);
-    HGDIOBJ old = SelectObject(dc, HGDIOBJ(SendMessageA(g, WM_GETFONT, 0, 0)));
-    TEXTMETRICA tm;
-    GetTextMetricsA(dc, &tm);
-    SelectObject(dc, old), ReleaseDC(g, dc);
+    TEXTMETRICA tm = FontMetrics(HGDIOBJ(SendMessageA(g, WM_GETFONT, 0, 0)));
     RECT c;
     GetClientRect(g, &c);
     const int line = tm.tmHeight, ave = tm.tmAveCharWidth, V = WM_VSCROLL, Hs = WM_HSCROLL;

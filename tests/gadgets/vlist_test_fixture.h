@@ -9,12 +9,7 @@
 // internal leading.
 inline int RowHeight(HFONT font = nullptr)
 {
-    HDC dc = GetDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, font ? font : GetStockObject(SYSTEM_FONT));
-    TEXTMETRICA tm;
-    GetTextMetricsA(dc, &tm);
-    SelectObject(dc, old);
-    ReleaseDC(nullptr, dc);
+    TEXTMETRICA tm = FontMetrics(font);
     return tm.tmHeight + tm.tmInternalLeading;
 }
 

@@ -576,13 +576,7 @@ TEST_F(VListBox, GrowsItsCacheWhenRowsAreAddedAfterLoading)
             SetWindowPos(list, nullptr, 0, 0, 200, 3 * kRows * RowHeight(), SWP_NOMOVE | SWP_NOZORDER);
         RECT client;
         GetClientRect(list, &client);
-        HDC dc = GetDC(list);
-        HGDIOBJ old = SelectObject(dc, byFont ? small : GetStockObject(SYSTEM_FONT));
-        TEXTMETRICA tm;
-        GetTextMetricsA(dc, &tm);
-        SelectObject(dc, old);
-        ReleaseDC(list, dc);
-        const DWORD rows = client.bottom / (tm.tmHeight + tm.tmInternalLeading);
+        const DWORD rows = client.bottom / RowHeight(byFont ? small : nullptr);
         ASSERT_GT(rows, kRows + 5) << "by font " << byFont;
         EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr)) << "by font " << byFont;
         for (DWORD i = 0; i < rows; ++i) {
@@ -665,15 +659,6 @@ struct Step {
 };
 const DWORD kNone = 0xFFFFFFFFu;
 
-// Shift as the list reads it, for this thread alone.
-void SetShift(bool down)
-{
-    BYTE keys[256];
-    GetKeyboardState(keys);
-    keys[VK_SHIFT] = down ? 0x80 : 0;
-    SetKeyboardState(keys);
-}
-
 const Step kSingleWalk[] = {
     {'K', VK_DOWN, 0, 0, 0, 0, ""},  // no selection yet: Down selects in place
     {'K', VK_DOWN, 0, 0, 1, 1, ""},     {'K', VK_SPACE, 0, 0, 1, kNone, ""},
@@ -731,7 +716,7 @@ TEST_F(VListBox, KeysClicksAndScrollsWalkEachModesLimitsExactly)
             const Step &s = walk.steps[i];
             switch (s.kind) {
             case 'K': Key(list, s.what); break;
-            case 'S': SetShift(true), Key(list, s.what), SetShift(false); break;
+            case 'S': ThreadKeys(1), Key(list, s.what), ThreadKeys(0); break;
             case 'C': Click(list, 5, s.what * RowHeight() + 1, s.mods); break;
             case 'B': SendMessageA(list, WM_VSCROLL, s.what, 0); break;
             case 'T': VListBox_SetTopIndex(list, s.what); break;
@@ -776,9 +761,9 @@ TEST_F(VListBox, MonkeyKeepsRowsTrueAndTheViewWithinTheItems)
                 break;
             case 2: case 3: {
                 static const UINT keys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END, VK_SPACE};
-                SetShift(pick(2));
+                ThreadKeys(BYTE(pick(2)));
                 Key(list, keys[pick(7)]);
-                SetShift(false);
+                ThreadKeys(0);
                 break;
             }
             case 4: SendMessageA(list, WM_VSCROLL, pick(8), 0); break;

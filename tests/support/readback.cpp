@@ -77,6 +77,17 @@ bool Readback::Uniform() const
 }
 
 
+TEXTMETRICA FontMetrics(HGDIOBJ font)
+{
+    HDC dc = GetDC(nullptr);
+    HGDIOBJ old = SelectObject(dc, font ? font : GetStockObject(SYSTEM_FONT));
+    TEXTMETRICA tm;
+    GetTextMetricsA(dc, &tm);
+    SelectObject(dc, old);
+    ReleaseDC(nullptr, dc);
+    return tm;
+}
+
 long GdiObjectsInUse()
 {
     DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);

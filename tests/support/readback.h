@@ -38,6 +38,9 @@ private:
 
 
 
+// The metrics of `font` (the system font when null) on the screen.
+TEXTMETRICA FontMetrics(HGDIOBJ font);
+
 // How many GDI objects the process holds: GetGuiResources where the system
 // counts them; else minus the number of 1 x 1 bitmaps that can still be
 // made, so that a leak raises the figure either way.

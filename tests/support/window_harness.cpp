@@ -299,6 +299,15 @@ void SystemMouse(HWND window, int x, int y, DWORD buttonFlags)
 HeldKey::HeldKey(WORD virtualKey) : key_(virtualKey) { SystemKey(key_, false); }
 HeldKey::~HeldKey() { SystemKey(key_, true); }
 
+void ThreadKeys(BYTE keys)
+{
+    BYTE state[256];
+    GetKeyboardState(state);
+    state[VK_SHIFT] = (keys & 1) ? 0x80 : 0;
+    state[VK_CONTROL] = (keys & 2) ? 0x80 : 0;
+    SetKeyboardState(state);
+}
+
 void PumpMessages()
 {
     MSG msg;

@@ -133,5 +133,8 @@ public:
 private:
     WORD key_;
 };
+// Shift (1) and Ctrl (2) as GetKeyState reads them, for this thread alone;
+// 0 lets both go.
+void ThreadKeys(BYTE keys);
 // Dispatches every waiting message of the thread.
 void PumpMessages();

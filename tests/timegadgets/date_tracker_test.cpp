@@ -20,17 +20,6 @@ const Message chosen_seq[] = {TOLD(DTKN_DATECHOSEN), {0, 0, 0, 0}};
 const Message click_seq[] = {TOLD(DTKN_DATECHANGED), TOLD(DTKN_DATECHOSEN), {0, 0, 0, 0}};
 const Message bad_text_seq[] = {TOLD(DTKN_ERROR), TOLD(DTKN_DATECHANGED), {0, 0, 0, 0}};
 
-TEXTMETRICA Metrics(HFONT font)
-{
-    HDC dc = GetDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, font);
-    TEXTMETRICA tm;
-    GetTextMetricsA(dc, &tm);
-    SelectObject(dc, old);
-    ReleaseDC(nullptr, dc);
-    return tm;
-}
-
 // Where the gadget puts its grid and buttons, worked out from its client
 // size and the system font, with Sunday as the week's start.
 struct Layout {
@@ -41,7 +30,7 @@ struct Layout {
     {
         RECT c;
         GetClientRect(g, &c);
-        TEXTMETRICA tm = Metrics(static_cast<HFONT>(GetStockObject(SYSTEM_FONT)));
+        TEXTMETRICA tm = FontMetrics(nullptr);
         int line = tm.tmHeight + tm.tmExternalLeading + 1;
         int l = 2, t = 2, r = c.right - 2, b = c.bottom - 2;
         SetRect(&prev, l + 2, t + (line - kGlyph) / 2, l + 2 + kGlyph, t + (line - kGlyph) / 2 + kGlyph);

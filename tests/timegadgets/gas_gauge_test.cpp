@@ -1,9 +1,8 @@
 // GasGauge: the bar's edge and the three text layers read back, the
-// percentage formula at its limits, the queue emptied inside a long step
-// (and a gauge destroyed from there), and a monkey run.
+// percentage formula at its limits, and the queue emptied inside a long step
+// (and a gauge destroyed from there). Its monkey runs in random_host_test.
 #include "qz_test.h"
 #include "window_harness.h"
-#include <random>
 
 namespace {
 
@@ -134,33 +133,6 @@ TEST_F(GasGaugeTest, LongStepDispatchesWaitingMessages)
     Value(0);
     EXPECT_FALSE(IsWindow(gauge));
     DestroyWindow(w);
-}
-
-TEST_F(GasGaugeTest, MonkeyLeavesNoObjectsBehind)
-{
-    DestroyWindow(g);
-    long before = GdiObjectsInUse();
-    std::mt19937 random(27);
-    HWND gauge = g = parent.CreateChild("GasGauge", ID, 0, 0, 0, W, H);
-    for (int i = 0; i < MonkeySteps(3000, 300); ++i) {
-        LONG n = static_cast<LONG>(random()) - 0x40000000;
-        switch (random() % 9) {
-        case 0: { LONG range[3] = {LONG(random() % 50) - 10, LONG(random() % 300), n % 200};
-                  SendMessageA(gauge, GGM_SETRANGE, 0, reinterpret_cast<LPARAM>(range)); break; }
-        case 1: SendMessageA(gauge, GGM_SETVALUE, 0, random() % 4 ? n % 400 : n); break;
-        case 2: SendMessageA(gauge, GGM_SETBACKCOLOUR + random() % 2, 0, random() & 0xFFFFFF); break;
-        case 3: SendMessageA(gauge, GGM_SETRAISED, random() % 2, 0); break;
-        case 4: SetWindowPos(gauge, nullptr, 0, 0, random() % 300, random() % 60, SWP_NOMOVE | SWP_NOZORDER); break;
-        case 5: SendMessageA(gauge, WM_SETFONT, random() % 2 ? 0 : WPARAM(GetStockObject(SYSTEM_FONT)), 1); break;
-        case 6: UpdateWindow(gauge); break;
-        case 7: SendMessageA(gauge, GGM_SETRANGE, 0, 0); break;
-        case 8: { static const UINT other[] = {WM_KEYDOWN, WM_CHAR, WM_LBUTTONDOWN, WM_MOUSEMOVE,
-                      WM_TIMER, WM_SETFOCUS, WM_KILLFOCUS, WM_ENABLE, WM_GETFONT, GGM_GETBARCOLOUR};
-                  SendMessageA(gauge, other[random() % 10], random() % 3, n); break; }
-        }
-    }
-    DestroyWindow(gauge);
-    EXPECT_EQ(before, GdiObjectsInUse());
 }
 
 }  // namespace

@@ -107,6 +107,19 @@ void PokeTumbler(HWND g, unsigned dice)
     Send(g, TUM_SETRANGE, 0, range);
 }
 
+// Ranges, values and colours of any size, the raised look, and no range.
+void PokeGauge(HWND g, unsigned dice)
+{
+    LONG n = static_cast<LONG>(dice) - 0x40000000, range[3] = {LONG(dice % 50) - 10, LONG(dice / 50 % 300), n % 200};
+    switch (dice % 5) {
+    case 0: SendMessageA(g, GGM_SETRANGE, 0, dice % 7 ? reinterpret_cast<LPARAM>(range) : 0); break;
+    case 1: SendMessageA(g, GGM_SETVALUE, 0, dice % 4 ? n % 400 : n); break;
+    case 2: SendMessageA(g, GGM_SETBACKCOLOUR + dice / 5 % 2, 0, dice & 0xFFFFFF); break;
+    case 3: SendMessageA(g, GGM_SETRAISED, dice / 5 % 2, 0); break;
+    case 4: SendMessageA(g, GGM_GETBARCOLOUR, 0, 0); break;
+    }
+}
+
 bool Always(HWND) { return true; }
 
 // The parent destroys the gadget and at once takes its record's block back
@@ -134,15 +147,6 @@ struct Canary {
             LocalFree(block);
     }
 };
-
-void SetKeys(BYTE keys)
-{
-    BYTE state[256];
-    GetKeyboardState(state);
-    state[VK_SHIFT] = (keys & 1) ? 0x80 : 0;
-    state[VK_CONTROL] = (keys & 2) ? 0x80 : 0;
-    SetKeyboardState(state);
-}
 
 // Presses, moves and releases over the arrows, the middle and anywhere;
 // keys, characters, timers, bad and good text, focus and capture loss,
@@ -204,7 +208,7 @@ std::vector<WORD> RunScript(const Gadget &gadget, const std::vector<Op> &ops,
     });
     for (size_t i = 0; i < ops.size() && IsWindow(g); ++i) {
         const Op &op = ops[i];
-        SetKeys(op.keys);
+        ThreadKeys(op.keys);
         if (op.message == WM_SETFOCUS || op.message == WM_KILLFOCUS)
             SetFocus(op.message == WM_SETFOCUS ? g : parent.Window());
         else if (op.message == WM_SIZE)
@@ -222,7 +226,7 @@ std::vector<WORD> RunScript(const Gadget &gadget, const std::vector<Op> &ops,
         if (i % 500 == 0)
             PumpMessages();
     }
-    SetKeys(0);
+    ThreadKeys(0);
     if (IsWindow(g))
         SendMessageA(g, WM_LBUTTONUP, 0, 0);
     EXPECT_EQ(nullptr, GetCapture()) << gadget.className;
@@ -302,6 +306,7 @@ const Gadget kGadgets[] = {
     {"DateTracker", 0, 200, 160, {DTKN_DATECHANGED, DTKN_DATECHOSEN, DTKN_ERROR}, PokeDateTracker,
      DateTrackerConsistent},
     {"Tumbler", 0, 120, 40, {EN_CHANGE}, PokeTumbler, Always},
+    {"GasGauge", 0, 200, 40, {}, PokeGauge, Always},
 };
 INSTANTIATE_TEST_SUITE_P(TimeGadgets, HostileParentTest, ::testing::ValuesIn(kGadgets));
 INSTANTIATE_TEST_SUITE_P(TimeGadgets, RandomHostTest, ::testing::ValuesIn(kGadgets));

@@ -11,15 +11,6 @@ namespace {
 const int ID = 41;
 const int kMinutesPerPixelHeight = 8 * 60;  // scale height: one pixel a minute over 8 hours
 
-// Shift as GetKeyState sees it on this thread.
-void SetShift(bool down)
-{
-    BYTE keys[256];
-    GetKeyboardState(keys);
-    keys[VK_SHIFT] = down ? 0x80 : 0;
-    SetKeyboardState(keys);
-}
-
 std::string TimeText(const DateTimeValue &t)
 {
     char text[20] = {};
@@ -45,25 +36,20 @@ protected:
     void SetUp() override
     {
         GadgetTest::SetUp();
-        SetShift(false);
+        ThreadKeys(0);
         g = Make(kMinutesPerPixelHeight);
     }
     void TearDown() override
     {
-        SetShift(false);
+        ThreadKeys(0);
         DestroyWindow(g);
         GadgetTest::TearDown();
     }
     HWND Make(int scaleHeight)
     {
-        HDC dc = GetDC(nullptr);
         HWND w = parent.CreateChild("TimeSetter", ID, 0, 10, 10, 50, 100);
         EXPECT_TRUE(w != nullptr);
-        HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(w, WM_GETFONT, 0, 0)));
-        TEXTMETRICA tm;
-        GetTextMetricsA(dc, &tm);
-        SelectObject(dc, old);
-        ReleaseDC(nullptr, dc);
+        TEXTMETRICA tm = FontMetrics(HGDIOBJ(SendMessageA(w, WM_GETFONT, 0, 0)));
         labelHeight = (tm.tmHeight - tm.tmDescent + 2) | 1;
         RECT rc;
         GetWindowRect(w, &rc);
@@ -191,9 +177,9 @@ TEST_F(TimeSetterTest, KeyStepsSnapAndPushTheView)
     };
     for (const auto &row : rows) {
         Start(row.hour, row.minute);
-        SetShift(row.shift);
+        ThreadKeys(row.shift);
         SendMessageA(g, WM_KEYDOWN, row.key, 0);
-        SetShift(false);
+        ThreadKeys(0);
         EXPECT_EQ(At(row.toHour, row.toMinute), Get(TSM_GETVALUE)) << row.hour << ":" << row.minute;
         EXPECT_EQ(At(row.viewHour, row.viewMinute), Get(TSM_GETVIEWSTART)) << row.hour << ":" << row.minute;
         EXPECT_SEQUENCE(parent, time_changed_seq, "key step");
@@ -239,9 +225,9 @@ TEST_F(TimeSetterTest, DraggingTheLabelMovesTheValue)
         unsigned hour, minute;
     } moves[] = {{127, false, 10, 5}, {133, false, 10, 10}, {131, false, 10, 10}, {160, true, 10, 30}, {200, false, 11, 20}};
     for (const auto &m : moves) {
-        SetShift(m.shift);
+        ThreadKeys(m.shift);
         Mouse(WM_MOUSEMOVE, centreX, scaleTop + m.y);
-        SetShift(false);
+        ThreadKeys(0);
         EXPECT_EQ(At(m.hour, m.minute), Get(TSM_GETVALUE)) << m.y;
     }
     EXPECT_EQ(5, Heard(TSN_TIMECHANGED));

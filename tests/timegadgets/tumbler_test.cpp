@@ -40,12 +40,7 @@ protected:
     // The font's line and five pixels, as the gadget sizes itself.
     static int LineHeight(HFONT font)
     {
-        HDC dc = GetDC(nullptr);
-        HGDIOBJ old = SelectObject(dc, font);
-        TEXTMETRICA tm;
-        GetTextMetricsA(dc, &tm);
-        SelectObject(dc, old);
-        ReleaseDC(nullptr, dc);
+        TEXTMETRICA tm = FontMetrics(font);
         return tm.tmHeight + tm.tmExternalLeading + 5;
     }
     static int ButtonX(HWND g)
