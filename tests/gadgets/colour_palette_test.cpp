@@ -18,8 +18,9 @@ protected:
     void SetUp() override
     {
         GadgetTest::SetUp();
-        c = parent.CreateChild("ccpal_popup", ID, kStyle, 10, 10, 120, 200);
+        c = Make();
         ASSERT_TRUE(c);
+        EXPECT_EQ(15, Index()) << "a fresh control shows 15";
         for (LONG i = 0; i < 256; ++i) {
             COLORREF colour = CLR_INVALID;
             SendMessageA(c, CCPM_SETINDEX, 0, i);
@@ -32,6 +33,7 @@ protected:
     }
     void TearDown() override { DestroyWindow(c), GadgetTest::TearDown(); }
     LRESULT Index() { return SendMessageA(c, CCPM_GETINDEX, 0, 0); }
+    HWND Make() { return parent.CreateChild("ccpal_popup", ID, kStyle, 10, 10, 120, 200); }
     HWND List()
     {
         COMBOBOXINFO info = {};
@@ -77,9 +79,6 @@ TEST_F(ColourPaletteTest, NearestColourIsTheFirstOfTheClosestOverTheWholeTable)
 
 TEST_F(ColourPaletteTest, GetterWalksTheIndexLimitsAndTheItemCount)
 {
-    HWND fresh = parent.CreateChild("ccpal_popup", ID + 1, kStyle, 150, 10, 120, 200);
-    EXPECT_EQ(15, SendMessageA(fresh, CCPM_GETINDEX, 0, 0)) << "a fresh control shows 15";
-    DestroyWindow(fresh);
     const struct { LONG index; LONG result; } limits[] = {{-1, -1}, {0, 0}, {255, 0}, {256, -1}};
     for (const auto &l : limits) {
         COLORREF colour = 0x123456;
@@ -211,7 +210,7 @@ TEST_F(ColourPaletteTest, MonkeyLeavesNothingBehind)
             SendMessageA(c, CB_SHOWDROPDOWN, TRUE, 0);
         DestroyWindow(c);  // while open, half the time
         PumpMessages();
-        c = parent.CreateChild("ccpal_popup", ID, kStyle, 10, 10, 120, 200);
+        c = Make();
     }
     DestroyWindow(c);
     c = nullptr;
