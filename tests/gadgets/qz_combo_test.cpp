@@ -13,6 +13,18 @@
 
 namespace {
 
+// A window of another thread that takes the focus, then goes.
+DWORD WINAPI TakeFocusFromAnotherThread(LPVOID)
+{
+    HWND w = CreateWindowA("Edit", "", WS_POPUP | WS_VISIBLE, 0, 0, 50, 20, nullptr, nullptr, nullptr, nullptr);
+    return SetForegroundWindow(w), SetFocus(w), DestroyWindow(w), 0;
+}
+
+BOOL CALLBACK CountWindow(HWND, LPARAM count)
+{
+    return ++*reinterpret_cast<int *>(count), TRUE;
+}
+
 const int kComboId = 300, kButtonId = 301, kChildRouteId = 77;
 std::vector<Message> g_seen;
 std::function<void(WPARAM)> g_onCommand;
@@ -191,10 +203,7 @@ TEST_F(QzCombo, TheLoopEndsOnEveryWayOutAndLeavesNothingBehind)
         {"click on the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_LBUTTONDOWN, MK_LBUTTON, 0); }},
         {"menu of the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_INITMENU, 0, 0); }},
         {"another thread's window takes the focus", [](ComboDialog &) {
-             HANDLE t = CreateThread(nullptr, 0, [](LPVOID) -> DWORD {
-                 HWND w = CreateWindowA("Edit", "", WS_POPUP | WS_VISIBLE, 0, 0, 50, 20, nullptr, nullptr, nullptr, nullptr);
-                 return SetForegroundWindow(w), SetFocus(w), DestroyWindow(w), 0;
-             }, nullptr, 0, nullptr);
+             HANDLE t = CreateThread(nullptr, 0, TakeFocusFromAnotherThread, nullptr, 0, nullptr);
              while (MsgWaitForMultipleObjects(1, &t, FALSE, 5000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
                  PumpMessages();
              CloseHandle(t);
@@ -395,8 +404,7 @@ TEST_F(QzCombo, MonkeyLeavesNoObjectPropertyOrStrayWindow)
         WhileOpen(ComboDialog(kind).combo, [] {}, nullptr, false);
     auto windows = [] {  // the thread's top-level windows: a leaked dialog or combo shows here
         int n = 0;
-        EnumThreadWindows(GetCurrentThreadId(), [](HWND, LPARAM p) { return ++*reinterpret_cast<int *>(p), TRUE; },
-                          reinterpret_cast<LPARAM>(&n));
+        EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&n));
         return n;
     };
     long gdiBefore = GdiObjectsInUse(), windowsBefore = windows();
