@@ -45,3 +45,6 @@ HWND BuildWafflePage(HWND host);
 HWND BuildListBoxPalettePage(HWND host);
 // The QzCombo page (gallery_combo.cpp).
 HWND BuildComboPage(HWND host);
+// Drop-downs pictured open (gallery_dropped.cpp).
+HWND BuildComboDroppedPage(HWND host);
+HWND BuildPaletteDroppedPage(HWND host);

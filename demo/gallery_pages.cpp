@@ -673,6 +673,8 @@ const GalleryPage kGalleryPages[] = {
     {"waffle", "Waffle", BuildWafflePage},
     {"listbox_palette", "QzListBox and colour palette", BuildListBoxPalettePage},
     {"qz_combo", "QzCombo", BuildComboPage},
+    {"qz_combo_open", "QzCombo open", BuildComboDroppedPage},
+    {"palette_open", "Colour palette open", BuildPaletteDroppedPage},
 };
 const int kGalleryPageCount = sizeof kGalleryPages / sizeof *kGalleryPages;
 
