@@ -61,18 +61,17 @@ protected:
         GadgetTest::SetUp();
         savedWeekStart_ = OSDateTimeGetWeekStart();
         OSDateTimeSetWeekStart(0);
+        g = parent.CreateChild("DateTracker", ID, 0, 10, 10, 100, 100);
+        ASSERT_TRUE(g != nullptr);
     }
     void TearDown() override
     {
+        DestroyWindow(g);
         OSDateTimeSetWeekStart(savedWeekStart_);
         GadgetTest::TearDown();
     }
-    HWND Make(RecordingParent &parent)
-    {
-        HWND g = parent.CreateChild("DateTracker", ID, 0, 10, 10, 100, 100);
-        EXPECT_TRUE(g != nullptr);
-        return g;
-    }
+    RecordingParent parent;
+    HWND g = nullptr;
     static void Set(HWND g, const DateTimeValue &d)
     {
         ASSERT_EQ(1, SendMessageA(g, DTKM_SETDATE, 0, reinterpret_cast<LPARAM>(&d))) << ToText(d);
@@ -125,8 +124,6 @@ private:
 // December 2100 is as far as the keys go, and nothing is told then.
 TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     const struct {
         DateTimeValue from;
         UINT key;
@@ -178,8 +175,6 @@ TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
 // WM_SETTEXT, telling the parent a second time.
 TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     Set(g, MakeDate(2024, 5, 20));
     std::string text = DateText(MakeDate(2031, 8, 3));
     Quiet(parent);
@@ -210,8 +205,6 @@ TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 // row wholly in the next month is not drawn.
 TEST_F(DateTrackerTest, GreyCellsAndRowsFollowTheMonth)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     const struct {
         DateTimeValue month;
         std::vector<const char *> rows;  // 'g': a grey day
@@ -242,8 +235,6 @@ TEST_F(DateTrackerTest, GreyCellsAndRowsFollowTheMonth)
 // then the same as a full paint of the new date, the old cell clean.
 TEST_F(DateTrackerTest, FocusMovesWithoutTrace)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     for (UINT key : {VK_RIGHT, VK_DOWN, VK_LEFT}) {
         Set(g, MakeDate(2015, 9, 10));
         Readback before = Readback::Of(g);
@@ -260,8 +251,6 @@ TEST_F(DateTrackerTest, FocusMovesWithoutTrace)
 // next month chooses that; a drag off the gadget changes nothing more.
 TEST_F(DateTrackerTest, MouseSelectsAndChoosesDays)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     const DateTimeValue september = MakeDate(2015, 9, 10);
     Set(g, september);
     Layout layout(g, september);
@@ -305,8 +294,6 @@ TEST_F(DateTrackerTest, MouseSelectsAndChoosesDays)
 // up again; released, it looks as before the press.
 TEST_F(DateTrackerTest, MonthButtonsStepAndShowTheirState)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     Set(g, MakeDate(2015, 9, 10));
     Layout layout(g, MakeDate(2015, 9, 10));
     for (bool next : {false, true}) {
@@ -336,8 +323,6 @@ TEST_F(DateTrackerTest, MonthButtonsStepAndShowTheirState)
 // seconds at the fast pace. Every step is told once.
 TEST_F(DateTrackerTest, HeldMonthButtonRepeatsAfterItsDelays)
 {
-    RecordingParent parent;
-    HWND g = Make(parent);
     Set(g, MakeDate(2000, 1, 15));
     Layout layout(g, MakeDate(2000, 1, 15));
     POINT on = {layout.next.left + 4, layout.next.top + 4};

@@ -55,7 +55,14 @@ struct TrackerSpy {
 
 class FreeTimeTest : public GadgetTest {
 protected:
-    HWND Make(RecordingParent &parent, int people)
+    RecordingParent parent{600, 500};
+    void TearDown() override
+    {
+        for (HWND child; (child = GetWindow(parent.Window(), GW_CHILD)) != nullptr;)
+            DestroyWindow(child);
+        GadgetTest::TearDown();
+    }
+    HWND Make(int people)
     {
         HWND g = parent.CreateChild("FreeTime", ID, 0, 0, 0, 420, 400);
         EXPECT_TRUE(g != nullptr);
@@ -87,8 +94,7 @@ protected:
 // Touching blocks stay two; a block flagged as not busy is left out.
 TEST_F(FreeTimeTest, OverlappingPeopleGiveTheTrackerOneBlock)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 3);
+    HWND g = Make(3);
     LRESULT ideal = Send(tracker, TTM_GETIDEALSIZE, 0);
     EXPECT_EQ(1, Add(g, 1, Busy(0, 9, 0, 90)));
     EXPECT_EQ(1, Add(g, 2, Busy(0, 10, 0, 60)));
@@ -116,8 +122,7 @@ TEST_F(FreeTimeTest, OverlappingPeopleGiveTheTrackerOneBlock)
 // a block out of it.
 TEST_F(FreeTimeTest, ConflictAtTheEdgesOfABusyBlock)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 2);
+    HWND g = Make(2);
     Add(g, 2, Busy(0, 10, 0, 60));
     static const struct { int hour, minute, length, optional, ignore; LRESULT conflict; } kCases[] = {
         {10, 15, 30, 0, 0, 1}, {9, 0, 60, 0, 0, 0}, {9, 1, 60, 0, 0, 1}, {11, 0, 60, 0, 0, 0},
@@ -136,8 +141,7 @@ TEST_F(FreeTimeTest, ConflictAtTheEdgesOfABusyBlock)
 // with a start outside the calendar is refused whole.
 TEST_F(FreeTimeTest, BusyListsAreCopiedAndChecked)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 1);
+    HWND g = Make(1);
     BusyInterval list[2] = {Busy(0, 9, 0, 30, 7), Busy(0, 12, 0, 30, 8)};
     EXPECT_EQ(-1, Send(g, FTM_SETBUSYLIST, 1, list));
     EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
@@ -168,8 +172,7 @@ TEST_F(FreeTimeTest, BusyListsAreCopiedAndChecked)
 // Sunday goes on to the next one.
 TEST_F(FreeTimeTest, WeekRules)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 0);
+    HWND g = Make(0);
     static const struct { int day; int monday; } kDays[] = {{0, 0}, {2, 0}, {5, 0}, {6, 7}, {7, 7}, {-1, 0}};
     for (const auto &d : kDays) {
         DateTimeValue day = At(d.day, 15, 40), week = {};
@@ -187,8 +190,7 @@ TEST_F(FreeTimeTest, WeekRules)
 // unavailable person's column is shaded, a day off shows nothing.
 TEST_F(FreeTimeTest, ClippingAndShadingByReadback)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 3);
+    HWND g = Make(3);
     ShowWindow(parent.Window(), SW_SHOW);
     EXPECT_EQ(1, Send(g, FTM_SETVIEWMODE, 1));
     DateTimeValue view = At(0, 8);
@@ -223,8 +225,7 @@ TEST_F(FreeTimeTest, ClippingAndShadingByReadback)
 // the day found and a day before.
 TEST_F(FreeTimeTest, FreeSlotSearchAcrossDays)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 2);
+    HWND g = Make(2);
     Add(g, 1, Busy(0, 9, 0, 8 * 60));
     Add(g, 2, Busy(1, 9, 0, 7 * 60));
     static const struct { int length, limitDay; DWORD found; int day, hour; } kCases[] = {
@@ -318,7 +319,6 @@ TEST_F(FreeTimeTest, DialogRenumberingCalendarEndAndHostileHost)
 // destroyed): nothing drawn is left behind.
 TEST_F(FreeTimeTest, EachRefusalLeavesNoGdiObject)
 {
-    RecordingParent parent(600, 500);
     ShowWindow(parent.Window(), SW_SHOW);
     for (const char *name : {"FreeTime", "TimeTracker", "TimeSetter"}) {
         auto life = [&] {
@@ -351,8 +351,7 @@ TEST_F(FreeTimeTest, EachRefusalLeavesNoGdiObject)
 // that of the model.
 TEST_F(FreeTimeTest, MonkeyKeepsUnionAndConflictWithTheModel)
 {
-    RecordingParent parent(600, 500);
-    HWND g = Make(parent, 0);
+    HWND g = Make(0);
     std::mt19937 rng(26);
     struct Person { bool present = false, optional = false; std::vector<BusyInterval> busy; };
     Person model[5];

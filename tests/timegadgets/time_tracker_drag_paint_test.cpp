@@ -130,10 +130,6 @@ TEST_F(TimeTrackerDragPaint, StepRefusedAnObjectStillShowsTheFullRepaint)
     EXPECT_EQ(before, GdiObjectsInUse());
 }
 
-}  // namespace
-
-namespace {
-
 // The end label as the gadget shows it, against the same label drawn by the
 // platform's DrawText (centred both ways, one line) on a copy of what is
 // shown: the label's edges are found in the pixels (white top and left,

@@ -46,6 +46,13 @@ BusyInterval Busy(const DateTimeValue &start, DWORD minutes, DWORD flags = 0)
 
 class TimeTrackerTest : public GadgetTest {
 protected:
+    RecordingParent parent{320, 600};
+    void TearDown() override
+    {
+        for (HWND child; (child = GetWindow(parent.Window(), GW_CHILD)) != nullptr;)
+            DestroyWindow(child);
+        GadgetTest::TearDown();
+    }
     HWND Make(RecordingParent &parent, DWORD style = 0, int height = 300)
     {
         HWND g = parent.CreateChild("TimeTracker", ID, style, 10, 10, 100, height);
@@ -95,7 +102,6 @@ protected:
 // lands the start on the hour nearest the time that y reads back as.
 TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
 {
-    RecordingParent parent(320, 420);
     HWND g = nullptr;
     LONG top = 0, height = 0;
     for (int h = 300; h < 316; ++h) {
@@ -133,7 +139,6 @@ TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
 // ---------------------------------------------------------------- normalising
 TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
 {
-    RecordingParent parent;
     HWND g = Make(parent);
     enum Op { SetStart, SetEnd, SetDuration, SetStartKeep };
     const struct {
@@ -178,7 +183,6 @@ TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
 // shows as that column's busy colour at the interval's middle.
 TEST_F(TimeTrackerTest, BusyLanesByOneAndAsAListRemovalAndColours)
 {
-    RecordingParent parent;
     HWND g = Make(parent);
     const DWORD baseWidth = LOWORD(Send(g, TTM_GETIDEALSIZE, 0, nullptr));
     const BusyInterval list[] = {
@@ -242,7 +246,6 @@ static const Message arrow_release_seq[] = {
 
 TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
 {
-    RecordingParent parent(320, 420);
     HWND g = Make(parent, TTS_LIVETEXT | TTS_TRACKNOTIFY, 320);
     SetFocus(parent.Window());
     parent.Clear();
@@ -323,7 +326,6 @@ DateTimeValue M(int minutes) { return At(0, minutes); }
 // past its end; with TTS_SINGLEDAY at the day's first and last steps.
 TEST_F(TimeTrackerTest, KeysAtTheEdgesOfTheViewAndTheDay)
 {
-    RecordingParent parent;
     const WPARAM U = VK_UP, D = VK_DOWN;
     const struct {
         bool singleDay;
@@ -375,7 +377,6 @@ TEST_F(TimeTrackerTest, KeysAtTheEdgesOfTheViewAndTheDay)
 // TTS_KEEPVISIBLE scrolls only once the appointment leaves the view.
 TEST_F(TimeTrackerTest, StartKeepCeilingAndKeepVisibleEdges)
 {
-    RecordingParent parent;
     HWND g = Make(parent), kept = Make(parent, TTS_KEEPVISIBLE);
     const struct { int fine, start, toStart, toEnd; } keeps[] = {
         {5, 1434, 1434, 1435}, {5, 1435, 1435, 1435}, {5, 1438, 1435, 1435},
@@ -409,7 +410,6 @@ TEST_F(TimeTrackerTest, StartKeepCeilingAndKeepVisibleEdges)
 // less the fine step) and goes on a minute short of it. -1: not checked.
 TEST_F(TimeTrackerTest, FreeSlotFindsStopsAtTheCloseAndTheLimitOrRefuses)
 {
-    RecordingParent parent;
     HWND g = Make(parent);
     const BusyInterval blocks[] = {Busy(At(10, 0), 150), Busy(At(13, 0), 270)};
     const struct {
@@ -471,7 +471,6 @@ TEST_F(TimeTrackerTest, FreeSlotFindsStopsAtTheCloseAndTheLimitOrRefuses)
 // Dragging the start alone, and the duration label that moves both.
 TEST_F(TimeTrackerTest, DraggingTheStartOrTheWhole)
 {
-    RecordingParent parent;
     HWND g = Make(parent);
     const struct { int pressAt, moveTo, toStart, toEnd; } rows[] = {
         {600, 570, 570, 720}, {660, 720, 660, 780}, {660, 600, 540, 660},
@@ -492,7 +491,6 @@ TEST_F(TimeTrackerTest, DraggingTheStartOrTheWhole)
 // error; a label's grey starts one pixel inside its white edge.
 TEST_F(TimeTrackerTest, TallerHourAtTheTopTextOrderAndLabelFace)
 {
-    RecordingParent parent(320, 600);
     HWND g = Make(parent);
     SendMessageA(g, TTM_SETHOURSINVIEW, 3, 0);
     const LONG top = Y(g, At(8, 0));
@@ -521,7 +519,6 @@ TEST_F(TimeTrackerTest, TallerHourAtTheTopTextOrderAndLabelFace)
 // parent hears nothing more, and the next press starts a new drag.
 TEST_F(TimeTrackerTest, CaptureLossEndsTheDragQuietly)
 {
-    RecordingParent parent;
     HWND g = Make(parent, TTS_NOFOCUS | TTS_LIVETEXT);
     LONG top, height;
     Scale(g, &top, &height);
@@ -550,47 +547,31 @@ TEST_F(TimeTrackerTest, CaptureLossEndsTheDragQuietly)
 }
 
 // ---------------------------------------------------------------- end to end
-struct DialogLog {
-    HWND tracker = nullptr;
-    std::vector<WORD> codes;
-};
+std::vector<WORD> dialogHeard;  // the codes the dialog's tracker sent it
 
-INT_PTR CALLBACK TrackerDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+INT_PTR CALLBACK TrackerDialogProc(HWND, UINT message, WPARAM wParam, LPARAM)
 {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrA(dialog, DWLP_USER, lParam);
-        return TRUE;
-    }
-    auto *log = reinterpret_cast<DialogLog *>(GetWindowLongPtrA(dialog, DWLP_USER));
-    if (message == WM_COMMAND && log && LOWORD(wParam) == ID && reinterpret_cast<HWND>(lParam) == log->tracker) {
-        log->codes.push_back(HIWORD(wParam));
-        return TRUE;
-    }
-    return FALSE;
+    if (message == WM_COMMAND && LOWORD(wParam) == ID)
+        dialogHeard.push_back(HIWORD(wParam));
+    return message == WM_INITDIALOG || message == WM_COMMAND;
 }
 
-// The application's dialog with its tracker: the host places the
-// appointment, the user steps it with a key, the host reads the result.
-// (A search that runs off the calendar is shown to the user through the
-// FreeTime dialog, which hands its search to this tracker.)
+// The application's dialog with its tracker, which has the focus once the
+// dialog opens: the host places the appointment, the user steps it with a
+// key, the host hears of it and reads the text. (A search that runs off the
+// calendar is shown through the FreeTime dialog, which hands it to this.)
 TEST_F(TimeTrackerTest, DialogFromTheResourceLibraryEndToEnd)
 {
-    DialogLog log;
-    HWND dialog = CreateDialogParam(ResourceGetHandle(), "TRACKERDIALOG", nullptr, TrackerDialogProc,
-                                    reinterpret_cast<LPARAM>(&log));
-    ASSERT_TRUE(dialog != nullptr);
-    ShowWindow(dialog, SW_SHOW);
+    HWND dialog = CreateDialogParam(ResourceGetHandle(), "TRACKERDIALOG", nullptr, TrackerDialogProc, 0);
     HWND g = GetDlgItem(dialog, ID);
     ASSERT_TRUE(g != nullptr);
-    log.tracker = g;
+    ShowWindow(dialog, SW_SHOW);
     Place(g, At(8, 0), At(10, 0), At(11, 0));
     PumpMessages();
-    log.codes.clear();
-    // The dialog gave the tracker the focus when it opened; a key moves
-    // both times, and the host hears of it and reads the text.
+    dialogHeard.clear();
     EXPECT_EQ(g, GetFocus());
     SendMessageA(g, WM_KEYDOWN, VK_DOWN, 0);
-    EXPECT_EQ(std::vector<WORD>{TTN_TIMECHANGED}, log.codes);
+    EXPECT_EQ(std::vector<WORD>{TTN_TIMECHANGED}, dialogHeard);
     DateTimeValue start = Get(g, TTM_GETSTART);
     EXPECT_EQ(At(10, 5), start);
     char text[64];
