@@ -91,13 +91,9 @@ TEST(GadgetRegistrationProbe, AMissingLabelStringFailsWithTheCountAtZero)
     WriteProfileStringA(section, key.c_str(), nullptr);
 }
 
-TEST(GadgetLcdOption, ReturnsTheFlagAsGiven)
-{
-    for (LONG flag : {1L, -7L, 0L}) EXPECT_EQ(flag, Gadgets_LCDOption(flag));
-}
-
 // The text colour rule at its edges: green alone decides without the LCD
-// option; with it only a near-black blue gives white.
+// option; with it only a near-black blue gives white. The library's export of
+// the option hands each flag back.
 TEST(GadgetContrastTextColor, SwitchesAtItsBoundaries)
 {
     const COLORREF black = RGB(0, 0, 0), white = RGB(255, 255, 255);
@@ -111,14 +107,15 @@ TEST(GadgetContrastTextColor, SwitchesAtItsBoundaries)
         {0, RGB(0, 255, 0), black},     {0, RGB(255, 0, 255), white},
         {1, RGB(0, 0, 128), white},     {1, RGB(0, 0, 129), black},
         {1, RGB(0, 0, 0), white},       {1, RGB(1, 0, 0), black},
-        {1, RGB(0, 1, 0), black},       {1, RGB(0, 255, 0), black},
+        {1, RGB(0, 1, 0), black},       {-7, RGB(0, 255, 0), black},
     };
     for (const Case &c : cases) {
+        EXPECT_EQ(c.lcd, Gadgets_LCDOption(c.lcd));
         g_gadgetLcdOption = c.lcd;
         EXPECT_EQ(c.text, GadgetContrastTextColor(c.background))
             << "lcd " << c.lcd << " background " << std::hex << c.background;
     }
-    g_gadgetLcdOption = 0;
+    g_gadgetLcdOption = Gadgets_LCDOption(0);
 }
 
 // Draws into a 20 x 12 DIB section and reads it back.
@@ -155,46 +152,6 @@ TEST(GadgetButtonFaces, RaisedAndPressed)
     EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(0, 0));
     EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(19, 11));
     EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(10, 0));
-}
-
-// A window class with one pointer-sized word of extra, as gadgets have.
-const char *GadgetLikeClass()
-{
-    static ATOM atom = [] {
-        WNDCLASSA wc = {};
-        wc.lpfnWndProc = DefWindowProcA;
-        wc.cbWndExtra = sizeof(LONG_PTR);
-        wc.hInstance = GetModuleHandleA(nullptr);
-        wc.lpszClassName = "QzGadgetLike";
-        return RegisterClassA(&wc);
-    }();
-    return atom ? "QzGadgetLike" : nullptr;
-}
-
-TEST(GadgetInstance, RecordLivesInWordZeroAndNotificationsReachTheParent)
-{
-    RecordingParent parent;
-    HWND gadget = parent.CreateChild(GadgetLikeClass(), 321, 0, 0, 0, 50, 20);
-    ASSERT_TRUE(gadget);
-    struct Record {
-        LONG_PTR words[8];
-    };
-    auto *made = static_cast<Record *>(GadgetCreateRecord(gadget, sizeof(Record)));
-    ASSERT_TRUE(made);
-    EXPECT_EQ(made, GadgetRecord<Record>(gadget));
-    for (LONG_PTR w : made->words) EXPECT_EQ(0, w);
-
-    parent.Clear();
-    GadgetNotifyParent(gadget, 0x7FFE);
-    GadgetNotifyParent(gadget, 2);
-    static const Message notified[] = {
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(321, 0x7FFE), 0},
-        {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(321, 2), 0},
-        {0, 0, 0, 0}};
-    EXPECT_SEQUENCE(parent, notified, "notifications");
-
-    GadgetFreeRecord(gadget, true);
-    EXPECT_EQ(nullptr, GadgetRecord<Record>(gadget));
 }
 
 }  // namespace

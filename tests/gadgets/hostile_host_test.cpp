@@ -136,15 +136,11 @@ protected:
     }
 };
 
-TEST_F(HostileHost, VListBoxSurvivesAHostThatDestroysItOrOpensABoxAnywhere)
+TEST_F(HostileHost, BothListsSurviveAHostThatDestroysThemOrOpensABoxAnywhere)
 {
     Walk(false, {VLN_INIT, VLN_LOAD, VLN_RELEASE, VLN_MEASURE, VLN_DRAW, VLN_SELCHANGE, VLN_DBLCLK,
                  VLN_SETFOCUS, VLN_KILLFOCUS, VLN_CHAR, VLN_FIND, VLN_GETTEXT, VLN_DESTROY,
                  kParent | 0x0B, kParent | 0x0C, kParent | 0x11, kParent | 0x12});
-}
-
-TEST_F(HostileHost, DVListBoxSurvivesAHostThatDestroysItOrOpensABoxAnywhere)
-{
     Walk(true, {VLN_INIT, VLN_LOAD, VLN_RELEASE, VLN_MEASURE, VLN_DRAW, VLN_SELCHANGE, VLN_DBLCLK,
                 VLN_SETFOCUS, VLN_KILLFOCUS, VLN_CHAR});
 }

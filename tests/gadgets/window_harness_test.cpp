@@ -66,28 +66,4 @@ TEST(WindowHarness, ReadsBackWhatWasPainted)
     EXPECT_GT(whole.Width(), face.Width());
 }
 
-TEST(WindowHarness, DragFollowsCaptureAndHeldKeysAreDown)
-{
-    RecordingParent parent;
-    HWND edit = parent.CreateChild("EDIT", 5, ES_AUTOHSCROLL, 0, 0, 200, 24, "abcdef");
-    ASSERT_TRUE(edit);
-    Drag(edit, {1, 5}, {199, 5});
-    DWORD selection = static_cast<DWORD>(SendMessageA(edit, EM_GETSEL, 0, 0));
-    EXPECT_EQ(0u, LOWORD(selection));
-    EXPECT_EQ(6u, HIWORD(selection));
-    EXPECT_EQ(nullptr, GetCapture());
-
-    Key(edit, VK_HOME);
-    Chars(edit, "x");
-    char text[16] = {};
-    GetWindowTextA(edit, text, sizeof text);
-    EXPECT_STREQ("xabcdef", text);
-
-    {
-        HeldKey shift(VK_SHIFT);
-        EXPECT_TRUE(GetAsyncKeyState(VK_SHIFT) & 0x8000);
-    }
-    EXPECT_FALSE(GetAsyncKeyState(VK_SHIFT) & 0x8000);
-}
-
 }  // namespace
