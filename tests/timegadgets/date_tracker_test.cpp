@@ -3,6 +3,7 @@
 // random input, through messages as a host drives it.
 #include "qz_test.h"
 #include "window_harness.h"
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -349,16 +350,21 @@ TEST_F(DateTrackerTest, HeldMonthButtonRepeatsAfterItsDelays)
     waitFor(2, 10000);
     EXPECT_GE(months(), 2);
     // Past two seconds the steps come at 55 ms: from one step, four more
-    // take far less than the second they would at 250 ms.
+    // take far less than the second they would at 250 ms. The fastest of
+    // four runs counts, so a stall of a loaded machine does not.
     while (GetTickCount() - pressed < 2300) {
         PumpMessages();
         Sleep(5);
     }
-    waitFor(months() + 1, 10000);
-    int fastFrom = months();
-    DWORD fastStart = GetTickCount();
-    waitFor(fastFrom + 4, 10000);
-    EXPECT_LT(GetTickCount() - fastStart, 800u);
+    DWORD fastest = ~0u;
+    for (int run = 0; run < 4; run++) {
+        waitFor(months() + 1, 10000);
+        int fastFrom = months();
+        DWORD fastStart = GetTickCount();
+        waitFor(fastFrom + 4, 10000);
+        fastest = std::min(fastest, GetTickCount() - fastStart);
+    }
+    EXPECT_LT(fastest, 800u);
     Release(g, on);
     int held = months();
     parent.Pump();
