@@ -140,10 +140,6 @@ TEST_F(PageTest, NoExtentPaintsBlankAndDividesNothing)
     auto blank = [&] { Readback rb = Readback::Of(g); return rb.Uniform() && rb.At(5, 5) == GetSysColor(COLOR_WINDOW); };
     Set(g, flat);
     EXPECT_TRUE(blank() && Hover(g, {20, 100}) == -1);
-    Set(g, kBase);  // flattened in the middle of a drag: the moves write nothing
-    Hover(g, {20, 100}), Mouse(g, WM_LBUTTONDOWN, {20, 100}), SendMessageA(g, PGM_SETLAYOUT, 0, LPARAM(&flat));
-    Mouse(g, WM_MOUSEMOVE, {40, 100}), Mouse(g, WM_LBUTTONUP, {40, 100});
-    EXPECT_EQ(20, Get(g).marginLeft);
     Set(g, thin);
     EXPECT_FALSE(blank());
     Click(g);
@@ -151,16 +147,18 @@ TEST_F(PageTest, NoExtentPaintsBlankAndDividesNothing)
 }
 
 // A drag ends cleanly when the capture is taken away, the mode cancelled,
-// or the parent destroys the gadget from the notification.
-TEST_F(PageTest, DragEndsOnCaptureLossCancelModeAndHostileParent)
+// the sheet flattened to no extent (whose margin then stays as set), or the
+// parent destroys the gadget from the notification.
+TEST_F(PageTest, DragEndsOnCaptureLossCancelModeNoExtentAndHostileParent)
 {
-    for (UINT cut : {WM_CAPTURECHANGED, WM_CANCELMODE}) {
+    PageLayout flat = kBase;
+    flat.sheetWidth = 0;
+    for (UINT cut : {WM_CAPTURECHANGED, WM_CANCELMODE, PGM_SETLAYOUT}) {
         Hover(g, {20, 100}), Mouse(g, WM_LBUTTONDOWN, {20, 100}), Mouse(g, WM_MOUSEMOVE, {30, 100});
-        cut == WM_CAPTURECHANGED ? (void)SetCapture(dialog) : (void)SendMessageA(g, WM_CANCELMODE, 0, 0);
-        ReleaseCapture(), g_codes.clear();
-        Mouse(g, WM_MOUSEMOVE, {60, 100});
-        EXPECT_TRUE(g_codes.empty() && Get(g).marginLeft == 30) << cut;
-        Set(g, kBase);
+        cut == WM_CAPTURECHANGED ? (void)SetCapture(dialog) : (void)SendMessageA(g, cut, 0, LPARAM(&flat));
+        g_codes.clear(), Mouse(g, WM_MOUSEMOVE, {60, 100});
+        EXPECT_TRUE(g_codes.empty() && Get(g).marginLeft == (cut == PGM_SETLAYOUT ? 20 : 30)) << cut;
+        Mouse(g, WM_LBUTTONUP, {60, 100}), ReleaseCapture(), Set(g, kBase);
     }
     RecordingParent parent;
     HWND p = parent.CreateChild("Page", ID, 0, 0, 0, W, H);
