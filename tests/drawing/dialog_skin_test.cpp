@@ -2,7 +2,7 @@
 // they are placed, and how bitmap check boxes paint.
 #include "import_patch.h"
 #include "message_box_driver.h"
-#include "qz_test.h"
+#include "surface.h"
 #include "window_harness.h"
 #include <commdlg.h>
 #include <vector>
@@ -217,24 +217,13 @@ TEST_F(DialogSkin, CentresExactlyAndStaysOnTheScreen)
     ShowWindow(gray.main.Window(), SW_RESTORE);
 }
 
-// A 16 x 12 picture: its top-left colour (magenta) is transparent, the rest
-// is `colour`.
+// A 16 x 12 picture: its top two rows in the transparent colour (magenta,
+// the top-left pixel's), the rest `colour`.
 HBITMAP Picture(COLORREF colour)
 {
-    HDC screen = GetDC(nullptr);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 16, 12);
-    HDC dc = CreateCompatibleDC(screen);
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    RECT all = {0, 0, 16, 12}, frame = {0, 0, 16, 2};
-    HBRUSH fill = CreateSolidBrush(colour), clear = CreateSolidBrush(RGB(255, 0, 255));
-    FillRect(dc, &all, fill);
-    FillRect(dc, &frame, clear);
-    DeleteObject(fill);
-    DeleteObject(clear);
-    SelectObject(dc, old);
-    DeleteDC(dc);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
+    std::vector<std::string> rows(12, std::string(16, 'b'));
+    rows[0] = rows[1] = std::string(16, 'a');
+    return MakeImage(rows, {RGB(255, 0, 255), colour});
 }
 
 BOOL WINAPI RefusedBlit(HDC, int, int, int, int, HDC, int, int, DWORD) { return FALSE; }
