@@ -326,58 +326,53 @@ TEST_F(DVListBox, EndsAreFoundByReloadsAndKnownEndsStopTheView)
 
 TEST_F(DVListBox, ReferencesSurviveReloadsAndDeletions)
 {
-    db_.keys = Keys(300);
-    HWND list = Make(0, 300);
-    Click(list, 5, 4 * RowHeight() + 1);
-    DWORD chosen = db_.keys[4];
-    EXPECT_EQ(4, DVListBox_GetCurSel(list));
-    // Two records before it go; the host reloads around the present top.
-    db_.keys.erase(db_.keys.begin() + 1, db_.keys.begin() + 3);
-    DVListBox_SetNumItems(list, 298);
-    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
-    EXPECT_EQ(2, DVListBox_GetCurSel(list));
-    EXPECT_EQ(chosen, CurRef(list));
-    EXPECT_EQ(Name(chosen), Text(list, 2));
-    // The record itself goes: the index is lost, the reference stays, and
-    // the next move asks the host where it is.
-    db_.keys.erase(db_.keys.begin() + 2);
-    DVListBox_SetNumItems(list, 297);
-    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
-    EXPECT_EQ(DVL_NOINDEX, DVListBox_GetCurSel(list));
-    db_.Take();
-    DWORD key = 0;
-    EXPECT_TRUE(DVListBox_GetCaretRef(list, &key));
-    EXPECT_EQ(chosen, key);
-    Key(list, VK_DOWN);
-    EXPECT_EQ(Log({"FIND " + std::to_string(chosen)}), db_.Take()) << "not found: the key is ignored";
-    // A caret set by reference to a record far off loads once around it.
-    DWORD distant = db_.keys[250];
-    EXPECT_TRUE(DVListBox_SetCaretRefNReload(list, &distant, FALSE));
-    EXPECT_EQ(1u, Lines(db_.Take(), "LOAD").size());
-    EXPECT_EQ(250, DVListBox_GetCurSel(list));
-    EXPECT_TRUE(DVListBox_IsItemVisible(list, 250));
-    // Out of range asks nothing.
-    EXPECT_FALSE(DVListBox_GetItemRef(list, 400, &key));
-    EXPECT_EQ(Log(), db_.Take());
-    Finish(list);
-}
-
-TEST_F(DVListBox, PaintsTheSelectedRecordWhereItMoved)
-{
     for (DWORD style : {DWORD(0), DWORD(VLS_DOUBLEBUFFER)}) {
         db_ = Db();
         db_.keys = Keys(300);
         HWND list = Make(style, 300);
-        Click(list, 5, 3 * RowHeight() + 1);
-        db_.keys.erase(db_.keys.begin());
-        DVListBox_SetNumItems(list, 299);
+        Click(list, 5, 4 * RowHeight() + 1);
+        const DWORD chosen = db_.keys[4];
+        EXPECT_EQ(4, DVListBox_GetCurSel(list));
+        // Two records before it go; the host reloads around the present top.
+        db_.keys.erase(db_.keys.begin() + 1, db_.keys.begin() + 3);
+        DVListBox_SetNumItems(list, 298);
         DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+        EXPECT_EQ(2, DVListBox_GetCurSel(list));
+        EXPECT_EQ(chosen, CurRef(list));
+        EXPECT_EQ(Name(chosen), Text(list, 2));
         Readback back = Readback::Of(list);
-        COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
+        const COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT);
         const int h = RowHeight();
-        RECT row2 = {0, 2 * h, back.Width(), 3 * h}, row3 = {0, 3 * h, back.Width(), 4 * h};
-        EXPECT_GT(back.Count(highlight, &row2), 0) << style << ": the record is now on row 2";
-        EXPECT_EQ(0, back.Count(highlight, &row3)) << style;
+        RECT row2 = {0, 2 * h, back.Width(), 3 * h}, row4 = {0, 4 * h, back.Width(), 5 * h};
+        EXPECT_GT(back.Count(highlight, &row2), 0) << style << ": the record is painted where it moved";
+        EXPECT_EQ(0, back.Count(highlight, &row4)) << style;
+        // The record itself goes: the index is lost, the reference stays, and
+        // the next move asks the host where it is.
+        db_.keys.erase(db_.keys.begin() + 2);
+        DVListBox_SetNumItems(list, 297);
+        DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
+        EXPECT_EQ(DVL_NOINDEX, DVListBox_GetCurSel(list));
+        db_.Take();
+        DWORD key = 0;
+        EXPECT_TRUE(DVListBox_GetCaretRef(list, &key));
+        EXPECT_EQ(chosen, key);
+        Key(list, VK_DOWN);
+        EXPECT_EQ(Log({"FIND " + std::to_string(chosen)}), db_.Take()) << "not found: the key is ignored";
+        // It comes back: found on screen (the host asking for a reload), the
+        // key moves the caret from it without reloading.
+        db_.keys.insert(db_.keys.begin() + 2, chosen);
+        Key(list, VK_DOWN);
+        EXPECT_EQ(Log({"FIND " + std::to_string(chosen), "SELCHANGE"}), db_.Take());
+        EXPECT_EQ(3, DVListBox_GetCaretIndex(list));
+        // A caret set by reference to a record far off loads once around it.
+        DWORD distant = db_.keys[250];
+        EXPECT_TRUE(DVListBox_SetCaretRefNReload(list, &distant, FALSE));
+        EXPECT_EQ(1u, Lines(db_.Take(), "LOAD").size());
+        EXPECT_EQ(250, DVListBox_GetCurSel(list));
+        EXPECT_TRUE(DVListBox_IsItemVisible(list, 250));
+        // Out of range asks nothing.
+        EXPECT_FALSE(DVListBox_GetItemRef(list, 400, &key));
+        EXPECT_EQ(Log(), db_.Take());
         Finish(list);
     }
 }
@@ -517,24 +512,6 @@ TEST_F(DVListBox, AlphabeticThumbSearchesTwoLettersBackToTheTop)
     EXPECT_EQ("SEARCH mu", searches[1]);
     EXPECT_EQ("SEARCH aa", searches.back());
     EXPECT_EQ(0, DVListBox_GetTopIndex(list));
-    Finish(list);
-}
-
-// A key whose caret the host finds on screen (asking for a reload) only
-// repaints the row.
-TEST_F(DVListBox, AKeyThatLeavesTheCaretOnScreenDoesNotReload)
-{
-    db_.keys = Keys(100);
-    HWND list = Make(0, 100);
-    Click(list, 5, 3 * RowHeight() + 1);
-    db_.keys.erase(db_.keys.begin() + 3);  // the caret's record goes, the list reloads
-    DVListBox_SetTopIndex(list, DVL_NOINDEX, TRUE);
-    ASSERT_EQ(DVL_NOINDEX, DVListBox_GetCaretIndex(list));
-    db_.keys = Keys(100);  // and comes back: VLN_FIND finds it at 3, asking for a reload
-    db_.Take();
-    Key(list, VK_DOWN);
-    EXPECT_EQ(4, DVListBox_GetCaretIndex(list));
-    EXPECT_EQ(Log({"FIND 130", "SELCHANGE"}), db_.Take());
     Finish(list);
 }
 
