@@ -462,10 +462,13 @@ TEST_F(VListBox, PaintsTheSelectionInHighlightColoursAndTheFocusOnlyWhileFocused
     EXPECT_EQ(0, Readback::Of(list).Differences(selected)) << "the frame goes with the focus";
 }
 
-TEST_F(VListBox, OwnerDrawRowsAreMeasuredAndDrawnByTheCallback)
+// Owner-drawn rows are measured and drawn by the callback; double clicks and
+// characters reach it only with VLS_NOTIFY and VLS_WANTCHARS.
+TEST_F(VListBox, TheCallbackDrawsRowsAndHearsDoubleClicksAndCharactersOnlyWhenAsked)
 {
     for (LONG measure : {0L, 23L}) {
-        HWND list = Make(VLS_OWNERDRAW, 1000, host);
+        const DWORD asked = measure ? VLS_NOTIFY | VLS_WANTCHARS : 0;
+        HWND list = Make(VLS_OWNERDRAW | asked, 1000, host);
         RECT client;
         GetClientRect(list, &client);
         host.measure = measure;
@@ -493,23 +496,15 @@ TEST_F(VListBox, OwnerDrawRowsAreMeasuredAndDrawnByTheCallback)
         log = host.Take();
         EXPECT_NE(log.end(), std::find(log.begin(), log.end(), draw(3, VLDS_SELECTED, 3)));
         EXPECT_EQ(draw(3, VLDS_SELECTED | VLDS_FOCUS, 0), log.back()) << "the caret drawn with the focus";
-        SetFocus(parent_->Window());
-        DestroyWindow(list);
-    }
-}
-
-TEST_F(VListBox, DoubleClicksAndCharactersReachTheCallbackOnlyWhenAsked)
-{
-    for (DWORD style : {0ul, static_cast<unsigned long>(VLS_NOTIFY | VLS_WANTCHARS)}) {
-        HWND list = Make(style, 1000, host);
         VListBox_SetTopIndex(list, 40);
-        DoubleClick(list, 5, RowHeight() * 2 + 1);
+        DoubleClick(list, 5, h * 2 + 1);
         SendMessageA(list, WM_CHAR, 'x', 3);
-        Log log, all = host.Take();
-        for (const std::string &line : all)
+        Log heard;
+        for (const std::string &line : host.Take())
             if (line.rfind("DBLCLK", 0) == 0 || line.rfind("CHAR", 0) == 0)
-                log.push_back(line);
-        EXPECT_EQ(style ? Log({"DBLCLK 42 0", "CHAR 120 3"}) : Log(), log) << "style " << style;
+                heard.push_back(line);
+        EXPECT_EQ(asked ? Log({"DBLCLK 42 0", "CHAR 120 3"}) : Log(), heard) << "measure " << measure;
+        SetFocus(parent_->Window());
         DestroyWindow(list);
     }
 }
