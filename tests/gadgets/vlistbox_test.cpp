@@ -385,23 +385,15 @@ TEST_F(VListBox, HugeListsScaleTheThumbAndSelectInOneRun)
     EXPECT_EQ(0u, VListBox_GetTopIndex(list));
 }
 
-// The window's pixels as they stand, without a repaint.
-Readback Screen(HWND w)
-{
-    RECT client;
-    GetClientRect(w, &client);
-    HDC dc = GetDC(w);
-    Readback back = ReadDC(dc, 0, 0, client.right, client.bottom);
-    ReleaseDC(w, dc);
-    return back;
-}
-
 TEST_F(VListBox, GlidesToTheSamePixelsAsAFullRepaint)
 {
     HWND list = Make(0, 1000, host);
     VListBox_SetCurSel(list, 503);
     VListBox_SetTopIndex(list, 500);
     UpdateWindow(list);
+    RECT client;
+    GetClientRect(list, &client);
+    HDC dc = GetDC(list);
     struct Move {
         WPARAM request;
         DWORD top;
@@ -413,12 +405,13 @@ TEST_F(VListBox, GlidesToTheSamePixelsAsAFullRepaint)
     for (const Move &move : moves) {
         SendMessageA(list, WM_VSCROLL, move.request, 0);
         ASSERT_EQ(move.top, VListBox_GetTopIndex(list));
-        Readback glided = Screen(list);
+        Readback glided = ReadDC(dc, 0, 0, client.right, client.bottom);  // as it stands
         SendMessageA(list, WM_SETFONT, 0, 0);  // a full repaint of every row
         Readback painted = Readback::Of(list);
         ASSERT_TRUE(glided.Valid());
         EXPECT_EQ(0, glided.Differences(painted)) << "after moving to " << move.top;
     }
+    ReleaseDC(list, dc);
     // The selected row in the highlight colour, only while on view.
     VListBox_SetTopIndex(list, 500);
     Readback back = Readback::Of(list);
