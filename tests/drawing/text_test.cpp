@@ -1,5 +1,6 @@
 // Vertical text compared glyph by glyph with the same glyph drawn
 // horizontally and turned here; the font cache's limit; indented text.
+#include "readback.h"
 #include "surface.h"
 
 namespace {
@@ -12,8 +13,7 @@ TEST(VerticalTextCache, NothingDrawnBeforeTheFirstInit)
     SelectObject(s.dc, font);
     RECT strip = {0, 0, 40, 40};
     EXPECT_TRUE(UIVertDrawText(s.dc, "MM", -1, &strip, 0, 1));
-    for (int p = 0; p < 40 * 40; ++p)
-        ASSERT_EQ(0xFFFFFFu, s.bits[p] & 0xFFFFFF);
+    EXPECT_EQ(40 * 40, ReadDC(s.dc, 0, 0, 40, 40).Count(RGB(255, 255, 255)));
     SelectObject(s.dc, GetStockObject(SYSTEM_FONT));
     DeleteObject(font);
 }
@@ -79,9 +79,8 @@ TEST_F(VerticalText, StopsAtTheTerminatorAndTheStripsEnd)
     SelectObject(shortStrip.dc, font);
     RECT three = {0, 0, 40, 3};
     EXPECT_TRUE(UIVertDrawText(shortStrip.dc, "WWWW", -1, &three, 256, 1));
-    for (int y = 3; y < 40; ++y)
-        for (int x = 0; x < 40; ++x)
-            ASSERT_EQ(RGB(255, 255, 255), shortStrip.At(x, y)) << x << "," << y;
+    RECT below = {0, 3, 40, 40};
+    EXPECT_EQ(37 * 40, ReadDC(shortStrip.dc, 0, 0, 40, 40).Count(RGB(255, 255, 255), &below));
 }
 
 TEST_F(VerticalText, TheEleventhFontDrawsNothing)
@@ -93,10 +92,7 @@ TEST_F(VerticalText, TheEleventhFontDrawsNothing)
         SelectObject(s.dc, fonts[i]);
         RECT strip = {0, 0, 40, 60};
         EXPECT_TRUE(UIVertDrawText(s.dc, "MM", -1, &strip, 0, 0));
-        int black = 0;
-        for (int p = 0; p < 40 * 60; ++p)
-            black += (s.bits[p] & 0xFFFFFF) == 0;
-        EXPECT_EQ(i < 10, black > 0) << "font " << i << ": the cache holds ten";
+        EXPECT_EQ(i < 10, ReadDC(s.dc, 0, 0, 40, 60).Count(RGB(0, 0, 0)) > 0) << "font " << i << ": the cache holds ten";
     }
     for (HFONT f : fonts) {
         UITrashVertFont(f);

@@ -153,6 +153,22 @@ std::vector<DWORD> Selection(HWND list)
     return items;
 }
 
+// "3-6,8": the selection as runs.
+std::string Runs(HWND list)
+{
+    std::string text;
+    std::vector<DWORD> items = Selection(list);
+    for (size_t i = 0; i < items.size(); ++i) {
+        size_t j = i;
+        while (j + 1 < items.size() && items[j + 1] == items[j] + 1)
+            ++j;
+        text += (text.empty() ? "" : ",") + std::to_string(items[i]) +
+                (j > i ? "-" + std::to_string(items[j]) : "");
+        i = j;
+    }
+    return text;
+}
+
 // RELEASE for `first` to `last`, then `then`.
 Log Releases(DWORD first, DWORD last, const char *then)
 {
@@ -515,21 +531,16 @@ TEST_F(VListBox, DraggingPastAnEdgeScrollsRowByRowUntilTheEnd)
     host.logLoads = false;
     HWND list = Make(VLS_EXTENDEDSEL, 1000, host);
     const int h = RowHeight(), below = kRows * h + 4;
-    auto run = [](DWORD low, DWORD high) {
-        std::vector<DWORD> items;
-        for (DWORD i = low; i <= high; ++i) items.push_back(i);
-        return items;
-    };
     VListBox_SetTopIndex(list, 100);
     SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5 * h + 1));
     SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, below));
     SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, below));
     EXPECT_EQ(102u, VListBox_GetTopIndex(list));
     EXPECT_EQ(111u, VListBox_GetCaretIndex(list)) << "one row past the bottom edge";
-    EXPECT_EQ(run(105, 111), Selection(list));
+    EXPECT_EQ("105-111", Runs(list));
     SendMessageA(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, -3));
     EXPECT_EQ(101u, VListBox_GetTopIndex(list));
-    EXPECT_EQ(run(101, 105), Selection(list));
+    EXPECT_EQ("101-105", Runs(list));
     // The timer goes on while the pointer stays above the rows.
     POINT above = {5, -20};
     ClientToScreen(list, &above);
@@ -538,7 +549,7 @@ TEST_F(VListBox, DraggingPastAnEdgeScrollsRowByRowUntilTheEnd)
         PumpMessages();
     EXPECT_EQ(0u, VListBox_GetTopIndex(list));
     EXPECT_EQ(0u, VListBox_GetCaretIndex(list));
-    EXPECT_EQ(run(0, 105), Selection(list));
+    EXPECT_EQ("0-105", Runs(list));
     SendMessageA(list, WM_LBUTTONUP, 0, MAKELPARAM(5, -20));
 
     // At a known end nothing moves.
@@ -592,22 +603,6 @@ TEST_F(VListBox, TheCacheFollowsTheRowsAndTheTotal)
 }
 
 // ------------------------------------------------------------- keys and scrolls
-// "3-6,8": the selection as runs.
-std::string Runs(HWND list)
-{
-    std::string text;
-    std::vector<DWORD> items = Selection(list);
-    for (size_t i = 0; i < items.size(); ++i) {
-        size_t j = i;
-        while (j + 1 < items.size() && items[j + 1] == items[j] + 1)
-            ++j;
-        text += (text.empty() ? "" : ",") + std::to_string(items[i]) +
-                (j > i ? "-" + std::to_string(items[j]) : "");
-        i = j;
-    }
-    return text;
-}
-
 // One walk per selection mode over 100 items on 10 rows, each step checked
 // exactly: the limits of every key and scroll request at, one inside and
 // one past each end. K key, S key with Shift, C click a row (`what`) with
