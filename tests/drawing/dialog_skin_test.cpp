@@ -2,7 +2,7 @@
 // they are placed, and how bitmap check boxes paint.
 #include "import_patch.h"
 #include "message_box_driver.h"
-#include "qz_test.h"
+#include "surface.h"
 #include "window_harness.h"
 #include <commdlg.h>
 #include <vector>
@@ -84,33 +84,33 @@ TEST_F(DialogSkin, SubclassesADialogAtItsFirstChild)
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 
-// Records the procedure of each message box or dialog as it is activated.
-struct ActivationWatch {
-    static thread_local std::vector<LONG_PTR> *seen;
-    HHOOK hook;
+// Counts the window creations and activations a hook of the thread sees,
+// and records the procedure of each message box or dialog as it is activated.
+struct CbtWatch {
+    static thread_local CbtWatch *current;
+    int created = 0, activated = 0;
     std::vector<LONG_PTR> procedures;
-    ActivationWatch()
-    {
-        seen = &procedures;
-        hook = SetWindowsHookExA(WH_CBT, Hook, nullptr, GetCurrentThreadId());
-    }
-    ~ActivationWatch() { UnhookWindowsHookEx(hook); }
+    HHOOK hook = SetWindowsHookExA(WH_CBT, Hook, nullptr, GetCurrentThreadId());
+    CbtWatch() { current = this; }
+    ~CbtWatch() { UnhookWindowsHookEx(hook); }
     static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam)
     {
         char name[16] = {};
-        if (code == HCBT_ACTIVATE && GetClassNameA(reinterpret_cast<HWND>(wParam), name, 16) &&
+        HWND window = reinterpret_cast<HWND>(wParam);
+        current->created += code == HCBT_CREATEWND;
+        if (code == HCBT_ACTIVATE && ++current->activated && GetClassNameA(window, name, 16) &&
             lstrcmpA(name, "#32770") == 0)
-            seen->push_back(GetWindowLongPtrA(reinterpret_cast<HWND>(wParam), GWLP_WNDPROC));
+            current->procedures.push_back(GetWindowLongPtrA(window, GWLP_WNDPROC));
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
 };
-thread_local std::vector<LONG_PTR> *ActivationWatch::seen = nullptr;
+thread_local CbtWatch *CbtWatch::current = nullptr;
 
 TEST_F(DialogSkin, MessageBoxesAndFileDialogsAreSubclassedToo)
 {
     GrayMain gray;
     MessageBoxDriver boxes;
-    ActivationWatch watch;
+    CbtWatch watch;
     boxes.Expect("Grey?", MB_YESNO, IDYES);
     EXPECT_EQ(IDYES, MessageBoxA(gray.main.Window(), "Grey?", "skin", MB_YESNO));
     ASSERT_FALSE(watch.procedures.empty());
@@ -134,32 +134,18 @@ TEST_F(DialogSkin, MessageBoxesAndFileDialogsAreSubclassedToo)
 
 // A hook installed before the skin's still sees window creation, and
 // nothing else.
-struct CodeCounter {
-    static thread_local int created, activated;
-    HHOOK hook = SetWindowsHookExA(WH_CBT, Hook, nullptr, GetCurrentThreadId());
-    ~CodeCounter() { UnhookWindowsHookEx(hook); }
-    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam)
-    {
-        if (code == HCBT_CREATEWND) ++created;
-        if (code == HCBT_ACTIVATE) ++activated;
-        return CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-};
-thread_local int CodeCounter::created = 0;
-thread_local int CodeCounter::activated = 0;
-
 TEST_F(DialogSkin, HookPassesOnWindowCreationOnly)
 {
-    CodeCounter counter;
+    CbtWatch watch;
     RecordingParent main;
     ASSERT_TRUE(UIGrayDialogInit(main.Window()));
-    CodeCounter::created = CodeCounter::activated = 0;
+    watch.created = watch.activated = 0;
     HWND popup = CreateWindowExA(0, "STATIC", "p", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50,
                                  main.Window(), nullptr, nullptr, nullptr);
     SetActiveWindow(main.Window());
     DestroyWindow(popup);
-    EXPECT_EQ(1, CodeCounter::created);
-    EXPECT_EQ(0, CodeCounter::activated);
+    EXPECT_EQ(1, watch.created);
+    EXPECT_EQ(0, watch.activated);
     EXPECT_TRUE(UIGrayDialogUnInit(main.Window()));
 }
 
@@ -217,24 +203,13 @@ TEST_F(DialogSkin, CentresExactlyAndStaysOnTheScreen)
     ShowWindow(gray.main.Window(), SW_RESTORE);
 }
 
-// A 16 x 12 picture: its top-left colour (magenta) is transparent, the rest
-// is `colour`.
+// A 16 x 12 picture: its top two rows in the transparent colour (magenta,
+// the top-left pixel's), the rest `colour`.
 HBITMAP Picture(COLORREF colour)
 {
-    HDC screen = GetDC(nullptr);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 16, 12);
-    HDC dc = CreateCompatibleDC(screen);
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    RECT all = {0, 0, 16, 12}, frame = {0, 0, 16, 2};
-    HBRUSH fill = CreateSolidBrush(colour), clear = CreateSolidBrush(RGB(255, 0, 255));
-    FillRect(dc, &all, fill);
-    FillRect(dc, &frame, clear);
-    DeleteObject(fill);
-    DeleteObject(clear);
-    SelectObject(dc, old);
-    DeleteDC(dc);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
+    std::vector<std::string> rows(12, std::string(16, 'b'));
+    rows[0] = rows[1] = std::string(16, 'a');
+    return MakeImage(rows, {RGB(255, 0, 255), colour});
 }
 
 BOOL WINAPI RefusedBlit(HDC, int, int, int, int, HDC, int, int, DWORD) { return FALSE; }

@@ -193,9 +193,6 @@ COLORREF HalfIntensity(COLORREF c)
 
 TEST_F(MaskBlits, HalfIntensityOverEveryColour)
 {
-    EXPECT_EQ(0x000000u, UICalcHalfIntensity(0x000000));
-    EXPECT_EQ(0xFFFFFFu, UICalcHalfIntensity(0x808080));
-    EXPECT_EQ(0x414141u, UICalcHalfIntensity(0x818181));
     EXPECT_EQ(0u, UICalcHalfIntensity(0xFF000000) >> 24);
 #if defined(_WIN64)
     const COLORREF step = 1;

@@ -1,5 +1,6 @@
 // Vertical text compared glyph by glyph with the same glyph drawn
 // horizontally and turned here; the font cache's limit; indented text.
+#include "readback.h"
 #include "surface.h"
 
 namespace {
@@ -12,8 +13,7 @@ TEST(VerticalTextCache, NothingDrawnBeforeTheFirstInit)
     SelectObject(s.dc, font);
     RECT strip = {0, 0, 40, 40};
     EXPECT_TRUE(UIVertDrawText(s.dc, "MM", -1, &strip, 0, 1));
-    for (int p = 0; p < 40 * 40; ++p)
-        ASSERT_EQ(0xFFFFFFu, s.bits[p] & 0xFFFFFF);
+    EXPECT_EQ(40 * 40, ReadDC(s.dc, 0, 0, 40, 40).Count(RGB(255, 255, 255)));
     SelectObject(s.dc, GetStockObject(SYSTEM_FONT));
     DeleteObject(font);
 }
@@ -79,29 +79,21 @@ TEST_F(VerticalText, StopsAtTheTerminatorAndTheStripsEnd)
     SelectObject(shortStrip.dc, font);
     RECT three = {0, 0, 40, 3};
     EXPECT_TRUE(UIVertDrawText(shortStrip.dc, "WWWW", -1, &three, 256, 1));
-    for (int y = 3; y < 40; ++y)
-        for (int x = 0; x < 40; ++x)
-            ASSERT_EQ(RGB(255, 255, 255), shortStrip.At(x, y)) << x << "," << y;
+    RECT below = {0, 3, 40, 40};
+    EXPECT_EQ(37 * 40, ReadDC(shortStrip.dc, 0, 0, 40, 40).Count(RGB(255, 255, 255), &below));
 }
 
 TEST_F(VerticalText, TheEleventhFontDrawsNothing)
 {
     HFONT fonts[11];
-    for (int i = 0; i < 11; ++i)
-        fonts[i] = CreateFontA(-10 - i, 0, 0, 0, FW_BOLD, 0, 0, 0, ANSI_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0, "Arial");
-    int drawn[11];
     for (int i = 0; i < 11; ++i) {
+        fonts[i] = CreateFontA(-10 - i, 0, 0, 0, FW_BOLD, 0, 0, 0, ANSI_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0, "Arial");
         Surface s(40, 60);
         SelectObject(s.dc, fonts[i]);
         RECT strip = {0, 0, 40, 60};
         EXPECT_TRUE(UIVertDrawText(s.dc, "MM", -1, &strip, 0, 0));
-        drawn[i] = 0;
-        for (int p = 0; p < 40 * 60; ++p)
-            drawn[i] += (s.bits[p] & 0xFFFFFF) == 0;
+        EXPECT_EQ(i < 10, ReadDC(s.dc, 0, 0, 40, 60).Count(RGB(0, 0, 0)) > 0) << "font " << i << ": the cache holds ten";
     }
-    for (int i = 0; i < 10; ++i)
-        EXPECT_GT(drawn[i], 0) << i;
-    EXPECT_EQ(0, drawn[10]);
     for (HFONT f : fonts) {
         UITrashVertFont(f);
         DeleteObject(f);

@@ -72,21 +72,16 @@ protected:
         MapDialogRect(dialog_, &rect);
         return rect;
     }
-    RECT Place(int id)
-    {
-        RECT rect;
-        GetWindowRect(Item(id), &rect);
-        MapWindowPoints(nullptr, dialog_, reinterpret_cast<POINT *>(&rect), 2);
-        return rect;
-    }
-    RECT TabRect(const char *label)
+    // Where `child` lies in the client area of `parent`.
+    static RECT In(HWND parent, HWND child)
     {
         RECT rect = {};
-        HWND strip = FindWindowExA(tabs_, nullptr, "Zimbo", label);
-        GetWindowRect(strip, &rect);
-        MapWindowPoints(nullptr, tabs_, reinterpret_cast<POINT *>(&rect), 2);
+        GetWindowRect(child, &rect);
+        MapWindowPoints(nullptr, parent, reinterpret_cast<POINT *>(&rect), 2);
         return rect;
     }
+    RECT Place(int id) { return In(dialog_, Item(id)); }
+    RECT TabRect(const char *label) { return In(tabs_, FindWindowExA(tabs_, nullptr, "Zimbo", label)); }
     HMODULE resources_ = nullptr;
     HWND dialog_ = nullptr;
     HWND tabs_ = nullptr;
@@ -164,20 +159,6 @@ TEST_F(DialogTab, HostileParentInEachNotification)
             }
 }
 
-// The tab's font goes to the controls it makes, not to a control of the
-// host's own that a page names.
-TEST_F(DialogTab, ItsFontGoesOnlyToTheControlsItMakes)
-{
-    HWND own = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 12, dialog_,
-                               reinterpret_cast<HMENU>(231), nullptr, nullptr);
-    HGDIOBJ theirs = GetStockObject(ANSI_FIXED_FONT), mine = GetStockObject(ANSI_VAR_FONT);
-    SendMessageA(own, WM_SETFONT, reinterpret_cast<WPARAM>(theirs), 0);
-    SendMessageA(tabs_, WM_SETFONT, reinterpret_cast<WPARAM>(mine), 0);
-    AddPages();
-    EXPECT_EQ(reinterpret_cast<LRESULT>(theirs), SendMessageA(own, WM_GETFONT, 0, 0));
-    EXPECT_EQ(reinterpret_cast<LRESULT>(mine), SendMessageA(Item(202), WM_GETFONT, 0, 0));
-}
-
 // Tabs that own their controls: replacing the current page's template
 // leaves none of the old page's controls behind, only the new page's.
 TEST_F(DialogTab, ReplacingAnOwnPageLeavesNoneOfTheOldControls)
@@ -196,13 +177,21 @@ TEST_F(DialogTab, ReplacingAnOwnPageLeavesNoneOfTheOldControls)
     EXPECT_TRUE(IsWindowVisible(Item(231)));
 }
 
-// With keep-text a change of tab leaves the host's texts of buttons and
-// statics; without it the page's own come back.
-TEST_F(DialogTab, KeepTextLeavesTheHostsTexts)
+// The tab's font goes to the controls it makes, not to a control of the
+// host's own that a page names. With keep-text a change of tab leaves the
+// host's texts of buttons and statics; without it the page's own come back.
+TEST_F(DialogTab, FontsAndTextsTheHostSet)
 {
+    const HGDIOBJ theirs = GetStockObject(ANSI_FIXED_FONT), mine = GetStockObject(ANSI_VAR_FONT);
     for (LONG keep : {0L, 0x0002L}) {
+        HWND own = CreateWindowExA(0, "EDIT", "", WS_CHILD, 0, 0, 50, 12, dialog_,
+                                   reinterpret_cast<HMENU>(231), nullptr, nullptr);
+        SendMessageA(own, WM_SETFONT, reinterpret_cast<WPARAM>(theirs), 0);
+        SendMessageA(tabs_, WM_SETFONT, reinterpret_cast<WPARAM>(mine), 0);
         SetWindowLongA(tabs_, GWL_STYLE, GetWindowLongA(tabs_, GWL_STYLE) | keep);
         AddPages();
+        EXPECT_EQ(reinterpret_cast<LRESULT>(theirs), SendMessageA(own, WM_GETFONT, 0, 0));
+        EXPECT_EQ(reinterpret_cast<LRESULT>(mine), SendMessageA(Item(202), WM_GETFONT, 0, 0));
         char page[64], button[64], label[64];
         GetWindowTextA(Item(210), page, sizeof page);
         SetWindowTextA(Item(210), "Host's");

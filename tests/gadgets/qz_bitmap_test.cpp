@@ -74,24 +74,17 @@ TEST_F(QzBitmapGadget, PlainStyleAndMonochromeBitmapsAreDrawnAsTheyAre)
         HWND g = parent.CreateChild("QzBitmap", 7, row.style, 0, 0, 30, 20);
         SendMessageA(g, 0x401, reinterpret_cast<WPARAM>(row.bitmap), 0);
         Readback shown = Readback::Of(g);
-        // Drawn the way UIBitBlt draws it into the client rectangle.
-        HDC screen = GetDC(nullptr);
-        HDC dc = CreateCompatibleDC(screen);
-        HBITMAP target = CreateCompatibleBitmap(screen, 30, 20);
-        HGDIOBJ old = SelectObject(dc, target);
+        // Drawn over it the way UIBitBlt draws into the client rectangle.
+        HDC dc = GetDC(g);
         HBRUSH brush = CreateSolidBrush(UIGetDlgColor());
         RECT client = {0, 0, 30, 20};
         FillRect(dc, &client, brush);
         UIBitBlt(dc, &client, row.bitmap);
-        Readback expected = ReadDC(dc, 0, 0, 30, 20);
-        EXPECT_EQ(0, shown.Differences(expected)) << row.style << (row.bitmap == mono ? " mono" : "");
+        EXPECT_EQ(0, shown.Differences(ReadDC(dc, 0, 0, 30, 20))) << row.style << (row.bitmap == mono ? " mono" : "");
         if (row.bitmap == picture)
             EXPECT_GT(shown.Count(kKey), 0) << "without 0x8000 the key colour stays";
+        ReleaseDC(g, dc);
         DeleteObject(brush);
-        SelectObject(dc, old);
-        DeleteObject(target);
-        DeleteDC(dc);
-        ReleaseDC(nullptr, screen);
         DestroyWindow(g);
     }
     DeleteObject(mono);
