@@ -141,4 +141,3 @@ FailureSeam::~FailureSeam()
 
 unsigned FailureSeam::Calls() const { return g_seam.calls; }
 bool FailureSeam::Refused() const { return g_seam.refused; }
-void FailureSeam::Disarm() { g_seam.armed = false; }
