@@ -92,34 +92,25 @@ TEST_F(DateTimeToString, FollowsItsOwnRulesWhereThePlatformDiffers)
     EXPECT_EQ("2:07:09 PM", Format(MakeDate(2001, 7, 5, 14, 7, 9), "h:mm:ss tt", 64 | 128));
 }
 
+// The flags mode builds the format from the conventions in force (0 month
+// first, 2 year first), their separators translated.
 TEST_F(DateTimeToString, BuildsTheFormatFromTheFlags)
 {
-    IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
     const DateTimeValue v = MakeDate(2001, 7, 5, 14, 7, 9);
     const struct {
+        int order;
         DWORD flags;
         const char *text;
     } rows[] = {
-        {0, ""},
-        {1, "Thursday July 5 2001"},
-        {2, "7/5/2001"},
-        {3, "Thursday July 5 2001"},
-        {2 | 32, "7/5/2001 2:07 PM"},
-        {2 | 16, "7/5/2001 2:07:09 PM"},
-        {32, "2:07 PM"},
-        {32 | 128, "2:07 "},
-        {64, " PM"},
+        {0, 0, ""},        {0, 1, "Thursday July 5 2001"}, {0, 2, "7/5/2001"}, {0, 3, "Thursday July 5 2001"},
+        {0, 2 | 32, "7/5/2001 2:07 PM"},  {0, 2 | 16, "7/5/2001 2:07:09 PM"},
+        {0, 32, "2:07 PM"}, {0, 32 | 128, "2:07 "},        {0, 64, " PM"},
+        {2, 2 | 32, "2001-07-05 14.07"},  {2, 2 | 16, "2001-07-05 14.07.09"},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(row.text, Format(v, nullptr, row.flags)) << row.flags;
-}
-
-TEST_F(DateTimeToString, TranslatesSeparatorsInTheFlagsMode)
-{
-    IntlConventions conventions(CONVENTIONS_YEAR_FIRST);
-    const DateTimeValue v = MakeDate(2001, 7, 5, 14, 7, 9);
-    EXPECT_EQ("2001-07-05 14.07", Format(v, nullptr, 2 | 32));
-    EXPECT_EQ("2001-07-05 14.07.09", Format(v, nullptr, 2 | 16));
+    for (const auto &row : rows) {
+        const auto conventions = Conventions(row.order);
+        EXPECT_EQ(row.text, Format(v, nullptr, row.flags)) << row.order << " " << row.flags;
+    }
 }
 
 TEST_F(DateTimeToString, NoDateAndInvalidValues)

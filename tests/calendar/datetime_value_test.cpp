@@ -175,59 +175,46 @@ TEST_F(Calendar, ValidityAndTheRecordedReason)
     EXPECT_TRUE(OSDTIsValidDateTime(&low) && OSDTIsValidDateTime(&high));
 }
 
+// The sentinels, each compare's fields, and the hour bias, which counts
+// after the day and before the hour.
 TEST_F(Calendar, ComparesOrderSentinelsAndFields)
 {
     DateTimeValue low, high;
     OSSetNoDateLow(&low);
     OSSetNoDateHigh(&high);
-    DateTimeValue date = MakeDate(1950, 6, 1, 12);
-    EXPECT_EQ(-1, OSDateTimeCompare(&low, &date));
-    EXPECT_EQ(-1, OSDateTimeCompare(&date, &high));
-    EXPECT_EQ(1, OSDateTimeCompare(&high, &low));
-    EXPECT_EQ(0, OSDateTimeCompare(&high, &high));
-
-    DateTimeValue later = MakeDate(1950, 6, 1, 13);
-    EXPECT_EQ(-1, OSDateTimeCompare(&date, &later));
-    EXPECT_EQ(0, OSDateCompare(&date, &later));
-    DateTimeValue nextYear = MakeDate(1951, 1, 1);
-    EXPECT_EQ(1, OSDateCompare(&nextYear, &later));
-    EXPECT_EQ(0, OSYearCompare(&date, &later));
-    EXPECT_EQ(-1, OSYearCompare(&date, &nextYear));
-
-    // The hour bias counts after the day and before the hour.
+    const DateTimeValue date = MakeDate(1950, 6, 1, 12), later = MakeDate(1950, 6, 1, 13),
+                        nextYear = MakeDate(1951, 1, 1), january = MakeDate(1950, 1, 1);
     DateTimeValue biased = date;
     biased.hourBias = 1;
-    EXPECT_EQ(1, OSDateTimeCompare(&biased, &later));
-
+    using Compare = int(WINAPI *)(const DateTimeValue *, const DateTimeValue *);
+    const struct { Compare compare; const DateTimeValue &a, &b; int expected; } rows[] = {
+        {OSDateTimeCompare, low, date, -1},  {OSDateTimeCompare, date, high, -1},
+        {OSDateTimeCompare, high, low, 1},   {OSDateTimeCompare, high, high, 0},
+        {OSDateTimeCompare, date, later, -1}, {OSDateTimeCompare, biased, later, 1},
+        {OSDateCompare, date, later, 0},     {OSDateCompare, nextYear, later, 1},
+        {OSYearCompare, date, january, 0},   {OSYearCompare, date, nextYear, -1},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(row.expected, row.compare(&row.a, &row.b)) << ToText(row.a) << " " << ToText(row.b);
     DateTimeValue invalid = MakeDate(1950, 2, 30);
     EXPECT_EQ(0, OSDateTimeCompare(&invalid, &date));
     EXPECT_EQ(RV_DayRange, OSErrorGetErrorValue());
 }
 
+// Equal records answer zeros without looking at validity.
 TEST_F(Calendar, DifferencesSplitIntoDaysHoursMinutesSeconds)
 {
-    LONG d, h, m, s;
-    DateTimeValue feb29 = MakeDate(2000, 2, 29), mar1 = MakeDate(2000, 3, 1);
-    ASSERT_TRUE(OSDiffDateTime(&feb29, &mar1, &d, &h, &m, &s));
-    EXPECT_EQ(1, d);
-    EXPECT_EQ(0, h + m + s);
-
-    DateTimeValue a = MakeDate(2000, 1, 1, 10, 30, 15), b = MakeDate(2000, 1, 3, 8, 10, 5);
-    ASSERT_TRUE(OSDiffDateTime(&a, &b, &d, &h, &m, &s));
-    EXPECT_EQ(1, d);
-    EXPECT_EQ(21, h);
-    EXPECT_EQ(39, m);
-    EXPECT_EQ(50, s);
-    ASSERT_TRUE(OSDiffDateTime(&b, &a, &d, &h, &m, &s));
-    EXPECT_EQ(-1, d);
-    EXPECT_EQ(-21, h);
-    EXPECT_EQ(-39, m);
-    EXPECT_EQ(-50, s);
-
-    // Equal records answer zeros without looking at validity.
-    DateTimeValue invalid = MakeDate(2000, 13, 40);
-    ASSERT_TRUE(OSDiffDateTime(&invalid, &invalid, &d, &h, &m, &s));
-    EXPECT_EQ(0, d | h | m | s);
+    const DateTimeValue a = MakeDate(2000, 1, 1, 10, 30, 15), b = MakeDate(2000, 1, 3, 8, 10, 5),
+                        invalid = MakeDate(2000, 13, 40);
+    const struct { const DateTimeValue &from, &to; std::vector<LONG> parts; } rows[] = {
+        {MakeDate(2000, 2, 29), MakeDate(2000, 3, 1), {1, 0, 0, 0}},
+        {a, b, {1, 21, 39, 50}}, {b, a, {-1, -21, -39, -50}}, {invalid, invalid, {0, 0, 0, 0}},
+    };
+    for (const auto &row : rows) {
+        LONG d, h, m, s;
+        ASSERT_TRUE(OSDiffDateTime(&row.from, &row.to, &d, &h, &m, &s)) << ToText(row.from);
+        EXPECT_EQ(row.parts, (std::vector<LONG>{d, h, m, s})) << ToText(row.from) << " " << ToText(row.to);
+    }
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 

@@ -2,6 +2,7 @@
 // the value) and puts the old ones back afterwards, re-reading the
 // conventions both times.
 #pragma once
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -71,3 +72,11 @@ private:
 #define CONVENTIONS_YEAR_FIRST                                                                    \
     {{"iDate", "2"}, {"iTime", "1"}, {"sDate", "-"}, {"sTime", "."}, {"sShortDate", "yyyy-MM-dd"}, \
      {"sLongDate", "yyyy MMMM d"}, {"sTimeFormat", "HH.mm.ss"}, {"s1159", "AM"}, {"s2359", "PM"}}
+
+// The three by number: 0 month first, 1 day first, 2 year first.
+inline std::unique_ptr<IntlConventions> Conventions(int which)
+{
+    return std::unique_ptr<IntlConventions>(which == 0   ? new IntlConventions(CONVENTIONS_MONTH_FIRST_12H)
+                                            : which == 1 ? new IntlConventions(CONVENTIONS_DAY_FIRST_24H)
+                                                         : new IntlConventions(CONVENTIONS_YEAR_FIRST));
+}

@@ -1,6 +1,5 @@
 // Text to DateTimeValue: the order of attempts, the words, and round trips
 // of every day and every minute under three conventions.
-#include <memory>
 #include "intl_conventions.h"
 
 namespace {
@@ -63,28 +62,34 @@ void ExpectDate(const char *text, DateTimeValue (*expected)(const DateTimeValue 
 
 class StringToDateTime : public ErrorStateTest {};
 
-TEST_F(StringToDateTime, ReadsNumbersByTheirLooksAndTheFieldOrder)
+// Words and numbers by their looks, in each field order (0 month first,
+// 1 day first, 2 year first); a short year at the year's place is 2000 and
+// that up to 31, and a first number of exactly 12 beside one above 12 is the
+// month.
+TEST_F(StringToDateTime, ReadsDatesByTheirLooksAndTheFieldOrder)
 {
+    const struct { int order; const char *text; DateTimeValue date; } rows[] = {
+        {0, "march 4 2001", MakeDate(2001, 3, 4)}, {0, "4 MAR 2001", MakeDate(2001, 3, 4)},
+        {0, "Friday 21st Sept. 2001", MakeDate(2001, 9, 21)},
+        {0, "3/4/05", MakeDate(2005, 3, 4)},       {0, "3/4/31", MakeDate(2031, 3, 4)},
+        {1, "3.4.2001", MakeDate(2001, 4, 3)},     {1, "12.13.2001", MakeDate(2001, 12, 13)},
+        {1, "13.12.2001", MakeDate(2001, 12, 13)}, {1, "12.12.2001", MakeDate(2001, 12, 12)},
+        {2, "3-4-5", MakeDate(2003, 4, 5)},
+    };
+    for (const auto &row : rows) {
+        const auto conventions = Conventions(row.order);
+        EXPECT_EQ(row.date, Date(row.text)) << row.text;
+    }
     IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
-    EXPECT_EQ(MakeDate(2001, 3, 4), Date("march 4 2001"));
-    EXPECT_EQ(MakeDate(2001, 3, 4), Date("4 MAR 2001"));
-    EXPECT_EQ(MakeDate(2001, 9, 21), Date("Friday 21st Sept. 2001"));
     BOOL ok = TRUE;
     Date("40/50/2003", &ok);
     EXPECT_FALSE(ok);
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
     ExpectDate("13/4", [](const DateTimeValue &d) { return MakeDate(d.year, 4, 13); });
     ExpectPresentMoment("   ", [](const char *t) { return Date(t); });
-}
-
-TEST_F(StringToDateTime, TwoDigitYearsFollowThePresentYear)
-{
-    IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
-    // A number above the present year minus 1950 is a year of the 1900s; one
-    // not above it and above 31 is a year of the 2000s; one of 31 or below,
-    // at the year's place in the short date format, is 2000 and that.
-    const unsigned year = Now().year;
-    const unsigned boundary = year - 1950;
+    // Elsewhere a number above the present year minus 1950 is a year of the
+    // 1900s; one not above it and above 31 is a year of the 2000s.
+    const unsigned boundary = Now().year - 1950;
     char text[32];
     if (boundary + 1 < 100) {
         snprintf(text, sizeof text, "3 4 %u", boundary + 1);
@@ -92,24 +97,6 @@ TEST_F(StringToDateTime, TwoDigitYearsFollowThePresentYear)
     }
     snprintf(text, sizeof text, "3 4 %u", boundary);
     EXPECT_EQ(MakeDate(2000 + boundary, 3, 4), Date(text)) << text;
-    EXPECT_EQ(MakeDate(2005, 3, 4), Date("3/4/05"));
-    EXPECT_EQ(MakeDate(2031, 3, 4), Date("3/4/31"));
-}
-
-TEST_F(StringToDateTime, FollowsDayFirstAndYearFirst)
-{
-    {
-        IntlConventions conventions(CONVENTIONS_DAY_FIRST_24H);
-        EXPECT_EQ(MakeDate(2001, 4, 3), Date("3.4.2001"));
-        // A first number of exactly 12 beside one above 12 is the month.
-        EXPECT_EQ(MakeDate(2001, 12, 13), Date("12.13.2001"));
-        EXPECT_EQ(MakeDate(2001, 12, 13), Date("13.12.2001"));
-        EXPECT_EQ(MakeDate(2001, 12, 12), Date("12.12.2001"));
-    }
-    {
-        IntlConventions conventions(CONVENTIONS_YEAR_FIRST);
-        EXPECT_EQ(MakeDate(2003, 4, 5), Date("3-4-5"));
-    }
 }
 
 TEST_F(StringToDateTime, KnowsItsWords)
@@ -202,10 +189,7 @@ TEST_F(StringToDateTime, RoundTripsUnderEachConvention)
     const int stride = MonkeySteps(1, 5);
     for (int convention = 0; convention < 3; ++convention) {
         SCOPED_TRACE(convention);
-        std::unique_ptr<IntlConventions> set(
-            convention == 0   ? new IntlConventions(CONVENTIONS_MONTH_FIRST_12H)
-            : convention == 1 ? new IntlConventions(CONVENTIONS_DAY_FIRST_24H)
-                              : new IntlConventions(CONVENTIONS_YEAR_FIRST));
+        const auto set = Conventions(convention);
         for (DWORD flags : {2u, 1u}) {
             DateTimeValue v = MakeDate(1800, 1, 1);
             for (int n = 0; n < 110303; n += stride) {

@@ -54,15 +54,7 @@ TEST_F(ErrorState, OsErrorsTranslateAndKeepTheNameWhereTheNewCodeReadsOne)
         EXPECT_EQ(row.osError, Ctx().osError);
         EXPECT_STREQ(row.keptName, Ctx().itemText) << "forced " << row.osError;
     }
-}
-
-// Beside the argument table below: null texts read as empty, and the code
-// that takes the system's last error without arguments.
-TEST_F(ErrorState, NullTextsAreEmptyAndGdiErrorsKeepTheSystemCode)
-{
-    OSErrorSetErrorInfo(RV_ODBCError, 1, 2, 3, nullptr, nullptr);
-    EXPECT_STREQ("", Ctx().itemText);
-    EXPECT_STREQ("", Ctx().detailText);
+    // The GDI code takes the system's last error without arguments.
     OSErrorClearError();
     SetLastError(1400);
     OSErrorSetErrorInfo(RV_GDIError);
@@ -88,41 +80,44 @@ const struct { int code; const char *reads; } kArgumentRows[] = {
     {118, "T"},  {120, "T"},   {127, "A"},
 };
 
+// Each row once with texts and once with null texts, which read as empty.
 TEST_F(ErrorState, EveryArgumentReadingRowFillsItsFields)
 {
     static const char *const kTexts[] = {"text0", "text1", "text2", "text3", "text4", "text5"};
-    for (const auto &row : kArgumentRows) {
-        const size_t count = strlen(row.reads);
-        LONG_PTR args[6];
-        for (size_t i = 0; i < 6; ++i)
-            args[i] = i < count && strchr("TMX", row.reads[i]) ? reinterpret_cast<LONG_PTR>(kTexts[i])
-                                                               : static_cast<LONG_PTR>(0x15100 + i);
-        const DWORD oldMode = OSErrorSetErrorMode(row.code, 2);  // some codes end the process
-        OSErrorClearError();
-        OSErrorSetErrorInfo(static_cast<ResultCode>(row.code), args[0], args[1], args[2], args[3],
-                            args[4], args[5]);
-        OSErrorSetErrorMode(row.code, oldMode);
-        const ErrorContext &c = Ctx();
-        ASSERT_EQ(row.code, c.errorCode);
-        for (int i = 0; row.reads[i]; ++i) {
-            const DWORD number = static_cast<DWORD>(args[i]);
-            switch (row.reads[i]) {
-            case 'T': EXPECT_STREQ(kTexts[i], c.itemText) << row.code; break;
-            case 'M': EXPECT_STREQ(kTexts[i], c.memberName) << row.code; break;
-            case 'X': EXPECT_STREQ(kTexts[i], c.detailText) << row.code; break;
-            case 'V': EXPECT_EQ(number, c.itemValue) << row.code; break;
-            case 'w': EXPECT_EQ(number & 0xFFFF, c.itemValue) << row.code; break;
-            case '1': EXPECT_EQ(number, c.detail1) << row.code; break;
-            case '2': EXPECT_EQ(number, c.detail2) << row.code; break;
-            case 'A': EXPECT_EQ(static_cast<ULONG_PTR>(args[i]), c.address) << row.code; break;
-            case 'F': EXPECT_EQ(static_cast<ULONG_PTR>(args[i]), c.functionAddress) << row.code; break;
-            case 'L': EXPECT_EQ(number, c.rangeLow) << row.code; break;
-            case 'H': EXPECT_EQ(number, c.rangeHigh) << row.code; break;
-            case 'S': EXPECT_EQ(number, c.stage) << row.code; break;
-            default: break;
+    static const char *const kNulls[] = {"", "", "", "", "", ""};
+    for (const char *const *texts : {kTexts, kNulls})
+        for (const auto &row : kArgumentRows) {
+            const size_t count = strlen(row.reads);
+            LONG_PTR args[6];
+            for (size_t i = 0; i < 6; ++i)
+                args[i] = i >= count || !strchr("TMX", row.reads[i]) ? static_cast<LONG_PTR>(0x15100 + i)
+                          : texts == kNulls ? 0 : reinterpret_cast<LONG_PTR>(texts[i]);
+            const DWORD oldMode = OSErrorSetErrorMode(row.code, 2);  // some codes end the process
+            OSErrorClearError();
+            OSErrorSetErrorInfo(static_cast<ResultCode>(row.code), args[0], args[1], args[2], args[3],
+                                args[4], args[5]);
+            OSErrorSetErrorMode(row.code, oldMode);
+            const ErrorContext &c = Ctx();
+            ASSERT_EQ(row.code, c.errorCode);
+            for (int i = 0; row.reads[i]; ++i) {
+                const DWORD number = static_cast<DWORD>(args[i]);
+                switch (row.reads[i]) {
+                case 'T': EXPECT_STREQ(texts[i], c.itemText) << row.code; break;
+                case 'M': EXPECT_STREQ(texts[i], c.memberName) << row.code; break;
+                case 'X': EXPECT_STREQ(texts[i], c.detailText) << row.code; break;
+                case 'V': EXPECT_EQ(number, c.itemValue) << row.code; break;
+                case 'w': EXPECT_EQ(number & 0xFFFF, c.itemValue) << row.code; break;
+                case '1': EXPECT_EQ(number, c.detail1) << row.code; break;
+                case '2': EXPECT_EQ(number, c.detail2) << row.code; break;
+                case 'A': EXPECT_EQ(static_cast<ULONG_PTR>(args[i]), c.address) << row.code; break;
+                case 'F': EXPECT_EQ(static_cast<ULONG_PTR>(args[i]), c.functionAddress) << row.code; break;
+                case 'L': EXPECT_EQ(number, c.rangeLow) << row.code; break;
+                case 'H': EXPECT_EQ(number, c.rangeHigh) << row.code; break;
+                case 'S': EXPECT_EQ(number, c.stage) << row.code; break;
+                default: break;
+                }
             }
         }
-    }
 }
 
 TEST_F(ErrorState, EveryCodeStartsWithItsDefaultMode)
@@ -161,10 +156,6 @@ TEST_F(ErrorState, TextsAreCutAtTheirFieldLimits)
         EXPECT_EQ(member.substr(0, 39), Ctx().memberName);
     }
     OSErrorSetErrorMode(RV_StructMemberMisAligned, old);
-    OSErrorClearError();
-    OSErrorSetErrorInfo(RV_NoFile, static_cast<const char *>(nullptr));
-    EXPECT_EQ(RV_NoFile, OSErrorGetErrorValue());
-    EXPECT_STREQ("", Ctx().itemText) << "a null name leaves the text empty";
 }
 
 TEST_F(ErrorState, AVirtualFileIsCopiedAndReleasedAtTheNextRecording)

@@ -1,7 +1,10 @@
-// Message boxes answered by the message-box driver; the fallbacks for a
-// system short of memory, watched by patching the library's box calls.
+// Message boxes answered by the message-box driver; help asked in boxes up,
+// nested ones too; the fallbacks for a system short of memory and a text
+// that cannot be filled in, watched by patching the library's box calls.
+#include <functional>
 #include <string>
 #include <vector>
+#include "failure_seam.h"
 #include "help_engine.h"
 #include "import_patch.h"
 #include "message_box_driver.h"
@@ -55,35 +58,55 @@ TEST_F(MessageBoxes, TextsComeFromTheResourceFilledIn)
     DestroyWindow(host);
 }
 
-// F1 in each box as it comes up. The hook sees the box before it is filled
-// in, so it posts a note that the box's own loop delivers before the
-// driver's answer.
-HHOOK s_helpHook;
-HWND s_helpPresser;
+// Acts on each box of the thread as it comes up. The hook sees the box
+// before it is filled in, so it posts a note that the box's own loop
+// delivers before any answer.
+std::function<void(HWND)> s_onBox;
+HHOOK s_hook;
+HWND s_actor;
 
-LRESULT CALLBACK PressHelpProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK ActorProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message != WM_APP)
         return DefWindowProcA(window, message, wParam, lParam);
-    HELPINFO info = {sizeof info, HELPINFO_WINDOW, 0, reinterpret_cast<HANDLE>(wParam), 0, {}};
-    return SendMessageA(reinterpret_cast<HWND>(wParam), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+    s_onBox(reinterpret_cast<HWND>(wParam));
+    return 0;
 }
 
-LRESULT CALLBACK PressHelpHook(int code, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK BoxHook(int code, WPARAM wParam, LPARAM lParam)
 {
     if (code == HCBT_ACTIVATE && wParam)
-        PostMessageA(s_helpPresser, WM_APP, wParam, 0);
-    return CallNextHookEx(s_helpHook, code, wParam, lParam);
+        PostMessageA(s_actor, WM_APP, wParam, 0);
+    return CallNextHookEx(s_hook, code, wParam, lParam);
+}
+
+struct ActOnBoxes {
+    explicit ActOnBoxes(std::function<void(HWND)> act)
+    {
+        s_onBox = std::move(act);
+        WNDCLASSA wc = {0, ActorProc, 0, 0, GetModuleHandleA(nullptr), 0, 0, 0, 0, "QzBoxActor"};
+        RegisterClassA(&wc);
+        s_actor = CreateWindowExA(0, wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, wc.hInstance, nullptr);
+        s_hook = SetWindowsHookExA(WH_CBT, BoxHook, nullptr, GetCurrentThreadId());
+    }
+    ~ActOnBoxes()
+    {
+        UnhookWindowsHookEx(s_hook);
+        DestroyWindow(s_actor);
+    }
+};
+
+// F1 pressed in a box.
+void AskHelp(HWND box)
+{
+    HELPINFO info = {sizeof info, HELPINFO_WINDOW, 0, box, 0, {}};
+    SendMessageA(box, WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
 }
 
 TEST_F(MessageBoxes, HelpButtonOpensTheRecordsTopic)
 {
     HelpEngine engine;
-    WNDCLASSA wc = {0, PressHelpProc, 0, 0, GetModuleHandleA(nullptr), 0, 0, 0, 0, "QzPressHelp"};
-    RegisterClassA(&wc);
-    s_helpPresser = CreateWindowExA(0, wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                    wc.hInstance, nullptr);
-    s_helpHook = SetWindowsHookExA(WH_CBT, PressHelpHook, nullptr, GetCurrentThreadId());
+    ActOnBoxes pressF1(AskHelp);
     struct Row {
         MessageHelpRecord help;
         LRESULT engineAnswer;
@@ -112,8 +135,33 @@ TEST_F(MessageBoxes, HelpButtonOpensTheRecordsTopic)
         }
         EXPECT_EQ(row.recorded, OSErrorGetErrorValue());
     }
-    UnhookWindowsHookEx(s_helpHook);
-    DestroyWindow(s_helpPresser);
+}
+
+// A box of its own loop opens an inner box (no owner, so the outer box stays
+// up beneath it); help is asked on the outer box under the inner one, on the
+// inner one, and on the outer one alone again: each opens its own topic.
+TEST_F(MessageBoxes, NestedBoxesEachOpenTheirOwnTopic)
+{
+    const MessageHelpRecord outerHelp = {nullptr, 0, 0, 31}, innerHelp = {nullptr, 0, 0, 32};
+    HelpEngine engine;
+    EngineCalls().clear();
+    SetEngineAnswer(1);
+    HWND outer = nullptr;
+    ActOnBoxes actor([&](HWND box) {
+        if (!outer) {
+            outer = box;
+            OSMessageWithHelp(&innerHelp, nullptr, ResourceGetHandle(), "Inner", 5000, MB_OK);
+        } else {
+            AskHelp(outer);
+        }
+        AskHelp(box);
+        PostMessageA(box, WM_COMMAND, IDOK, 0);
+    });
+    OSMessageWithHelp(&outerHelp, nullptr, ResourceGetHandle(), "Outer", 5000, MB_OK);
+    std::vector<LONG> topics;
+    for (const EngineCall &call : EngineCalls())
+        topics.push_back(call.data);
+    EXPECT_EQ((std::vector<LONG>{31, 32, 31}), topics);
 }
 
 TEST_F(MessageBoxes, BadInputIsRecordedAndShowsNothing)
@@ -176,23 +224,25 @@ TEST_F(MessageBoxes, WhenNoBoxCanBeShownTheFallbacksFollow)
     ImportPatch beep(LibraryModule(), "user32.dll", "MessageBeep",
                      reinterpret_cast<const void *>(RecordBeep));
     ASSERT_TRUE(plain.Applied() && indirect.Applied() && beep.Applied());
-    char memory[512] = {};
+    char memory[512] = {}, format[512] = {};
     LoadStringA(ResourceGetHandle(), 10003, memory, sizeof memory);
+    ASSERT_GT(LoadStringA(TestTexts(), kSaved, format, sizeof format), 0);
     const std::string text = "Saving f failed after 5 tries.";
     const UINT style = MB_YESNO | MB_ICONEXCLAMATION;
     const BoxCall tries[] = {{text, style | MB_TASKMODAL}, {text, style | MB_SYSTEMMODAL},
                              {memory, MB_SYSTEMMODAL | MB_ICONHAND}};
     const MessageHelpRecord help = {};
     for (int withHelp = 0; withHelp < 2; ++withHelp) {
+        auto show = [&] {
+            return withHelp ? OSMessageWithHelp(&help, nullptr, TestTexts(), "C", kSaved, style, "f", 5)
+                            : OSMessage(nullptr, TestTexts(), "C", kSaved, style, "f", 5);
+        };
         for (int refusals = 0; refusals < 3; ++refusals) {
             SCOPED_TRACE(refusals);
             s_boxCalls.clear();
             s_beeps.clear();
             s_refusals = refusals;
-            int answer = withHelp ? OSMessageWithHelp(&help, nullptr, TestTexts(), "C", kSaved,
-                                                      style, "f", 5)
-                                  : OSMessage(nullptr, TestTexts(), "C", kSaved, style, "f", 5);
-            EXPECT_EQ(refusals < 2 ? IDOK : IDCANCEL, answer);
+            EXPECT_EQ(refusals < 2 ? IDOK : IDCANCEL, show());
             ASSERT_EQ(static_cast<size_t>(refusals + 1), s_boxCalls.size());
             for (int i = 0; i <= refusals; ++i) {
                 EXPECT_EQ(tries[i].text, s_boxCalls[i].text) << i;
@@ -201,6 +251,17 @@ TEST_F(MessageBoxes, WhenNoBoxCanBeShownTheFallbacksFollow)
             }
             EXPECT_EQ(std::vector<UINT>{style | (withHelp ? MB_HELP : 0)}, s_beeps);
         }
+        // With every allocation refused the text cannot be filled in: the box
+        // shows its format, never the text of the box before.
+        s_boxCalls.clear();
+        {
+            FailureSeam seam(FailureSeam::Memory, 1, true);
+            EXPECT_EQ(IDOK, show());
+            EXPECT_TRUE(seam.Refused());
+        }
+        ASSERT_EQ(1u, s_boxCalls.size());
+        EXPECT_EQ(format, s_boxCalls[0].text) << withHelp;
+        OSErrorClearError();
     }
     // An oversize text stops at the formatter's 1,023 characters.
     std::string first(700, 'a'), second(700, 'b');

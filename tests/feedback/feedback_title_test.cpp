@@ -175,8 +175,6 @@ TEST_F(FeedbackDisplay, LongTitlesAreCutAndOnlyTheApplicationsCutIsRecorded)
     EXPECT_TRUE(Feedback_End());
     EXPECT_TRUE(SettlesAt((longCaption + " - [" + file).substr(0, 291)));
     EXPECT_EQ(OSErrorGetErrorValue(), RV_Success);
-    EXPECT_FALSE(Feedback_SetCaption(nullptr));
-    EXPECT_EQ(OSErrorGetErrorValue(), RV_BadParms);
 }
 
 // An error box, and any box of OSMessage, ends the run: a later

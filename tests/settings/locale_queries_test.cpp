@@ -1,16 +1,13 @@
 // The regional settings readers against the system's own values, each
 // changed for the test and put back afterwards.
 #include <cstring>
+#include <functional>
 #include "registry_scratch.h"
 
 namespace {
 
 const char kIntlKey[] = "Control Panel\\International";
 using LocaleQueries = ErrorStateTest;
-
-LONG Separator() { return OSGetSeparator(); }
-LONG Decimal() { return OSGetDecimal(); }
-LONG Thousand() { return OSGetThousand(); }
 
 // Each reader walks its value: text, raw bytes of the edge sizes, absent.
 // A type of 0 removes the value. One byte, as from the profile, counts as
@@ -20,33 +17,32 @@ TEST_F(LocaleQueries, EachReaderAtItsValueSizes)
     const DWORD two = 2;
     const struct {
         const char *value;
-        LONG(WINAPI *reader)();
-        LONG(*plain)();
+        std::function<LONG()> reader;  // the character readers answer a byte
         DWORD type;
         const void *data;
         DWORD size;
         LONG expected;
     } rows[] = {
-        {"sList", nullptr, Separator, REG_SZ, ";", 2, ';'},
-        {"sList", nullptr, Separator, REG_SZ, "", 0, ','},
-        {"sList", nullptr, Separator, 0, nullptr, 0, ','},
-        {"sDecimal", nullptr, Decimal, REG_SZ, ":;", 3, ':'},
-        {"sDecimal", nullptr, Decimal, REG_BINARY, "", 0, '.'},
-        {"sThousand", nullptr, Thousand, REG_SZ, ".", 2, '.'},
-        {"sThousand", nullptr, Thousand, REG_BINARY, "'", 1, ','},
-        {"sThousand", nullptr, Thousand, 0, nullptr, 0, ','},
-        {"iMeasure", OSGetMeasurement, nullptr, REG_SZ, "0", 2, 0},
-        {"iMeasure", OSGetMeasurement, nullptr, REG_SZ, "000000000", 10, 0},
-        {"iMeasure", OSGetMeasurement, nullptr, REG_BINARY, "00000000002", 11, 0},
-        {"iMeasure", OSGetMeasurement, nullptr, 0, nullptr, 0, 1},
-        {"iNegNumber", OSGetNegNumber, nullptr, REG_SZ, "3", 2, 3},
-        {"iNegNumber", OSGetNegNumber, nullptr, REG_DWORD, &two, 4, 2},
-        {"iNegNumber", OSGetNegNumber, nullptr, REG_SZ, "00000000042", 12, 42},
-        {"iNegNumber", OSGetNegNumber, nullptr, REG_SZ, "123456789012", 13, 0},
-        {"iNegNumber", OSGetNegNumber, nullptr, 0, nullptr, 0, 1},
-        {"sLanguage", OSGetCountryCode, nullptr, REG_SZ, "DEU", 4, 0},
-        {"sLanguage", OSGetCountryCode, nullptr, REG_SZ, "12", 3, 12},
-        {"sLanguage", OSGetCountryCode, nullptr, REG_SZ, "123456789", 10, 1234},
+        {"sList", OSGetSeparator, REG_SZ, ";", 2, ';'},
+        {"sList", OSGetSeparator, REG_SZ, "", 0, ','},
+        {"sList", OSGetSeparator, 0, nullptr, 0, ','},
+        {"sDecimal", OSGetDecimal, REG_SZ, ":;", 3, ':'},
+        {"sDecimal", OSGetDecimal, REG_BINARY, "", 0, '.'},
+        {"sThousand", OSGetThousand, REG_SZ, ".", 2, '.'},
+        {"sThousand", OSGetThousand, REG_BINARY, "'", 1, ','},
+        {"sThousand", OSGetThousand, 0, nullptr, 0, ','},
+        {"iMeasure", OSGetMeasurement, REG_SZ, "0", 2, 0},
+        {"iMeasure", OSGetMeasurement, REG_SZ, "000000000", 10, 0},
+        {"iMeasure", OSGetMeasurement, REG_BINARY, "00000000002", 11, 0},
+        {"iMeasure", OSGetMeasurement, 0, nullptr, 0, 1},
+        {"iNegNumber", OSGetNegNumber, REG_SZ, "3", 2, 3},
+        {"iNegNumber", OSGetNegNumber, REG_DWORD, &two, 4, 2},
+        {"iNegNumber", OSGetNegNumber, REG_SZ, "00000000042", 12, 42},
+        {"iNegNumber", OSGetNegNumber, REG_SZ, "123456789012", 13, 0},
+        {"iNegNumber", OSGetNegNumber, 0, nullptr, 0, 1},
+        {"sLanguage", OSGetCountryCode, REG_SZ, "DEU", 4, 0},
+        {"sLanguage", OSGetCountryCode, REG_SZ, "12", 3, 12},
+        {"sLanguage", OSGetCountryCode, REG_SZ, "123456789", 10, 1234},
     };
     for (const auto &row : rows) {
         SavedValue saved(HKEY_CURRENT_USER, kIntlKey, row.value);
@@ -54,7 +50,7 @@ TEST_F(LocaleQueries, EachReaderAtItsValueSizes)
             saved.Set(row.type, row.data, row.size);
         else
             saved.Remove();
-        EXPECT_EQ(row.expected, row.reader ? row.reader() : row.plain())
+        EXPECT_EQ(row.expected, row.reader())
             << row.value << " " << row.size;
     }
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());

@@ -1,6 +1,7 @@
 // The settings store through its exports, against a scratch key of the
-// test's own under the product key.
+// test's own under the product key; with memory short too.
 #include <cstring>
+#include "failure_seam.h"
 #include "registry_scratch.h"
 
 using ProfileStore = ScratchKeyTest;
@@ -75,16 +76,39 @@ TEST_F(ProfileStore, NumbersReadFromTextOrRawBytes)
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 
-TEST_F(ProfileStore, ExcessiveValueNeverPassesTheBuffer)
+// A text longer than the caller's buffer is read whole into a block on the
+// stack, or past that block's size into one from the heap, and cut; its
+// bytes never pass the buffer. With memory short a stored number and a cut
+// text that fits the stack block read as they do with memory to spare.
+TEST_F(ProfileStore, CutTextsAndNumbersReadTheSameWithEveryAllocationRefused)
 {
-    std::string big(100000, 'q');
-    StoreText("Big", big.c_str());
-    char buffer[24];
-    memset(buffer, kGuard, sizeof buffer);
-    EXPECT_EQ(16u, OSGetProfileString(path.c_str(), "Big", "", buffer, 16, "report", 0));
-    EXPECT_EQ(0, memcmp(buffer, big.data(), 16));
-    EXPECT_TRUE(GuardIntact(buffer, 16, sizeof buffer));
-    EXPECT_EQ(0, OSGetProfileInt(path.c_str(), "Big", 3, "report", 0));
+    const BYTE raw[8] = {0x2A, 0x01, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF};
+    Store("Word", REG_DWORD, raw, 4);
+    Store("Binary", REG_BINARY, raw, sizeof raw);
+    Store("Short", REG_BINARY, raw, 2);
+    StoreText("Text", "299");
+    StoreText("Long", std::string(4000, 'q').c_str());
+    StoreText("Big", std::string(100000, 'q').c_str());
+    struct Row {
+        const char *name;
+        LONG number;
+    } const numbers[] = {{"Word", 0x12A}, {"Binary", 0x12A}, {"Short", 0x12A}, {"Text", 299}};
+    for (int refused = 0; refused < 2; ++refused) {
+        FailureSeam seam(FailureSeam::Memory, refused, true);
+        for (const Row &row : numbers)
+            EXPECT_EQ(row.number, OSGetProfileInt(path.c_str(), row.name, -1, "r", 0)) << row.name << refused;
+        for (const char *name : {"Long", "Big"})
+            for (DWORD size : {1u, 8u, 16u, 3999u, 4000u}) {
+                if (refused && !strcmp(name, "Big"))
+                    continue;
+                std::vector<char> buffer(size + 1, kGuard);
+                EXPECT_EQ(size, OSGetProfileString(path.c_str(), name, "default", buffer.data(), size, "r", 0))
+                    << name << " " << size << " " << refused;
+                EXPECT_EQ(std::string(size, 'q'), std::string(buffer.data(), size)) << size << " " << refused;
+                EXPECT_TRUE(GuardIntact(buffer.data(), size, size + 1));
+            }
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << refused;
+    }
 }
 
 TEST_F(ProfileStore, KeyThatCannotBeOpenedIsAReadFailure)

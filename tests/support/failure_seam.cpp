@@ -24,91 +24,64 @@ bool Refuse()
     return refuse;
 }
 
-// One table row per patched import: its module, name, kind and the
-// stand-in that refuses or calls through to the original.
+// One row per patched import: its module, kind, name, return type, calling
+// convention, parameters and arguments. Each gets a stand-in that answers
+// null when refused and otherwise calls the function it stands in for.
+#define QZ_SEAM_IMPORTS(X) \
+    X("kernel32.dll", Memory, LocalAlloc, HLOCAL, WINAPI, (UINT f, SIZE_T n), (f, n)) \
+    X("kernel32.dll", Memory, LocalReAlloc, HLOCAL, WINAPI, (HLOCAL h, SIZE_T n, UINT f), (h, n, f)) \
+    X("kernel32.dll", Memory, GlobalAlloc, HGLOBAL, WINAPI, (UINT f, SIZE_T n), (f, n)) \
+    X("kernel32.dll", Memory, GlobalReAlloc, HGLOBAL, WINAPI, (HGLOBAL h, SIZE_T n, UINT f), (h, n, f)) \
+    X("kernel32.dll", Memory, HeapAlloc, LPVOID, WINAPI, (HANDLE h, DWORD f, SIZE_T n), (h, f, n)) \
+    X("kernel32.dll", Memory, HeapReAlloc, LPVOID, WINAPI, \
+      (HANDLE h, DWORD f, LPVOID p, SIZE_T n), (h, f, p, n)) \
+    X("msvcrt.dll", Memory, malloc, void *, __cdecl, (size_t n), (n)) \
+    X("msvcrt.dll", Memory, calloc, void *, __cdecl, (size_t c, size_t n), (c, n)) \
+    X("msvcrt.dll", Memory, realloc, void *, __cdecl, (void *p, size_t n), (p, n)) \
+    X("gdi32.dll", Gdi, CreateCompatibleDC, HDC, WINAPI, (HDC dc), (dc)) \
+    X("gdi32.dll", Gdi, CreateCompatibleBitmap, HBITMAP, WINAPI, (HDC dc, int w, int h), (dc, w, h)) \
+    X("gdi32.dll", Gdi, CreateBitmap, HBITMAP, WINAPI, \
+      (int w, int h, UINT p, UINT b, const void *bits), (w, h, p, b, bits)) \
+    X("gdi32.dll", Gdi, CreateBitmapIndirect, HBITMAP, WINAPI, (const BITMAP *bm), (bm)) \
+    X("gdi32.dll", Gdi, CreateDIBSection, HBITMAP, WINAPI, \
+      (HDC dc, const BITMAPINFO *bi, UINT u, void **bits, HANDLE s, DWORD o), (dc, bi, u, bits, s, o)) \
+    X("gdi32.dll", Gdi, CreateDIBitmap, HBITMAP, WINAPI, \
+      (HDC dc, const BITMAPINFOHEADER *h, DWORD f, const void *b, const BITMAPINFO *bi, UINT u), (dc, h, f, b, bi, u)) \
+    X("gdi32.dll", Gdi, CreateSolidBrush, HBRUSH, WINAPI, (COLORREF c), (c)) \
+    X("gdi32.dll", Gdi, CreatePatternBrush, HBRUSH, WINAPI, (HBITMAP b), (b)) \
+    X("gdi32.dll", Gdi, CreateBrushIndirect, HBRUSH, WINAPI, (const LOGBRUSH *lb), (lb)) \
+    X("gdi32.dll", Gdi, CreatePen, HPEN, WINAPI, (int s, int w, COLORREF c), (s, w, c)) \
+    X("gdi32.dll", Gdi, CreatePenIndirect, HPEN, WINAPI, (const LOGPEN *lp), (lp)) \
+    X("gdi32.dll", Gdi, CreateFontIndirectA, HFONT, WINAPI, (const LOGFONTA *lf), (lf)) \
+    X("gdi32.dll", Gdi, CreateRectRgn, HRGN, WINAPI, (int l, int t, int r, int b), (l, t, r, b)) \
+    X("gdi32.dll", Gdi, CreateRectRgnIndirect, HRGN, WINAPI, (const RECT *r), (r)) \
+    X("gdi32.dll", Gdi, CreateRoundRectRgn, HRGN, WINAPI, \
+      (int l, int t, int r, int b, int w, int h), (l, t, r, b, w, h)) \
+    X("gdi32.dll", Gdi, CreateEllipticRgn, HRGN, WINAPI, (int l, int t, int r, int b), (l, t, r, b)) \
+    X("gdi32.dll", Gdi, CreatePolygonRgn, HRGN, WINAPI, (const POINT *p, int n, int m), (p, n, m)) \
+    X("gdi32.dll", Gdi, ExtCreateRegion, HRGN, WINAPI, (const XFORM *x, DWORD n, const RGNDATA *d), (x, n, d))
+
+#define QZ_SEAM_HOOK(dll, kind, Name, Ret, CallConv, Params, Args)                 \
+    void *g_original_##Name;                                                       \
+    Ret CallConv Seam_##Name Params                                                \
+    {                                                                              \
+        if (Refuse())                                                              \
+            return nullptr;                                                        \
+        return reinterpret_cast<Ret(CallConv *) Params>(g_original_##Name) Args;  \
+    }
+QZ_SEAM_IMPORTS(QZ_SEAM_HOOK)
+
 struct Hook {
     const char *dll;
     const char *name;
     unsigned kind;
     const void *replacement;
-    void **original; // where the stand-in finds the function it stands in for
+    void **original;  // where the stand-in finds the function it stands in for
 };
 
-// A stand-in for `Name`, which answers `failure` when refused.
-#define QZ_SEAM_HOOK(Name, Ret, CallConv, failure, Params, Args)            \
-    void *g_original_##Name;                                                \
-    Ret CallConv Seam_##Name Params                                         \
-    {                                                                       \
-        if (Refuse())                                                       \
-            return failure;                                                 \
-        return reinterpret_cast<Ret(CallConv *) Params>(g_original_##Name) Args; \
-    }
-
-QZ_SEAM_HOOK(LocalAlloc, HLOCAL, WINAPI, nullptr, (UINT f, SIZE_T n), (f, n))
-QZ_SEAM_HOOK(LocalReAlloc, HLOCAL, WINAPI, nullptr, (HLOCAL h, SIZE_T n, UINT f), (h, n, f))
-QZ_SEAM_HOOK(GlobalAlloc, HGLOBAL, WINAPI, nullptr, (UINT f, SIZE_T n), (f, n))
-QZ_SEAM_HOOK(GlobalReAlloc, HGLOBAL, WINAPI, nullptr, (HGLOBAL h, SIZE_T n, UINT f), (h, n, f))
-QZ_SEAM_HOOK(HeapAlloc, LPVOID, WINAPI, nullptr, (HANDLE h, DWORD f, SIZE_T n), (h, f, n))
-QZ_SEAM_HOOK(HeapReAlloc, LPVOID, WINAPI, nullptr, (HANDLE h, DWORD f, LPVOID p, SIZE_T n), (h, f, p, n))
-QZ_SEAM_HOOK(malloc, void *, __cdecl, nullptr, (size_t n), (n))
-QZ_SEAM_HOOK(calloc, void *, __cdecl, nullptr, (size_t c, size_t n), (c, n))
-QZ_SEAM_HOOK(realloc, void *, __cdecl, nullptr, (void *p, size_t n), (p, n))
-QZ_SEAM_HOOK(CreateCompatibleDC, HDC, WINAPI, nullptr, (HDC dc), (dc))
-QZ_SEAM_HOOK(CreateCompatibleBitmap, HBITMAP, WINAPI, nullptr, (HDC dc, int w, int h), (dc, w, h))
-QZ_SEAM_HOOK(CreateBitmap, HBITMAP, WINAPI, nullptr, (int w, int h, UINT p, UINT b, const void *bits),
-             (w, h, p, b, bits))
-QZ_SEAM_HOOK(CreateBitmapIndirect, HBITMAP, WINAPI, nullptr, (const BITMAP *bm), (bm))
-QZ_SEAM_HOOK(CreateDIBSection, HBITMAP, WINAPI, nullptr,
-             (HDC dc, const BITMAPINFO *bi, UINT u, void **bits, HANDLE s, DWORD o), (dc, bi, u, bits, s, o))
-QZ_SEAM_HOOK(CreateDIBitmap, HBITMAP, WINAPI, nullptr,
-             (HDC dc, const BITMAPINFOHEADER *h, DWORD f, const void *b, const BITMAPINFO *bi, UINT u),
-             (dc, h, f, b, bi, u))
-QZ_SEAM_HOOK(CreateSolidBrush, HBRUSH, WINAPI, nullptr, (COLORREF c), (c))
-QZ_SEAM_HOOK(CreatePatternBrush, HBRUSH, WINAPI, nullptr, (HBITMAP b), (b))
-QZ_SEAM_HOOK(CreateBrushIndirect, HBRUSH, WINAPI, nullptr, (const LOGBRUSH *lb), (lb))
-QZ_SEAM_HOOK(CreatePen, HPEN, WINAPI, nullptr, (int s, int w, COLORREF c), (s, w, c))
-QZ_SEAM_HOOK(CreatePenIndirect, HPEN, WINAPI, nullptr, (const LOGPEN *lp), (lp))
-QZ_SEAM_HOOK(CreateFontIndirectA, HFONT, WINAPI, nullptr, (const LOGFONTA *lf), (lf))
-QZ_SEAM_HOOK(CreateRectRgn, HRGN, WINAPI, nullptr, (int l, int t, int r, int b), (l, t, r, b))
-QZ_SEAM_HOOK(CreateRectRgnIndirect, HRGN, WINAPI, nullptr, (const RECT *r), (r))
-QZ_SEAM_HOOK(CreateRoundRectRgn, HRGN, WINAPI, nullptr, (int l, int t, int r, int b, int w, int h),
-             (l, t, r, b, w, h))
-QZ_SEAM_HOOK(CreateEllipticRgn, HRGN, WINAPI, nullptr, (int l, int t, int r, int b), (l, t, r, b))
-QZ_SEAM_HOOK(CreatePolygonRgn, HRGN, WINAPI, nullptr, (const POINT *p, int n, int m), (p, n, m))
-QZ_SEAM_HOOK(ExtCreateRegion, HRGN, WINAPI, nullptr, (const XFORM *x, DWORD n, const RGNDATA *d), (x, n, d))
-
-#define QZ_SEAM_ROW(dll, Name, kind) \
-    { dll, #Name, FailureSeam::kind, reinterpret_cast<const void *>(Seam_##Name), &g_original_##Name }
-
-const Hook kHooks[] = {
-    QZ_SEAM_ROW("kernel32.dll", LocalAlloc, Memory),
-    QZ_SEAM_ROW("kernel32.dll", LocalReAlloc, Memory),
-    QZ_SEAM_ROW("kernel32.dll", GlobalAlloc, Memory),
-    QZ_SEAM_ROW("kernel32.dll", GlobalReAlloc, Memory),
-    QZ_SEAM_ROW("kernel32.dll", HeapAlloc, Memory),
-    QZ_SEAM_ROW("kernel32.dll", HeapReAlloc, Memory),
-    QZ_SEAM_ROW("msvcrt.dll", malloc, Memory),
-    QZ_SEAM_ROW("msvcrt.dll", calloc, Memory),
-    QZ_SEAM_ROW("msvcrt.dll", realloc, Memory),
-    QZ_SEAM_ROW("gdi32.dll", CreateCompatibleDC, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateCompatibleBitmap, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateBitmap, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateBitmapIndirect, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateDIBSection, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateDIBitmap, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateSolidBrush, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreatePatternBrush, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateBrushIndirect, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreatePen, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreatePenIndirect, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateFontIndirectA, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateRectRgn, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateRectRgnIndirect, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateRoundRectRgn, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreateEllipticRgn, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", CreatePolygonRgn, Gdi),
-    QZ_SEAM_ROW("gdi32.dll", ExtCreateRegion, Gdi),
-};
+#define QZ_SEAM_ROW(dll, kind, Name, ...) \
+    {dll, #Name, FailureSeam::kind, reinterpret_cast<const void *>(Seam_##Name), &g_original_##Name},
+const Hook kHooks[] = {QZ_SEAM_IMPORTS(QZ_SEAM_ROW)};
 
 } // namespace
 
@@ -141,4 +114,3 @@ FailureSeam::~FailureSeam()
 
 unsigned FailureSeam::Calls() const { return g_seam.calls; }
 bool FailureSeam::Refused() const { return g_seam.refused; }
-void FailureSeam::Disarm() { g_seam.armed = false; }

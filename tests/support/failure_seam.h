@@ -36,9 +36,6 @@ public:
     unsigned Calls() const;
     // True once a request was refused.
     bool Refused() const;
-    // Stops counting and refusing, keeping the patches (for clean-up code
-    // that must succeed).
-    void Disarm();
 
 private:
     std::vector<std::unique_ptr<ImportPatch>> patches_;

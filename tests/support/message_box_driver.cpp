@@ -17,30 +17,32 @@ const UINT kAnswerDelayMs = 10;
 
 struct ButtonSet {
     UINT style;
+    const char *name;
     std::vector<int> ids;
 };
 
 // The button sets of the message box styles, as the box shows them.
 const ButtonSet kButtonSets[] = {
-    {MB_OK, {IDOK}},
-    {MB_OKCANCEL, {IDOK, IDCANCEL}},
-    {MB_ABORTRETRYIGNORE, {IDABORT, IDRETRY, IDIGNORE}},
-    {MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}},
-    {MB_YESNO, {IDYES, IDNO}},
-    {MB_RETRYCANCEL, {IDRETRY, IDCANCEL}},
-    {MB_CANCELTRYCONTINUE, {IDCANCEL, IDTRYAGAIN, IDCONTINUE}},
+    {MB_OK, "OK", {IDOK}},
+    {MB_OKCANCEL, "OK Cancel", {IDOK, IDCANCEL}},
+    {MB_ABORTRETRYIGNORE, "Abort Retry Ignore", {IDABORT, IDRETRY, IDIGNORE}},
+    {MB_YESNOCANCEL, "Yes No Cancel", {IDYES, IDNO, IDCANCEL}},
+    {MB_YESNO, "Yes No", {IDYES, IDNO}},
+    {MB_RETRYCANCEL, "Retry Cancel", {IDRETRY, IDCANCEL}},
+    {MB_CANCELTRYCONTINUE, "Cancel TryAgain Continue", {IDCANCEL, IDTRYAGAIN, IDCONTINUE}},
 };
 
 struct IconKind {
     UINT style;
     LPCSTR resource;
+    const char *name;
 };
 
 const IconKind kIcons[] = {
-    {MB_ICONHAND, IDI_HAND},
-    {MB_ICONQUESTION, IDI_QUESTION},
-    {MB_ICONEXCLAMATION, IDI_EXCLAMATION},
-    {MB_ICONASTERISK, IDI_ASTERISK},
+    {MB_ICONHAND, IDI_HAND, "hand"},
+    {MB_ICONQUESTION, IDI_QUESTION, "question"},
+    {MB_ICONEXCLAMATION, IDI_EXCLAMATION, "exclamation"},
+    {MB_ICONASTERISK, IDI_ASTERISK, "asterisk"},
 };
 
 std::string WindowText(HWND window)
@@ -85,28 +87,18 @@ BOOL CALLBACK CountDisabled(HWND window, LPARAM data)
 
 const char *ButtonsName(UINT style)
 {
-    switch (style & MB_TYPEMASK) {
-    case MB_OK: return "OK";
-    case MB_OKCANCEL: return "OK Cancel";
-    case MB_ABORTRETRYIGNORE: return "Abort Retry Ignore";
-    case MB_YESNOCANCEL: return "Yes No Cancel";
-    case MB_YESNO: return "Yes No";
-    case MB_RETRYCANCEL: return "Retry Cancel";
-    case MB_CANCELTRYCONTINUE: return "Cancel TryAgain Continue";
-    }
+    for (const ButtonSet &set : kButtonSets)
+        if (set.style == (style & MB_TYPEMASK))
+            return set.name;
     return "?";
 }
 
 const char *IconName(UINT style)
 {
-    switch (style & MB_ICONMASK) {
-    case 0: return "no icon";
-    case MB_ICONHAND: return "hand";
-    case MB_ICONQUESTION: return "question";
-    case MB_ICONEXCLAMATION: return "exclamation";
-    case MB_ICONASTERISK: return "asterisk";
-    }
-    return "?";
+    for (const IconKind &kind : kIcons)
+        if (kind.style == (style & MB_ICONMASK))
+            return kind.name;
+    return (style & MB_ICONMASK) ? "?" : "no icon";
 }
 
 } // namespace

@@ -226,12 +226,6 @@ void DoubleClick(HWND window, int x, int y, WPARAM keys)
     SendMouse(window, WM_LBUTTONUP, x, y, keys);
 }
 
-void RightClick(HWND window, int x, int y, WPARAM keys)
-{
-    SendMouse(window, WM_RBUTTONDOWN, x, y, keys | MK_RBUTTON);
-    SendMouse(window, WM_RBUTTONUP, x, y, keys);
-}
-
 void Drag(HWND window, POINT from, POINT to, int steps, WPARAM keys)
 {
     SendMouse(window, WM_LBUTTONDOWN, from.x, from.y, keys | MK_LBUTTON);
@@ -277,21 +271,6 @@ void SystemKey(WORD virtualKey, bool up)
     input.ki.wVk = virtualKey;
     input.ki.wScan = static_cast<WORD>(MapVirtualKeyA(virtualKey, 0));
     input.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
-    SendInput(1, &input, sizeof input);
-    PumpMessages();
-}
-
-void SystemMouse(HWND window, int x, int y, DWORD buttonFlags)
-{
-    POINT p = {x, y};
-    ClientToScreen(window, &p);
-    int width = GetSystemMetrics(SM_CXSCREEN) - 1;
-    int height = GetSystemMetrics(SM_CYSCREEN) - 1;
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = p.x * 65535 / (width > 0 ? width : 1);
-    input.mi.dy = p.y * 65535 / (height > 0 ? height : 1);
-    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | buttonFlags;
     SendInput(1, &input, sizeof input);
     PumpMessages();
 }

@@ -109,7 +109,6 @@ std::string MessageName(UINT message);
 // ----------------------------------------------------------------------
 void Click(HWND window, int x, int y, WPARAM keys = 0);
 void DoubleClick(HWND window, int x, int y, WPARAM keys = 0);
-void RightClick(HWND window, int x, int y, WPARAM keys = 0);
 // Press at `from`, `steps` moves to `to`, release there; the moves go to
 // the capture window if the press set one.
 void Drag(HWND window, POINT from, POINT to, int steps = 4, WPARAM keys = 0);
@@ -119,9 +118,6 @@ void Chars(HWND window, const char *text);
 
 // System input: the key or button state changes as for a real user.
 void SystemKey(WORD virtualKey, bool up);
-// Moves the cursor to client point (x, y) of `window` and presses or
-// releases the left button there.
-void SystemMouse(HWND window, int x, int y, DWORD buttonFlags);
 // Holds a key down (Shift, Control) for its lifetime.
 class HeldKey {
 public:
