@@ -125,13 +125,7 @@ private:
 // December 2100 is as far as the keys go, and nothing is told then.
 TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
 {
-    const struct {
-        DateTimeValue from;
-        UINT key;
-        bool control;
-        DateTimeValue to;
-        const Message *told;
-    } rows[] = {
+    const struct { DateTimeValue from; UINT key; bool control; DateTimeValue to; const Message *told; } rows[] = {
         {MakeDate(2024, 1, 31), VK_NEXT, false, MakeDate(2024, 2, 29), changed_seq},
         {MakeDate(2024, 3, 31), VK_PRIOR, false, MakeDate(2024, 2, 29), changed_seq},
         {MakeDate(2024, 2, 29), VK_NEXT, true, MakeDate(2025, 2, 28), changed_seq},
@@ -206,10 +200,7 @@ TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 // row wholly in the next month is not drawn.
 TEST_F(DateTrackerTest, GreyCellsAndRowsFollowTheMonth)
 {
-    const struct {
-        DateTimeValue month;
-        std::vector<const char *> rows;  // 'g': a grey day
-    } cases[] = {
+    const struct { DateTimeValue month; std::vector<const char *> rows; /* 'g': a grey day */ } cases[] = {
         // February 2015 starts on a Sunday: four rows, all its own.
         {MakeDate(2015, 2, 10), {".......", ".......", ".......", "......."}},
         // September 2015: 30 and 31 August lead, 1 to 3 October trail, and
