@@ -1,9 +1,8 @@
 // TimeSetter: setters and their limits, key steps and Shift snapping, the
 // rounding of clicks, dragging the label, the held arrows and the automatic
-// scroll, the window text both ways, and a monkey run.
+// scroll, the window text both ways. Its monkey runs in random_host_test.
 #include "qz_test.h"
 #include "window_harness.h"
-#include <random>
 #include <string>
 
 namespace {

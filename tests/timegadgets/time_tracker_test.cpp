@@ -1,10 +1,9 @@
 // TimeTracker: the hour scale's geometry both ways, the normalising of
 // start, end and duration, the busy lanes, the drag with its notifications
-// and scrolling, the free-time search, one dialog driven as the application
-// drives it, and a monkey run.
+// and scrolling, the free-time search, and one dialog driven as the
+// application drives it. Its monkey runs in random_host_test.
 #include "qz_test.h"
 #include "window_harness.h"
-#include <random>
 
 namespace {
 

@@ -3,7 +3,6 @@
 #include "qz_test.h"
 #include "window_harness.h"
 #include "failure_seam.h"
-#include <random>
 
 namespace {
 
@@ -121,7 +120,8 @@ TEST_F(TumblerTest, StepKeysNotifyOnPressAndRelease)
     SetRange(g, 0, 99, 10, 1);
     parent.Pump();
     parent.Clear();
-    const struct { UINT down, ch; LONG expected; } rows[] = {{VK_UP, 0, 11}, {VK_DOWN, 0, 10}, {VK_ADD, '+', 11}, {VK_SUBTRACT, '-', 10}, {VK_OEM_PLUS, '+', 11}};
+    const struct { UINT down, ch; LONG expected; } rows[] = {
+        {VK_UP, 0, 11}, {VK_DOWN, 0, 10}, {VK_ADD, '+', 11}, {VK_SUBTRACT, '-', 10}, {VK_OEM_PLUS, '+', 11}};
     for (const auto &row : rows) {
         SendMessageA(edit, WM_KEYDOWN, row.down, 0);
         if (row.ch)
@@ -143,8 +143,9 @@ TEST_F(TumblerTest, StepKeysNotifyOnPressAndRelease)
 TEST_F(TumblerTest, LeavingTheEditValidates)
 {
     HWND edit = GetDlgItem(g, 1);
-    const struct { LONG minimum, maximum; const char *typed; LONG expected; } rows[] = {{10, 50, "5", 10},  {10, 50, "", 10},  {10, 50, "77", 50},
-                {10, 50, "30", 30}, {-10, 50, "5", -10}, {-10, 50, "-3", 50}};
+    const struct { LONG minimum, maximum; const char *typed; LONG expected; } rows[] = {
+        {10, 50, "5", 10},  {10, 50, "", 10},  {10, 50, "77", 50},
+        {10, 50, "30", 30}, {-10, 50, "5", -10}, {-10, 50, "-3", 50}};
     for (const auto &row : rows) {
         SetRange(g, row.minimum, row.maximum, row.minimum, 1);
         SetWindowTextA(edit, row.typed);

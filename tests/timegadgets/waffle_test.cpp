@@ -148,13 +148,11 @@ TEST_F(WaffleTest, KeysMoveTheEditAcrossCellRowAndColumnEdges)
         {4, "", 0, VK_HOME, true, 0},    {4, "", 0, VK_END, false, 4},    {1, "", 0, VK_NEXT, false, 10},
         {10, "", 0, VK_PRIOR, false, 1},
     };
-    BYTE keys[256];
-    auto shift = [&](bool down) { GetKeyboardState(keys), keys[VK_SHIFT] = down ? 0x80 : 0, SetKeyboardState(keys); };
     for (const Row &row : rows) {
         Send(WFM_PUTCELL, row.from, ""), Send(WFM_GOTOCELL, row.from);
         Send(WFM_PUTCELL, row.from, row.text);  // the edit's text
         SendMessageA(edit, EM_SETSEL, row.caret, row.caret);
-        shift(row.shift), SendMessageA(edit, WM_KEYDOWN, row.key, 0), shift(false);
+        ThreadKeys(row.shift), SendMessageA(edit, WM_KEYDOWN, row.key, 0), ThreadKeys(0);
         EXPECT_EQ(row.to, Current()) << row.from << " key " << row.key << " shift " << row.shift;
     }
 }
