@@ -162,19 +162,17 @@ TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
 TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 {
     Set(g, MakeDate(2024, 5, 20));
-    std::string text = DateText(MakeDate(2031, 8, 3));
+    const std::string typed = DateText(MakeDate(2031, 8, 3)), bad = "no date at all";
     Quiet(parent);
-    SetWindowTextA(g, text.c_str());
-    EXPECT_SEQUENCE(parent, changed_seq, "date text");
-    EXPECT_EQ(MakeDate(2031, 8, 3), Get(g));
-    EXPECT_EQ(text, Text(g));
-    SetWindowTextA(g, "");
-    EXPECT_SEQUENCE(parent, nothing_seq, "empty text");
-    EXPECT_EQ(text, Text(g));
-    SetWindowTextA(g, "no date at all");
-    EXPECT_SEQUENCE(parent, bad_text_seq, "bad text");
-    EXPECT_EQ(Today(), Get(g));
-    EXPECT_EQ("no date at all", Text(g));
+    const struct { std::string text; const Message *told; DateTimeValue date; std::string shown; } rows[] = {
+        {typed, changed_seq, MakeDate(2031, 8, 3), typed}, {"", nothing_seq, MakeDate(2031, 8, 3), typed},
+        {bad, bad_text_seq, Today(), bad}};
+    for (const auto &row : rows) {
+        SetWindowTextA(g, row.text.c_str());
+        EXPECT_SEQUENCE(parent, row.told, ("text \"" + row.text + "\"").c_str());
+        EXPECT_EQ(row.date, Get(g)) << row.text;
+        EXPECT_EQ(row.shown, Text(g));
+    }
 
     Set(g, MakeDate(2024, 5, 20));
     ShowWindow(g, SW_HIDE);

@@ -195,8 +195,10 @@ TEST_F(TimeSetterTest, ClicksRoundToTheNearestHour)
 }
 
 // Dragging the label moves the value by whole snapped steps and repaints
-// the label at its new place; the release sets the text once more.
-TEST_F(TimeSetterTest, DraggingTheLabelMovesTheValue)
+// the label at its new place; the release sets the text once more. Losing
+// the capture (a box opened, another window) ends a drag at once: the value
+// stays, nothing more is told, and the next press starts anew.
+TEST_F(TimeSetterTest, DraggingTheLabelMovesTheValueUntilTheCaptureGoes)
 {
     Start(10, 0);
     RECT before = LabelAt(120);
@@ -222,6 +224,15 @@ TEST_F(TimeSetterTest, DraggingTheLabelMovesTheValue)
     EXPECT_EQ(1, Heard(TSN_TIMECHANGED));
     EXPECT_EQ(TimeText(At(11, 20)), WindowText(g));
     EXPECT_EQ(nullptr, GetCapture());
+    Mouse(WM_LBUTTONDOWN, centreX, scaleTop + 200);
+    SendMessageA(g, WM_CANCELMODE, 0, 0);
+    EXPECT_EQ(nullptr, GetCapture());
+    Mouse(WM_MOUSEMOVE, centreX, scaleTop + 260);
+    EXPECT_EQ(At(11, 20), Get(TSM_GETVALUE));
+    EXPECT_EQ(0, Heard(TSN_TIMECHANGED));
+    Mouse(WM_LBUTTONDOWN, centreX, scaleTop + 200);
+    EXPECT_EQ(g, GetCapture());
+    Mouse(WM_LBUTTONUP, centreX, scaleTop + 200);
 }
 
 // A held arrow moves the view by 30 minutes at once and at every tick, each
@@ -325,25 +336,6 @@ TEST_F(TimeSetterTest, WindowTextInAndOut)
     SendMessageA(g, WM_SETFOCUS, 0, 0);
     SendMessageA(g, WM_KILLFOCUS, 0, 0);
     EXPECT_SEQUENCE(parent, focus_seq, "focus");
-}
-
-// Losing the capture (a box opened, another window) ends a drag at once:
-// the value stays, nothing more is told, and the next press starts anew.
-TEST_F(TimeSetterTest, CaptureLossEndsTheDragQuietly)
-{
-    Start(10, 0);
-    RECT label = LabelAt(120);
-    const LONG y = (label.top + label.bottom) / 2;
-    Mouse(WM_LBUTTONDOWN, centreX, y);
-    EXPECT_EQ(g, GetCapture());
-    SendMessageA(g, WM_CANCELMODE, 0, 0);
-    EXPECT_EQ(nullptr, GetCapture());
-    Mouse(WM_MOUSEMOVE, centreX, y + 60);
-    EXPECT_EQ(At(10, 0), Get(TSM_GETVALUE));
-    EXPECT_EQ(0, Heard(TSN_TIMECHANGED));
-    Mouse(WM_LBUTTONDOWN, centreX, y);
-    EXPECT_EQ(g, GetCapture());
-    Mouse(WM_LBUTTONUP, centreX, y);
 }
 
 // Over 8 * perHour + 2 pixels the first two hours are a pixel taller; the
