@@ -103,13 +103,11 @@ TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
 {
     HWND g = nullptr;
     LONG top = 0, height = 0;
-    for (int h = 300; h < 316; ++h) {
+    for (int h = 300; h < 316 && height % 8 == 0; ++h) {
         if (g)
             DestroyWindow(g);
         g = Make(parent, 0, h);
         Scale(g, &top, &height);
-        if (height % 8 != 0)
-            break;
     }
     ASSERT_NE(0, height % 8);
     const LONG pph = height / 8, extra = height % 8;
