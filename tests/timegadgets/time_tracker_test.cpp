@@ -137,7 +137,7 @@ TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
 TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
 {
     HWND g = Make(parent);
-    enum Op { SetStart, SetEnd, SetDuration, SetStartKeep };
+    enum Op { SetStart, SetEnd, SetDuration };
     const struct { Op op; DateTimeValue value; LPARAM duration; DateTimeValue start, end; DWORD hours, minutes; }
     rows[] = {
         {SetStart, At(10, 30), 0, At(10, 30), At(11, 0), 0, 30},      // inside: the end stays
@@ -148,14 +148,12 @@ TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
         {SetStart, At(8, 0), 0, At(8, 0), At(8, 0, 1), 24, 0},        // over from the start: the end gives way
         {SetDuration, {}, MAKELONG(45, 2), At(8, 0), At(10, 45), 2, 45},
         {SetDuration, {}, MAKELONG(1, 24), At(8, 0), At(8, 0, 1), 24, 0},
-        {SetStartKeep, At(22, 30), 0, At(22, 30), At(23, 55), 1, 25},  // held to the day's last step
-        {SetStartKeep, At(20, 0), 0, At(20, 0), At(21, 25), 1, 25},
     };
     for (const auto &row : rows) {
         DateTimeValue v = row.value;
         v.second = 40;  // seconds are dropped
         LRESULT result = row.op == SetDuration ? SendMessageA(g, TTM_SETDURATION, 0, row.duration)
-                         : Send(g, row.op == SetStart ? TTM_SETSTART : row.op == SetEnd ? TTM_SETEND : TTM_SETSTARTKEEP, 0, &v);
+                                               : Send(g, row.op == SetStart ? TTM_SETSTART : TTM_SETEND, 0, &v);
         EXPECT_EQ(1, result);
         EXPECT_EQ(row.start, Get(g, TTM_GETSTART)) << ToText(row.value);
         EXPECT_EQ(row.end, Get(g, TTM_GETEND)) << ToText(row.value);
@@ -351,19 +349,21 @@ TEST_F(TimeTrackerTest, KeysAtTheEdgesOfTheViewAndTheDay)
     }
 }
 
-// TTM_SETSTARTKEEP holds the end to 23:00 plus the last whole fine step;
-// TTS_KEEPVISIBLE scrolls only once the appointment leaves the view.
+// TTM_SETSTARTKEEP keeps the duration (the seconds dropped) but holds the
+// end to 23:00 plus the last whole fine step; TTS_KEEPVISIBLE scrolls only
+// once the appointment leaves the view.
 TEST_F(TimeTrackerTest, StartKeepCeilingAndKeepVisibleEdges)
 {
     HWND g = Make(parent), kept = Make(parent, TTS_KEEPVISIBLE);
     const struct { int fine, start, toStart, toEnd; } keeps[] = {
-        {5, 1434, 1434, 1435}, {5, 1435, 1435, 1435}, {5, 1438, 1435, 1435},
+        {5, 1200, 1200, 1260}, {5, 1434, 1434, 1435}, {5, 1435, 1435, 1435}, {5, 1438, 1435, 1435},
         {7, 1415, 1415, 1436}, {7, 1435, 1435, 1436}, {7, 1438, 1436, 1436},
     };
     for (const auto &row : keeps) {
         SendMessageA(g, TTM_SETDURATION, 0, MAKELONG(0, 1));
         SendMessageA(g, TTM_SETFINESTEP, static_cast<WPARAM>(row.fine), 0);
         DateTimeValue start = M(row.start);
+        start.second = 40;
         EXPECT_EQ(1, Send(g, TTM_SETSTARTKEEP, 0, &start));
         EXPECT_EQ(M(row.toStart), Get(g, TTM_GETSTART)) << row.fine << " " << row.start;
         EXPECT_EQ(M(row.toEnd), Get(g, TTM_GETEND)) << row.fine << " " << row.start;
