@@ -56,10 +56,8 @@ TEST(BusyLanes, SweepGivesEveryLaneThePassOverAllPairsGives)
     std::mt19937 random(2026);
     // The pass over all pairs is slow in the emulated lane: smaller lists there.
     const size_t large = static_cast<size_t>(MonkeySteps(1000, 150)), largest = static_cast<size_t>(MonkeySteps(5000, 400));
-    const struct {
-        size_t count;
-        unsigned hours;
-    } shapes[] = {{0, 1}, {1, 1}, {2, 1}, {3, 1}, {12, 2}, {40, 1}, {200, 400}, {300, 1}, {large, 500}, {largest, largest / 4}};
+    const struct { size_t count; unsigned hours; } shapes[] = {
+        {0, 1}, {1, 1}, {2, 1}, {3, 1}, {12, 2}, {40, 1}, {200, 400}, {300, 1}, {large, 500}, {largest, largest / 4}};
     for (const auto &shape : shapes) {
         for (int round = 0; round < (shape.count < 100 ? 40 : 1); ++round) {
             std::vector<BusyInterval> expected = RandomList(random, shape.count, shape.hours);

@@ -1,10 +1,9 @@
 // DateTracker: keys, the year limit, the month buttons and their repeat,
-// the grid's rows and grey days, the focus rectangle, text in and out, and
-// random input, through messages as a host drives it.
+// the grid's rows and grey days, the focus rectangle, text in and out,
+// through messages as a host drives it. Its monkey runs in random_host_test.
 #include "qz_test.h"
 #include "window_harness.h"
 #include <algorithm>
-#include <random>
 #include <string>
 
 namespace {
@@ -102,14 +101,6 @@ protected:
     static void Press(HWND g, POINT p) { SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(p.x, p.y)); }
     static void Move(HWND g, POINT p) { SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(p.x, p.y)); }
     static void Release(HWND g, POINT p) { SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(p.x, p.y)); }
-    // The thread's own key state, which the gadget reads for Ctrl.
-    static void ControlKey(bool down)
-    {
-        BYTE state[256];
-        GetKeyboardState(state);
-        state[VK_CONTROL] = down ? 0x80 : 0;
-        SetKeyboardState(state);
-    }
     static void Quiet(RecordingParent &parent)
     {
         parent.Pump();
@@ -125,13 +116,7 @@ private:
 // December 2100 is as far as the keys go, and nothing is told then.
 TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
 {
-    const struct {
-        DateTimeValue from;
-        UINT key;
-        bool control;
-        DateTimeValue to;
-        const Message *told;
-    } rows[] = {
+    const struct { DateTimeValue from; UINT key; bool control; DateTimeValue to; const Message *told; } rows[] = {
         {MakeDate(2024, 1, 31), VK_NEXT, false, MakeDate(2024, 2, 29), changed_seq},
         {MakeDate(2024, 3, 31), VK_PRIOR, false, MakeDate(2024, 2, 29), changed_seq},
         {MakeDate(2024, 2, 29), VK_NEXT, true, MakeDate(2025, 2, 28), changed_seq},
@@ -151,9 +136,9 @@ TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
     for (const auto &row : rows) {
         Set(g, row.from);
         Quiet(parent);
-        ControlKey(row.control);
+        ThreadKeys(row.control ? 2 : 0);  // the gadget reads Ctrl from the thread's key state
         SendMessageA(g, WM_KEYDOWN, row.key, 0);
-        ControlKey(false);
+        ThreadKeys(0);
         std::string context = ToText(row.from) + " key " + std::to_string(row.key);
         EXPECT_SEQUENCE(parent, row.told, context.c_str());
         EXPECT_EQ(row.to, Get(g)) << context;
@@ -177,19 +162,17 @@ TEST_F(DateTrackerTest, KeysMoveTheDateWithinTheYearLimit)
 TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 {
     Set(g, MakeDate(2024, 5, 20));
-    std::string text = DateText(MakeDate(2031, 8, 3));
+    const std::string typed = DateText(MakeDate(2031, 8, 3)), bad = "no date at all";
     Quiet(parent);
-    SetWindowTextA(g, text.c_str());
-    EXPECT_SEQUENCE(parent, changed_seq, "date text");
-    EXPECT_EQ(MakeDate(2031, 8, 3), Get(g));
-    EXPECT_EQ(text, Text(g));
-    SetWindowTextA(g, "");
-    EXPECT_SEQUENCE(parent, nothing_seq, "empty text");
-    EXPECT_EQ(text, Text(g));
-    SetWindowTextA(g, "no date at all");
-    EXPECT_SEQUENCE(parent, bad_text_seq, "bad text");
-    EXPECT_EQ(Today(), Get(g));
-    EXPECT_EQ("no date at all", Text(g));
+    const struct { std::string text; const Message *told; DateTimeValue date; std::string shown; } rows[] = {
+        {typed, changed_seq, MakeDate(2031, 8, 3), typed}, {"", nothing_seq, MakeDate(2031, 8, 3), typed},
+        {bad, bad_text_seq, Today(), bad}};
+    for (const auto &row : rows) {
+        SetWindowTextA(g, row.text.c_str());
+        EXPECT_SEQUENCE(parent, row.told, ("text \"" + row.text + "\"").c_str());
+        EXPECT_EQ(row.date, Get(g)) << row.text;
+        EXPECT_EQ(row.shown, Text(g));
+    }
 
     Set(g, MakeDate(2024, 5, 20));
     ShowWindow(g, SW_HIDE);
@@ -206,10 +189,7 @@ TEST_F(DateTrackerTest, WindowTextSetsTheDateAndHiddenKeysHandItBack)
 // row wholly in the next month is not drawn.
 TEST_F(DateTrackerTest, GreyCellsAndRowsFollowTheMonth)
 {
-    const struct {
-        DateTimeValue month;
-        std::vector<const char *> rows;  // 'g': a grey day
-    } cases[] = {
+    const struct { DateTimeValue month; std::vector<const char *> rows; /* 'g': a grey day */ } cases[] = {
         // February 2015 starts on a Sunday: four rows, all its own.
         {MakeDate(2015, 2, 10), {".......", ".......", ".......", "......."}},
         // September 2015: 30 and 31 August lead, 1 to 3 October trail, and
@@ -256,16 +236,15 @@ TEST_F(DateTrackerTest, MouseSelectsAndChoosesDays)
     Set(g, september);
     Layout layout(g, september);
     Quiet(parent);
-    Press(g, layout.Cell(2, 3));
-    Release(g, layout.Cell(2, 3));
-    EXPECT_SEQUENCE(parent, click_seq, "click on 16 September");
-    EXPECT_EQ(MakeDate(2015, 9, 16), Get(g));
-    EXPECT_EQ(nullptr, GetCapture());
-
-    Press(g, layout.Cell(4, 5));
-    Release(g, layout.Cell(4, 5));
-    EXPECT_SEQUENCE(parent, click_seq, "click on 2 October");
-    EXPECT_EQ(MakeDate(2015, 10, 2), Get(g));
+    const struct { int row, column; DateTimeValue day; } clicks[] = {
+        {2, 3, MakeDate(2015, 9, 16)}, {4, 5, MakeDate(2015, 10, 2)}};
+    for (const auto &click : clicks) {
+        Press(g, layout.Cell(click.row, click.column));
+        Release(g, layout.Cell(click.row, click.column));
+        EXPECT_SEQUENCE(parent, click_seq, ToText(click.day).c_str());
+        EXPECT_EQ(click.day, Get(g));
+        EXPECT_EQ(nullptr, GetCapture());
+    }
 
     // Below the last row lies the row that was left out: its cells have no
     // date, so a click there only chooses the date as it is.
@@ -332,9 +311,9 @@ TEST_F(DateTrackerTest, HeldMonthButtonRepeatsAfterItsDelays)
         DateTimeValue d = Get(g);
         return (d.year - 2000) * 12 + d.month - 1;
     };
-    auto waitFor = [&](int count, DWORD limit) {
-        DWORD start = GetTickCount();
-        while (months() < count && GetTickCount() - start < limit) {
+    // Pumps until `count` months are stepped or `limit` ms pass from `from`.
+    auto waitFor = [&](int count, DWORD limit, DWORD from = GetTickCount()) {
+        while (months() < count && GetTickCount() - from < limit) {
             PumpMessages();
             Sleep(5);
         }
@@ -342,20 +321,14 @@ TEST_F(DateTrackerTest, HeldMonthButtonRepeatsAfterItsDelays)
     DWORD pressed = GetTickCount();
     Press(g, on);
     EXPECT_EQ(1, months());
-    while (GetTickCount() - pressed < 900) {
-        PumpMessages();
-        Sleep(5);
-    }
+    waitFor(INT_MAX, 900, pressed);
     EXPECT_EQ(1, months());
     waitFor(2, 10000);
     EXPECT_GE(months(), 2);
     // Past two seconds the steps come at 55 ms: from one step, four more
     // take far less than the second they would at 250 ms. The fastest of
     // four runs counts, so a stall of a loaded machine does not.
-    while (GetTickCount() - pressed < 2300) {
-        PumpMessages();
-        Sleep(5);
-    }
+    waitFor(INT_MAX, 2300, pressed);
     DWORD fastest = ~0u;
     for (int run = 0; run < 4; run++) {
         waitFor(months() + 1, 10000);

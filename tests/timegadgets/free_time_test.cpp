@@ -248,14 +248,6 @@ struct DialogLog {
     bool destroyOnTimeChange = false;
 };
 
-INT_PTR CALLBACK LogDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-HWND OpenDialog(DialogLog &log)
-{
-    HWND dialog = CreateDialogParam(ResourceGetHandle(), "FREETIMEDIALOG", nullptr, LogDialogProc,
-                                    reinterpret_cast<LPARAM>(&log));
-    log.gadget = GetDlgItem(dialog, ID);
-    return dialog;
-}
 INT_PTR CALLBACK LogDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_INITDIALOG) {
@@ -277,7 +269,9 @@ INT_PTR CALLBACK LogDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 TEST_F(FreeTimeTest, DialogRenumberingCalendarEndAndHostileHost)
 {
     DialogLog log;
-    HWND dialog = OpenDialog(log), g = log.gadget;
+    HWND dialog = CreateDialogParam(ResourceGetHandle(), "FREETIMEDIALOG", nullptr, LogDialogProc,
+                                    reinterpret_cast<LPARAM>(&log));
+    HWND g = log.gadget = GetDlgItem(dialog, ID);
     ASSERT_TRUE(g != nullptr);
     ShowWindow(dialog, SW_SHOW);
     tracker = reinterpret_cast<HWND>(Send(g, FTM_GETTRACKER, 0));

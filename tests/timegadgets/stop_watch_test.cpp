@@ -46,7 +46,6 @@ TEST_F(StopWatchTest, TicksCountSecondsFromTheStart)
 {
     g_now = 7654321;
     SendMessageA(g, SWM_START, 0, 0);
-    parent.Clear();
     struct Row { DWORD ms; Elapsed after; } rows[] = {
         {0, {0, 0, 0}}, {679, {0, 0, 1}}, {999, {0, 0, 1}}, {1, {0, 0, 2}}, {3000, {0, 0, 5}},
         {55000, {0, 1, 0}}, {3599000, {1, 0, 59}}, {86400000, {25, 0, 59}},

@@ -22,6 +22,25 @@ LONG Y(HWND g, const DateTimeValue &t)
     return static_cast<LONG>(SendMessageA(g, TTM_TIMETOY, 0, reinterpret_cast<LPARAM>(&t)));
 }
 
+// A visible tracker in `font` (none: its own) over `hours` from `view`, the
+// appointment from `start` to `end`; `x` is where the labels are gripped.
+HWND Tracker(RecordingParent &parent, HFONT font, DWORD hours, DateTimeValue view, DateTimeValue start,
+             DateTimeValue end, int *x)
+{
+    HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
+    EXPECT_TRUE(g != nullptr);
+    if (font)
+        SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+    SendMessageA(g, TTM_SETHOURSINVIEW, hours, 0);
+    SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
+    SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
+    SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+    RECT client;
+    GetClientRect(g, &client);
+    *x = client.right / 2 + 4;
+    return g;
+}
+
 class TimeTrackerDragPaint : public GadgetTest {};
 
 TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
@@ -47,24 +66,14 @@ TEST_F(TimeTrackerDragPaint, EveryStepShowsWhatAFullRepaintShows)
     };
     for (const Script &s : scripts) {
         RecordingParent parent(320, 420);
-        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
-        ASSERT_TRUE(g != nullptr);
         HFONT font = s.fontHeight ? CreateFontA(s.fontHeight, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0,
                                                 0, "Times New Roman")
                                   : nullptr;
-        if (font)
-            SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-        SendMessageA(g, TTM_SETHOURSINVIEW, s.hours, 0);
-        const DateTimeValue view = At(s.hours == 24 ? 0 : s.hours == 1 ? 10 : 7, 30 * (s.hours == 1)),
-                            start = At(10, 0), end = At(11, 0);
-        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
-        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
-        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        int x;
+        HWND g = Tracker(parent, font, s.hours, At(s.hours == 24 ? 0 : s.hours == 1 ? 10 : 7, 30 * (s.hours == 1)),
+                         At(10, 0), At(11, 0), &x);
         const BusyInterval busy[] = {{At(12, 0), 45, 1, 0, 0}, {At(12, 30), 60, 2, 0, 0}, {At(8, 0), 30, 3, 0, 0}};
         SendMessageA(g, TTM_SETBUSYLIST, 3, reinterpret_cast<LPARAM>(busy));
-        RECT client;
-        GetClientRect(g, &client);
-        const int x = client.right / 2 + 4;
         InvalidateRect(g, nullptr, TRUE);
         Readback::Of(g);
 
@@ -100,18 +109,11 @@ TEST_F(TimeTrackerDragPaint, StepRefusedAnObjectStillShowsTheFullRepaint)
     for (unsigned n = 0, points = 1; n <= points; ++n) {
         if (n == 1)
             before = GdiObjectsInUse();
-        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
-        ASSERT_TRUE(g != nullptr);
-        const DateTimeValue view = At(7, 0), start = At(10, 0), end = At(11, 0);
-        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
-        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
-        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        int x;
+        HWND g = Tracker(parent, nullptr, 8, At(7, 0), At(10, 0), At(11, 0), &x);
         Readback::Of(g);
         SendMessageA(g, WM_SETFONT, SendMessageA(g, WM_GETFONT, 0, 0), FALSE);
-        RECT client;
-        GetClientRect(g, &client);
-        const int x = client.right / 2 + 4;
-        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, Y(g, end)));
+        SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, Y(g, At(11, 0))));
         for (const DateTimeValue &t : {At(12, 20), At(11, 35)}) {
             {
                 FailureSeam seam(FailureSeam::Gdi, n);
@@ -140,20 +142,15 @@ TEST_F(TimeTrackerDragPaint, LabelTextStandsWhereDrawTextPutsIt)
     RecordingParent parent(320, 420);
     HFONT trueType = CreateFontA(-13, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, 0, "Arial");
     for (HFONT font : {static_cast<HFONT>(nullptr), trueType, static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT))}) {
-        HWND g = parent.CreateChild("TimeTracker", ID, WS_VISIBLE, 10, 10, 100, 340);
-        ASSERT_TRUE(g != nullptr);
-        if (font)
-            SendMessageA(g, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-        const DateTimeValue view = At(7, 0), start = At(9, 0), end = At(13, 25);
-        SendMessageA(g, TTM_SETVIEWSTART, 0, reinterpret_cast<LPARAM>(&view));
-        SendMessageA(g, TTM_SETSTART, 0, reinterpret_cast<LPARAM>(&start));
-        SendMessageA(g, TTM_SETEND, 0, reinterpret_cast<LPARAM>(&end));
+        const DateTimeValue end = At(13, 25);
+        int x;
+        HWND g = Tracker(parent, font, 8, At(7, 0), At(9, 0), end, &x);
         InvalidateRect(g, nullptr, TRUE);
         Readback shown = Readback::Of(g);
         RECT client;
         GetClientRect(g, &client);
         const LONG cy = Y(g, end);
-        LONG left = client.right / 2 + 4, top = cy, bottom = cy;
+        LONG left = x, top = cy, bottom = cy;
         while (left > 0 && shown.At(left, cy) != 0xFFFFFF) --left;
         while (top > 0 && shown.At(left + 2, top) != 0xFFFFFF) --top;
         while (bottom < client.bottom && shown.At(left + 2, bottom) != 0) ++bottom;

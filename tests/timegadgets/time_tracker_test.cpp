@@ -1,10 +1,9 @@
 // TimeTracker: the hour scale's geometry both ways, the normalising of
 // start, end and duration, the busy lanes, the drag with its notifications
-// and scrolling, the free-time search, one dialog driven as the application
-// drives it, and a monkey run.
+// and scrolling, the free-time search, and one dialog driven as the
+// application drives it. Its monkey runs in random_host_test.
 #include "qz_test.h"
 #include "window_harness.h"
-#include <random>
 
 namespace {
 
@@ -104,13 +103,11 @@ TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
 {
     HWND g = nullptr;
     LONG top = 0, height = 0;
-    for (int h = 300; h < 316; ++h) {
+    for (int h = 300; h < 316 && height % 8 == 0; ++h) {
         if (g)
             DestroyWindow(g);
         g = Make(parent, 0, h);
         Scale(g, &top, &height);
-        if (height % 8 != 0)
-            break;
     }
     ASSERT_NE(0, height % 8);
     const LONG pph = height / 8, extra = height % 8;
@@ -140,14 +137,9 @@ TEST_F(TimeTrackerTest, TimeToYAndBackForEveryFiveMinutes)
 TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
 {
     HWND g = Make(parent);
-    enum Op { SetStart, SetEnd, SetDuration, SetStartKeep };
-    const struct {
-        Op op;
-        DateTimeValue value;
-        LPARAM duration;
-        DateTimeValue start, end;
-        DWORD hours, minutes;
-    } rows[] = {
+    enum Op { SetStart, SetEnd, SetDuration };
+    const struct { Op op; DateTimeValue value; LPARAM duration; DateTimeValue start, end; DWORD hours, minutes; }
+    rows[] = {
         {SetStart, At(10, 30), 0, At(10, 30), At(11, 0), 0, 30},      // inside: the end stays
         {SetStart, At(12, 0), 0, At(12, 0), At(12, 0), 0, 0},         // past the end: it follows
         {SetEnd, At(9, 15), 0, At(9, 15), At(9, 15), 0, 0},           // before the start: it follows
@@ -156,14 +148,12 @@ TEST_F(TimeTrackerTest, NormalisingKeepsTheDurationBetweenZeroAnd24Hours)
         {SetStart, At(8, 0), 0, At(8, 0), At(8, 0, 1), 24, 0},        // over from the start: the end gives way
         {SetDuration, {}, MAKELONG(45, 2), At(8, 0), At(10, 45), 2, 45},
         {SetDuration, {}, MAKELONG(1, 24), At(8, 0), At(8, 0, 1), 24, 0},
-        {SetStartKeep, At(22, 30), 0, At(22, 30), At(23, 55), 1, 25},  // held to the day's last step
-        {SetStartKeep, At(20, 0), 0, At(20, 0), At(21, 25), 1, 25},
     };
     for (const auto &row : rows) {
         DateTimeValue v = row.value;
         v.second = 40;  // seconds are dropped
         LRESULT result = row.op == SetDuration ? SendMessageA(g, TTM_SETDURATION, 0, row.duration)
-                         : Send(g, row.op == SetStart ? TTM_SETSTART : row.op == SetEnd ? TTM_SETEND : TTM_SETSTARTKEEP, 0, &v);
+                                               : Send(g, row.op == SetStart ? TTM_SETSTART : TTM_SETEND, 0, &v);
         EXPECT_EQ(1, result);
         EXPECT_EQ(row.start, Get(g, TTM_GETSTART)) << ToText(row.value);
         EXPECT_EQ(row.end, Get(g, TTM_GETEND)) << ToText(row.value);
@@ -205,18 +195,13 @@ TEST_F(TimeTrackerTest, BusyLanesByOneAndAsAListRemovalAndColours)
         // list, the one pass meets lanes still 0 and raises each at most
         // past the ones it meets in order: lanes 1, 1, 0, so the first two
         // share a column; the lane count never falls.
-        const struct {
-            int lane;
-            DateTimeValue at;
-            bool shown;
-        } looks[2][4] = {
+        const struct { int lane; DateTimeValue at; bool shown; } looks[2][4] = {
             {{0, At(9, 10), true}, {1, At(10, 15), true}, {2, At(9, 55), true}, {1, At(9, 10), false}},
             {{1, At(9, 10), true}, {1, At(10, 15), true}, {0, At(9, 55), true}, {2, At(9, 55), false}},
         };
         EXPECT_EQ(baseWidth + 16, LOWORD(Send(g, TTM_GETIDEALSIZE, 0, nullptr))) << pass;
         for (const auto &look : looks[pass])
-            EXPECT_EQ(look.shown, laneShown(2, look.lane, look.at)) << pass << " lane " << look.lane << " at "
-                                                                   << ToText(look.at);
+            EXPECT_EQ(look.shown, laneShown(2, look.lane, look.at)) << pass << " lane " << look.lane << ToText(look.at);
         // The appointment (10:00 to 11:00) clashes with the second and third.
         EXPECT_EQ(0x0000FF, Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr));
     }
@@ -294,14 +279,10 @@ TEST_F(TimeTrackerTest, DragProtocolSnappingAndAutoScroll)
     SendMessageA(g, WM_LBUTTONUP, 0, Point(x, top + height + 10));
     EXPECT_EQ(nullptr, GetCapture());
     static const Message scroll_release_seq[] = {
-        TOLD(TTN_SCROLLED),   // crossing
-        TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING),
-        TOLD(TTN_SCROLLED),   // ticks
-        TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED),
-        TOLD(TTN_SCROLLED),
-        TOLD(TTN_SCROLLED),   // release
-        TOLD(TTN_TIMECHANGED),
-        {0, 0, 0, 0}};
+        TOLD(TTN_SCROLLED), TOLD(TTN_TIMECHANGED), TOLD(TTN_TRACKING),  // crossing
+        TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED),  // the seven ticks
+        TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED), TOLD(TTN_SCROLLED),
+        TOLD(TTN_SCROLLED), TOLD(TTN_TIMECHANGED), {0, 0, 0, 0}};  // release
     EXPECT_SEQUENCE(parent, scroll_release_seq, "auto-scroll and release");
     // The up arrow: a press steps the view back 30 minutes; its release
     // tells scrolled, view changed, and then the deliberate error.
@@ -327,12 +308,7 @@ DateTimeValue M(int minutes) { return At(0, minutes); }
 TEST_F(TimeTrackerTest, KeysAtTheEdgesOfTheViewAndTheDay)
 {
     const WPARAM U = VK_UP, D = VK_DOWN;
-    const struct {
-        bool singleDay;
-        BYTE keys;
-        WPARAM key;
-        int view, start, end, toView, toStart, toEnd;
-    } rows[] = {
+    const struct { bool singleDay; BYTE keys; WPARAM key; int view, start, end, toView, toStart, toEnd; } rows[] = {
         {0, 0, U, 480, 640, 700, 480, 635, 695},    {0, 1, U, 480, 640, 700, 480, 630, 700},
         {0, 2, U, 480, 640, 700, 480, 640, 695},    {0, 0, D, 480, 640, 700, 480, 645, 705},
         {0, 1, D, 480, 640, 700, 480, 630, 700},    {0, 2, D, 480, 640, 700, 480, 640, 705},
@@ -373,19 +349,21 @@ TEST_F(TimeTrackerTest, KeysAtTheEdgesOfTheViewAndTheDay)
     }
 }
 
-// TTM_SETSTARTKEEP holds the end to 23:00 plus the last whole fine step;
-// TTS_KEEPVISIBLE scrolls only once the appointment leaves the view.
+// TTM_SETSTARTKEEP keeps the duration (the seconds dropped) but holds the
+// end to 23:00 plus the last whole fine step; TTS_KEEPVISIBLE scrolls only
+// once the appointment leaves the view.
 TEST_F(TimeTrackerTest, StartKeepCeilingAndKeepVisibleEdges)
 {
     HWND g = Make(parent), kept = Make(parent, TTS_KEEPVISIBLE);
     const struct { int fine, start, toStart, toEnd; } keeps[] = {
-        {5, 1434, 1434, 1435}, {5, 1435, 1435, 1435}, {5, 1438, 1435, 1435},
+        {5, 1200, 1200, 1260}, {5, 1434, 1434, 1435}, {5, 1435, 1435, 1435}, {5, 1438, 1435, 1435},
         {7, 1415, 1415, 1436}, {7, 1435, 1435, 1436}, {7, 1438, 1436, 1436},
     };
     for (const auto &row : keeps) {
         SendMessageA(g, TTM_SETDURATION, 0, MAKELONG(0, 1));
         SendMessageA(g, TTM_SETFINESTEP, static_cast<WPARAM>(row.fine), 0);
         DateTimeValue start = M(row.start);
+        start.second = 40;
         EXPECT_EQ(1, Send(g, TTM_SETSTARTKEEP, 0, &start));
         EXPECT_EQ(M(row.toStart), Get(g, TTM_GETSTART)) << row.fine << " " << row.start;
         EXPECT_EQ(M(row.toEnd), Get(g, TTM_GETEND)) << row.fine << " " << row.start;
@@ -407,26 +385,29 @@ TEST_F(TimeTrackerTest, StartKeepCeilingAndKeepVisibleEdges)
 // next morning, the longest gap keeps the first of two equal ones, no working
 // day as long as the appointment is refused, and start equal to end moves
 // nothing. The walk stops once a day's step reaches the limit (given back
-// less the fine step) and goes on a minute short of it. -1: not checked.
+// less the fine step) and goes on a minute short of it. Busy 2: the blocks
+// and one at 20:00 added one by one, the second removed: the blank it
+// leaves takes no part in the longest gap. -1: not checked.
 TEST_F(TimeTrackerTest, FreeSlotFindsStopsAtTheCloseAndTheLimitOrRefuses)
 {
     HWND g = Make(parent);
-    const BusyInterval blocks[] = {Busy(At(10, 0), 150), Busy(At(13, 0), 270)};
+    const BusyInterval blocks[] = {Busy(At(10, 0), 150), Busy(At(13, 0), 270), Busy(At(20, 0), 30)};
     const struct {
-        bool busy;
-        int start, end, close, limitDay, longest, weekdays;
-        LRESULT result;
-        int found, toStart, toEnd, toView, limitBack;
+        int busy;
+        int start, end, close, limitDay, longest, weekdays, result, found, toStart, toEnd, toView, limitBack;
     } rows[] = {
         {1, 600, 660, 1080, 0, 0, 0, 0, 1, 1920, 1980, 1920, -1}, {1, 600, 720, 1080, 1, 0, 0, 1, 0, 600, 720, -1, 1435},
         {1, 600, 720, 1080, 1, 1, 0, 1, 1, 750, 780, -1, -1},     {1, 600, 720, 1080, 0, 0, 1, -1, -1, 600, 720, -1, -1},
         {1, 600, 600, 1080, 1, 1, 0, 0, -1, 600, 600, -1, -1},    {0, 900, 960, 1020, 0, 0, 0, 0, 1, 960, 1020, -1, -1},
         {0, 901, 961, 1020, 0, 0, 0, 0, 1, 1920, 1980, -1, -1},   {0, 1375, 1435, 1020, 2, 0, 0, 1, 0, 1375, 1435, -1, -1},
-        {0, 1374, 1434, 1020, 2, 0, 0, 0, 1, 1920, 1980, -1, -1},
+        {0, 1374, 1434, 1020, 2, 0, 0, 0, 1, 1920, 1980, -1, -1}, {2, 600, 1140, 1080, 1, 1, 0, 1, 1, 750, 1080, -1, -1},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(testing::Message() << row.start << "-" << row.end << " busy " << row.busy);
-        row.busy ? Send(g, TTM_SETBUSYLIST, 2, blocks) : Send(g, TTM_CLEARBUSY, 0, nullptr);
+        EXPECT_EQ(1, Send(g, row.busy == 1 ? TTM_SETBUSYLIST : TTM_CLEARBUSY, 2, blocks));
+        for (DWORD i = 0; row.busy == 2 && i < 3; ++i)
+            Send(g, TTM_ADDBUSY, i + 1, &blocks[i]);
+        EXPECT_TRUE(row.busy != 2 || Send(g, TTM_REMOVEBUSY, 2, nullptr) == 1);
         Place(g, M(480), M(row.start), M(row.end));
         FreeSlotRequest q = {};
         q.dayOpen = 480;
@@ -447,24 +428,8 @@ TEST_F(TimeTrackerTest, FreeSlotFindsStopsAtTheCloseAndTheLimitOrRefuses)
                     (M(row.toView) == Get(g, TTM_GETVIEWSTART) && Send(g, TTM_GETOWNBARCOLOUR, 0, nullptr) == 0x00FF00));
         EXPECT_TRUE(row.limitBack < 0 || M(row.limitBack) == q.limit);
     }
-    // The blanks a removal leaves behind take no part in the longest gap.
-    const BusyInterval list[] = {Busy(At(10, 0), 150), Busy(At(13, 0), 270), Busy(At(20, 0), 30)};
-    Send(g, TTM_CLEARBUSY, 0, nullptr);
-    for (DWORD i = 0; i < 3; ++i)
-        Send(g, TTM_ADDBUSY, i + 1, &list[i]);
-    EXPECT_EQ(1, Send(g, TTM_REMOVEBUSY, 2, nullptr));
-    Place(g, M(480), M(600), M(600 + 9 * 60));
-    FreeSlotRequest q = {};
-    q.dayOpen = 480;
-    q.dayClose = 1080;
-    q.includeWeekends = q.longestGap = 1;
-    q.limit = At(0, 0, 1);
-    EXPECT_EQ(1, Send(g, TTM_FINDFREESLOT, 0, &q));
-    EXPECT_EQ(1u, q.found);
-    EXPECT_EQ(At(12, 30), Get(g, TTM_GETSTART));
-    EXPECT_EQ(MAKELONG(30, 5), Send(g, TTM_GETDURATION, 0, nullptr));
     // A count whose size wraps 32 bits is refused before anything is read.
-    EXPECT_EQ(-1, Send(g, TTM_SETBUSYLIST, 0x0AAAAAABu, list));
+    EXPECT_EQ(-1, Send(g, TTM_SETBUSYLIST, 0x0AAAAAABu, blocks));
     EXPECT_EQ(RV_OutOfLocalMemory, OSErrorGetErrorValue());
 }
 
@@ -488,8 +453,8 @@ TEST_F(TimeTrackerTest, DraggingTheStartOrTheWhole)
 
 // An hour whose base lands on the scale's top is one of the taller ones; a
 // text that cannot be read moves the appointment to now, then tells of the
-// error; a label's grey starts one pixel inside its white edge.
-TEST_F(TimeTrackerTest, TallerHourAtTheTopTextOrderAndLabelFace)
+// error. (The label's face: TimeTrackerDragPaint.LabelTextStandsWhereDrawTextPutsIt.)
+TEST_F(TimeTrackerTest, TallerHourAtTheTopAndTextOrder)
 {
     HWND g = Make(parent);
     SendMessageA(g, TTM_SETHOURSINVIEW, 3, 0);
@@ -502,17 +467,8 @@ TEST_F(TimeTrackerTest, TallerHourAtTheTopTextOrderAndLabelFace)
     parent.Pump();
     parent.Clear();
     SetWindowTextA(g, "77:88");
-    static const Message changed_then_error_seq[] = {
-        TOLD(TTN_TIMECHANGED),
-        TOLD(TTN_ERROR), {0, 0, 0, 0}};
+    static const Message changed_then_error_seq[] = {TOLD(TTN_TIMECHANGED), TOLD(TTN_ERROR), {0, 0, 0, 0}};
     EXPECT_SEQUENCE(parent, changed_then_error_seq, "unreadable text");
-    Place(g, At(8, 0), At(9, 0), At(10, 0));
-    TEXTMETRICA tm = FontMetrics(HGDIOBJ(SendMessageA(g, WM_GETFONT, 0, 0)));
-    const LONG labelTop = Y(g, At(9, 0)) - ((tm.tmHeight - tm.tmDescent + 2) | 1) / 2;
-    Readback pixels = Readback::Of(g);
-    RECT edge = {0, labelTop, pixels.Width(), labelTop + 1}, inside = {0, labelTop + 1, pixels.Width(), labelTop + 2};
-    EXPECT_LT(pixels.Count(0xC0C0C0, &edge), 3);
-    EXPECT_GT(pixels.Count(0xC0C0C0, &inside), 10);
 }
 
 // Losing the capture ends a drag at once: its scroll timer stops, the

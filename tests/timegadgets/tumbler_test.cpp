@@ -3,7 +3,6 @@
 #include "qz_test.h"
 #include "window_harness.h"
 #include "failure_seam.h"
-#include <random>
 
 namespace {
 
@@ -60,11 +59,7 @@ protected:
 // maximum wins when the limits cross.
 TEST_F(TumblerTest, StepsByTheUnsignedRuleAndClamps)
 {
-    const struct {
-        LONG minimum, maximum, value, step;
-        bool up;
-        LONG expected;
-    } rows[] = {
+    const struct { LONG minimum, maximum, value, step; bool up; LONG expected; } rows[] = {
         {0, 99, 7, 5, true, 10},       {0, 99, 7, 5, false, 0},     {0, 99, 10, 5, false, 5},
         {0, 99, 98, 5, true, 99},      {0, 99, 3, 5, false, 0},     {-20, 20, 3, 5, false, -6},
         {-20, 20, -6, 5, false, -11},  {-20, 20, -6, 5, true, -1},  {-20, 20, -18, 5, false, -20},
@@ -110,13 +105,10 @@ TEST_F(TumblerTest, PaintFailuresAreRecorded)
     }
 }
 
+#define TOLD(code) {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, code), 0}
 static const Message key_step_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child | optional, MAKEWPARAM(ID, EN_UPDATE), 0},
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, EN_CHANGE), 0},
-    {0, 0, 0, 0}};
-static const Message key_release_seq[] = {
-    {WM_COMMAND, sent | wparam | lparam_is_child, MAKEWPARAM(ID, EN_CHANGE), 0},
-    {0, 0, 0, 0}};
+    {WM_COMMAND, sent | wparam | lparam_is_child | optional, MAKEWPARAM(ID, EN_UPDATE), 0}, TOLD(EN_CHANGE), {0, 0, 0, 0}};
+static const Message key_release_seq[] = {TOLD(EN_CHANGE), {0, 0, 0, 0}};
 static const Message nothing_seq[] = {{0, 0, 0, 0}};
 
 // The edit hands the step keys to the gadget: the press steps (the edit's
@@ -128,11 +120,8 @@ TEST_F(TumblerTest, StepKeysNotifyOnPressAndRelease)
     SetRange(g, 0, 99, 10, 1);
     parent.Pump();
     parent.Clear();
-    const struct {
-        UINT down;
-        UINT ch;
-        LONG expected;
-    } rows[] = {{VK_UP, 0, 11}, {VK_DOWN, 0, 10}, {VK_ADD, '+', 11}, {VK_SUBTRACT, '-', 10}, {VK_OEM_PLUS, '+', 11}};
+    const struct { UINT down, ch; LONG expected; } rows[] = {
+        {VK_UP, 0, 11}, {VK_DOWN, 0, 10}, {VK_ADD, '+', 11}, {VK_SUBTRACT, '-', 10}, {VK_OEM_PLUS, '+', 11}};
     for (const auto &row : rows) {
         SendMessageA(edit, WM_KEYDOWN, row.down, 0);
         if (row.ch)
@@ -154,12 +143,9 @@ TEST_F(TumblerTest, StepKeysNotifyOnPressAndRelease)
 TEST_F(TumblerTest, LeavingTheEditValidates)
 {
     HWND edit = GetDlgItem(g, 1);
-    const struct {
-        LONG minimum, maximum;
-        const char *typed;
-        LONG expected;
-    } rows[] = {{10, 50, "5", 10},  {10, 50, "", 10},  {10, 50, "77", 50},
-                {10, 50, "30", 30}, {-10, 50, "5", -10}, {-10, 50, "-3", 50}};
+    const struct { LONG minimum, maximum; const char *typed; LONG expected; } rows[] = {
+        {10, 50, "5", 10},  {10, 50, "", 10},  {10, 50, "77", 50},
+        {10, 50, "30", 30}, {-10, 50, "5", -10}, {-10, 50, "-3", 50}};
     for (const auto &row : rows) {
         SetRange(g, row.minimum, row.maximum, row.minimum, 1);
         SetWindowTextA(edit, row.typed);
@@ -234,7 +220,8 @@ TEST_F(TumblerTest, ForcesItsHeightFromTheFont)
 // Holding a button: one step at once; the first move onto the other half
 // only stops it, coming back steps again; leaving releases; the release
 // sends nothing of its own. The pressed face differs from the raised one.
-TEST_F(TumblerTest, MouseStepsAndChangesHalvesAfterARelease)
+// Held, a button repeats after the delay until it is released.
+TEST_F(TumblerTest, MouseStepsChangesHalvesAfterAReleaseAndRepeatsWhenHeld)
 {
     SetRange(g, 0, 99, 0, 1);
     const int x = ButtonX(g) + 3;
@@ -243,21 +230,18 @@ TEST_F(TumblerTest, MouseStepsAndChangesHalvesAfterARelease)
     const int upY = 2, downY = client.bottom - 3;
     Readback raised = Readback::Of(g);
     auto press = [&](int y) { SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y)); };
-    auto move = [&](int px, int y) { SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(px, y)); };
     press(upY);
     EXPECT_EQ(1, Value(g));
     EXPECT_EQ(g, GetCapture());
     EXPECT_GT(raised.Differences(Readback::Of(g)), 0);
-    move(x, downY);
-    EXPECT_EQ(1, Value(g));
-    move(x, upY);
-    EXPECT_EQ(2, Value(g));
-    move(x, upY + 1);
-    EXPECT_EQ(2, Value(g));
-    move(x - 30, upY);
-    EXPECT_EQ(2, Value(g));
-    move(x, upY);
-    EXPECT_EQ(3, Value(g));
+    // Where the pointer goes, and the value after: the other half, back,
+    // within the half, off the buttons, back again.
+    const struct { int x, y; LONG value; } moves[] = {
+        {x, downY, 1}, {x, upY, 2}, {x, upY + 1, 2}, {x - 30, upY, 2}, {x, upY, 3}};
+    for (const auto &m : moves) {
+        SendMessageA(g, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(m.x, m.y));
+        EXPECT_EQ(m.value, Value(g)) << m.x << "," << m.y;
+    }
     parent.Pump();
     parent.Clear();
     SendMessageA(g, WM_LBUTTONUP, 0, MAKELPARAM(x, upY));
@@ -274,22 +258,13 @@ TEST_F(TumblerTest, MouseStepsAndChangesHalvesAfterARelease)
     SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, upY));
     EXPECT_EQ(2, Value(g));
     EXPECT_EQ(nullptr, GetCapture());
-}
-
-// A held button repeats after the delay.
-TEST_F(TumblerTest, HeldButtonRepeats)
-{
-    SetRange(g, 0, 1000, 0, 1);
-    SendMessageA(g, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(ButtonX(g) + 3, 2));
-    // The repeat goes on while the button is held; a slow machine takes
-    // longer to show it, so the wait ends at the third step or after 10 s.
-    DWORD start = GetTickCount();
-    while (Value(g) <= 2 && GetTickCount() - start < 10000) {
+    // A slow machine takes longer to show the repeat, so the wait ends at
+    // the second step after the press's own or after 10 s.
+    press(upY);
+    for (DWORD start = GetTickCount(); Value(g) <= 4 && GetTickCount() - start < 10000; Sleep(10))
         PumpMessages();
-        Sleep(10);
-    }
     LONG held = Value(g);
-    EXPECT_GT(held, 2);
+    EXPECT_GT(held, 4);
     SendMessageA(g, WM_LBUTTONUP, 0, 0);
     PumpMessages();
     Sleep(200);
