@@ -46,8 +46,9 @@ TEST_F(GadgetRegistration, NestsAndUnwindsByItsCount)
     EXPECT_TRUE(RegisteredClasses().empty());
     // Every brush a class owned is gone with it.
     for (auto &row : classes)
-        if (row.second && reinterpret_cast<INT_PTR>(row.second) > COLOR_MENUBAR + 1)
+        if (row.second && reinterpret_cast<INT_PTR>(row.second) > COLOR_MENUBAR + 1) {
             EXPECT_EQ(0u, GetObjectType(row.second)) << row.first;
+        }
     EXPECT_EQ(-1, UnRegisterGadgets());
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }

@@ -30,6 +30,12 @@ BusyInterval Busy(int day, int hour, int minute, DWORD length, DWORD id = 0, DWO
     return BusyInterval{At(day, hour, minute), length, id, 0, flags};
 }
 LRESULT Add(HWND g, DWORD person, BusyInterval b) { return Send(g, FTM_ADDBUSY, person, &b); }
+FreeSlotRequest Request(DateTimeValue limit, DWORD open, DWORD close)
+{
+    FreeSlotRequest q{};
+    q.limit = limit, q.dayOpen = open, q.dayClose = close;
+    return q;
+}
 LONG MinuteOf(const DateTimeValue &t)
 {
     LONG d, h, m, s;
@@ -233,7 +239,7 @@ TEST_F(FreeTimeTest, FreeSlotSearchAcrossDays)
     };
     for (const auto &c : kCases) {
         Meeting(0, 9, 0, c.length);
-        FreeSlotRequest q = {At(c.limitDay, 0), 9 * 60, 17 * 60};
+        FreeSlotRequest q = Request(At(c.limitDay, 0), 9 * 60, 17 * 60);
         EXPECT_EQ(0, Send(g, FTM_FINDFREESLOT, 0, &q));
         DateTimeValue start = {};
         Send(g, FTM_GETSTART, 0, &start);
@@ -290,7 +296,7 @@ TEST_F(FreeTimeTest, DialogRenumberingCalendarEndAndHostileHost)
     Send(g, FTM_ADDPERSON, 1, "Ann");
     Add(g, 1, BusyInterval{MakeDate(2101, 12, 31, 21), 180, 0, 0, 0});
     log.codes.clear();
-    FreeSlotRequest q = {{}, 0, 24 * 60 - 1};
+    FreeSlotRequest q = Request({}, 0, 24 * 60 - 1);
     OSSetNoDateHigh(&q.limit);
     q.includeWeekends = 1;
     EXPECT_EQ(-1, Send(g, FTM_FINDFREESLOT, 0, &q));
