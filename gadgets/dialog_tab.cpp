@@ -394,7 +394,7 @@ LRESULT OnSetCursor(HWND gadget, LPARAM lParam)
 // ---------------------------------------------------------------- lifecycle
 LRESULT OnCreate(HWND gadget)
 {
-    return GadgetCreateRecord(gadget, sizeof(DialogTabRecord)) ? 0 : GadgetCreateFailed;
+    return GadgetCreate<DialogTabRecord>(gadget) ? 0 : GadgetCreateFailed;
 }
 
 void OnDestroy(HWND gadget, DialogTabRecord *record)

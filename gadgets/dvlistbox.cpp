@@ -12,7 +12,7 @@ namespace dvl {
 // ---------------------------------------------------------------- handlers
 LRESULT OnCreate(HWND w)
 {
-    DVListRecord *r = static_cast<DVListRecord *>(GadgetCreateRecord(w, sizeof(DVListRecord)));
+    DVListRecord *r = GadgetCreate<DVListRecord>(w);
     if (!r)
         return GadgetCreateFailed;
     r->currentIndex = r->scratchIndex = r->anchorIndex = kNoIndex;

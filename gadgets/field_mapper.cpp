@@ -55,8 +55,7 @@ void FreeParts(FieldMapperRecord *r)
 
 LRESULT OnCreate(HWND window)
 {
-    FieldMapperRecord *r =
-        static_cast<FieldMapperRecord *>(GadgetCreateRecord(window, sizeof(FieldMapperRecord)));
+    FieldMapperRecord *r = GadgetCreate<FieldMapperRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->selectedLeft = r->selectedRight = kMapperNone;

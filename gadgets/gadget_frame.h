@@ -12,6 +12,11 @@
 // RV_OutOfLocalMemory with the size and yields null; WM_CREATE then
 // answers GadgetCreateFailed.
 void *GadgetCreateRecord(HWND window, SIZE_T size);
+template <typename Record>
+inline Record *GadgetCreate(HWND window)
+{
+    return static_cast<Record *>(GadgetCreateRecord(window, sizeof(Record)));
+}
 // The record, or null.
 template <typename Record>
 inline Record *GadgetRecord(HWND window)

@@ -20,7 +20,7 @@ PageRecord *Record(HWND window) { return GadgetRecord<PageRecord>(window); }
 
 LRESULT OnCreate(HWND window)
 {
-    PageRecord *r = static_cast<PageRecord *>(GadgetCreateRecord(window, sizeof(PageRecord)));
+    PageRecord *r = GadgetCreate<PageRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->dragHandle = -1;

@@ -250,7 +250,7 @@ void OnLButtonUp(HWND gadget, ComboRecord *r, LPARAM lParam)
 // ---------------------------------------------------------------- life
 LRESULT OnCreate(HWND gadget, const CREATESTRUCTA *cs)
 {
-    auto *r = static_cast<ComboRecord *>(GadgetCreateRecord(gadget, sizeof(ComboRecord)));
+    auto *r = GadgetCreate<ComboRecord>(gadget);
     if (!r)
         return GadgetCreateFailed;
     r->parent = cs->hwndParent ? cs->hwndParent : GetParent(gadget);

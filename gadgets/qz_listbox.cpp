@@ -210,7 +210,7 @@ bool SelectionToText(HWND gadget, QzListBoxRecord *record)
 
 LRESULT OnCreate(HWND gadget, const CREATESTRUCTA *create)
 {
-    auto *record = static_cast<QzListBoxRecord *>(GadgetCreateRecord(gadget, sizeof(QzListBoxRecord)));
+    auto *record = GadgetCreate<QzListBoxRecord>(gadget);
     if (!record)
         return GadgetCreateFailed;
     DWORD style = kListStyle | ((create->style & 0x0010) ? kOwnerDrawStyle : 0);

@@ -121,7 +121,7 @@ LRESULT OnSetFont(HWND window, SuperTextRecord *r, HFONT font, bool redraw)
 
 LRESULT OnCreate(HWND window)
 {
-    if (!GadgetCreateRecord(window, sizeof(SuperTextRecord)))
+    if (!GadgetCreate<SuperTextRecord>(window))
         return GadgetCreateFailed;
     SendMessageA(window, WM_SETFONT, 0, 0);
     return IsWindow(window) ? 0 : GadgetCreateFailed;

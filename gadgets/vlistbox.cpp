@@ -9,7 +9,7 @@ namespace vlb {
 // ---------------------------------------------------------------- handlers
 LRESULT OnCreate(HWND w)
 {
-    VListRecord *r = static_cast<VListRecord *>(GadgetCreateRecord(w, sizeof(VListRecord)));
+    VListRecord *r = GadgetCreate<VListRecord>(w);
     if (!r)
         return GadgetCreateFailed;
     r->currentSelection = kUnknown;

@@ -634,8 +634,7 @@ HBRUSH MakeHatchBrush()
 
 LRESULT OnCreate(HWND window)
 {
-    DateTrackerRecord *r =
-        static_cast<DateTrackerRecord *>(GadgetCreateRecord(window, sizeof(DateTrackerRecord)));
+    DateTrackerRecord *r = GadgetCreate<DateTrackerRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     HINSTANCE resources = g_module.hResourceLibrary;

@@ -386,7 +386,7 @@ LRESULT CreateFailed(HWND window, FreeTimeRecord *r)
 
 LRESULT OnCreate(HWND window)
 {
-    auto *r = static_cast<FreeTimeRecord *>(GadgetCreateRecord(window, sizeof(FreeTimeRecord)));
+    auto *r = GadgetCreate<FreeTimeRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->redrawOn = 1;

@@ -198,8 +198,7 @@ void OnSize(HWND window, GasGaugeRecord *r)
 // ---------------------------------------------------------------- messages
 LRESULT OnCreate(HWND window)
 {
-    GasGaugeRecord *r =
-        static_cast<GasGaugeRecord *>(GadgetCreateRecord(window, sizeof(GasGaugeRecord)));
+    GasGaugeRecord *r = GadgetCreate<GasGaugeRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->maximum = 100;

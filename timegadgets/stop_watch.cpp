@@ -187,8 +187,7 @@ void SetReference(DateTimeValue *value)
 
 LRESULT OnCreate(HWND window)
 {
-    StopWatchRecord *r =
-        static_cast<StopWatchRecord *>(GadgetCreateRecord(window, sizeof(StopWatchRecord)));
+    StopWatchRecord *r = GadgetCreate<StopWatchRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->upBitmap = LoadRecoloured(kUpBitmap);

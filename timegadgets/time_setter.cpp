@@ -326,8 +326,7 @@ void ReleaseAll(HWND window, TimeSetterRecord *r)
 
 LRESULT OnCreate(HWND window)
 {
-    TimeSetterRecord *r =
-        static_cast<TimeSetterRecord *>(GadgetCreateRecord(window, sizeof(TimeSetterRecord)));
+    TimeSetterRecord *r = GadgetCreate<TimeSetterRecord>(window);
     if (!r) {
         Notify(window, TSN_ERROR);
         return GadgetCreateFailed;

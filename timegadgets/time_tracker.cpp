@@ -416,7 +416,7 @@ void FreeGdi(TimeTrackerRecord *r)
 
 LRESULT OnCreate(HWND window)
 {
-    TimeTrackerRecord *r = static_cast<TimeTrackerRecord *>(GadgetCreateRecord(window, sizeof(TimeTrackerRecord)));
+    TimeTrackerRecord *r = GadgetCreate<TimeTrackerRecord>(window);
     if (!r) {
         GadgetNotifyParent(window, TTN_ERROR);
         return GadgetCreateFailed;

@@ -481,7 +481,7 @@ void OnPaint(HWND window)
 // ---------------------------------------------------------------- lifecycle
 LRESULT OnCreate(HWND window, const CREATESTRUCTA *cs)
 {
-    TumblerRecord *r = static_cast<TumblerRecord *>(GadgetCreateRecord(window, sizeof(TumblerRecord)));
+    TumblerRecord *r = GadgetCreate<TumblerRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->maximum = 99;

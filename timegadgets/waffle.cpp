@@ -71,7 +71,7 @@ void DestroyAll(WaffleRecord *r)
 LRESULT OnCreate(HWND window)
 {
     SetWindowLongA(window, GWL_STYLE, GetWindowLongA(window, GWL_STYLE) | WS_CLIPCHILDREN);
-    WaffleRecord *r = static_cast<WaffleRecord *>(GadgetCreateRecord(window, sizeof(WaffleRecord)));
+    WaffleRecord *r = GadgetCreate<WaffleRecord>(window);
     if (!r)
         return GadgetCreateFailed;
     r->gridBrush = CreateSolidBrush(0xC0C0C0);
