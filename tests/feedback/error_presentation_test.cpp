@@ -222,7 +222,10 @@ bool operator==(const BoxCall &a, const BoxCall &b)
 {
     return a.owner == b.owner && a.caption == b.caption && a.text == b.text && a.style == b.style;
 }
-void PrintTo(const BoxCall &c, std::ostream *os) { *os << c.owner << " \"" << c.caption << "\" \"" << c.text << "\" style 0x" << std::hex << c.style << std::dec; }
+void PrintTo(const BoxCall &c, std::ostream *os)
+{
+    *os << c.owner << " \"" << c.caption << "\" \"" << c.text << "\" style 0x" << std::hex << c.style << std::dec;
+}
 std::vector<BoxCall> s_boxCalls;
 int s_refusals;
 
