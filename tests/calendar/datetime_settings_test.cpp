@@ -7,26 +7,15 @@ namespace {
 
 class DateTimeSettings : public ErrorStateTest {};
 
-void DeleteValue(const char *keyPath, const char *name)
-{
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, keyPath, 0, KEY_WRITE, &key) == ERROR_SUCCESS) {
-        RegDeleteValueA(key, name);
-        RegCloseKey(key);
-    }
-}
-
 TEST_F(DateTimeSettings, EmptyMarkersFallBackAndYearDigitsAreCounted)
 {
-    {
-        IntlConventions conventions({{"s1159", ""}, {"sShortDate", "dd/MM/yy"}});
-        DateTimeIntlSettings intl;
-        OSDateTimeGetIntlSettings(&intl);
-        EXPECT_STREQ("AM", intl.s1159);
-        char format[32];
-        OSDateTimeGetDateFormat(format, 2, sizeof format);
-        EXPECT_STREQ("dd/MM/yy", format);
-    }
+    IntlConventions conventions({{"s1159", ""}, {"sShortDate", "dd/MM/yy"}});
+    DateTimeIntlSettings intl;
+    OSDateTimeGetIntlSettings(&intl);
+    EXPECT_STREQ("AM", intl.s1159);
+    char format[32];
+    OSDateTimeGetDateFormat(format, 2, sizeof format);
+    EXPECT_STREQ("dd/MM/yy", format);
 }
 
 TEST_F(DateTimeSettings, DefaultFormatsWhenTheSystemHasNone)
@@ -78,18 +67,10 @@ const char kProductKey[] = "Software\\Tarvo\\Kelendrix\\98.0\\International";
 // decimal.
 std::string StoredValue(const char *keyPath, const char *name, bool *exists)
 {
-    *exists = false;
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, keyPath, 0, KEY_READ, &key) != ERROR_SUCCESS)
-        return "";
     char data[300] = {};
     DWORD size = sizeof data - 1, type = 0;
-    if (RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE *>(data), &size) == ERROR_SUCCESS)
-        *exists = true;
-    RegCloseKey(key);
-    if (type == REG_DWORD)
-        return std::to_string(*reinterpret_cast<DWORD *>(data));
-    return data;
+    *exists = RegGetValueA(HKEY_CURRENT_USER, keyPath, name, RRF_RT_ANY, &type, data, &size) == ERROR_SUCCESS;
+    return type == REG_DWORD ? std::to_string(*reinterpret_cast<DWORD *>(data)) : std::string(data);
 }
 
 // What OSDateTimeSetIntlSettings writes back, field by field.
@@ -111,7 +92,7 @@ const struct WrittenValue {
 void DeleteWrittenValues()
 {
     for (const WrittenValue &value : kWrittenValues)
-        DeleteValue(value.keyPath, value.name);
+        RegDeleteKeyValueA(HKEY_CURRENT_USER, value.keyPath, value.name);
 }
 
 TEST_F(DateTimeSettings, SetWritesEachChangedFieldUnderItsNameAndNothingElse)

@@ -99,26 +99,6 @@ TEST_F(StringToDateTime, ReadsDatesByTheirLooksAndTheFieldOrder)
     EXPECT_EQ(MakeDate(2000 + boundary, 3, 4), Date(text)) << text;
 }
 
-TEST_F(StringToDateTime, KnowsItsWords)
-{
-    IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
-    ExpectDate("today", [](const DateTimeValue &d) { return OnDay(d); });
-    ExpectDate("Tomorrow", [](const DateTimeValue &d) {
-        DateTimeValue v = OnDay(d);
-        OSAdjustDateTimeByDays(&v, 1);
-        return v;
-    });
-    ExpectDate("YESTERDAY", [](const DateTimeValue &d) {
-        DateTimeValue v = OnDay(d);
-        OSAdjustDateTimeByDays(&v, -1);
-        return v;
-    });
-    DateTimeValue noon = Time("noon");
-    EXPECT_EQ(12, noon.hour);
-    EXPECT_EQ(0, noon.minute);
-    ExpectPresentMoment("now", Time);
-}
-
 // Reads each row's text as a time of the present day.
 void ExpectTimes(const std::vector<std::pair<std::string, unsigned>> &rows)
 {
@@ -127,6 +107,20 @@ void ExpectTimes(const std::vector<std::pair<std::string, unsigned>> &rows)
         ExpectFromThePresent(row.first.c_str(), Time,
                              [hour](const DateTimeValue &d) { return OnDay(d, hour); });
     }
+}
+
+TEST_F(StringToDateTime, KnowsItsWords)
+{
+    IntlConventions conventions(CONVENTIONS_MONTH_FIRST_12H);
+    const struct { const char *word; LONG days; } days[] = {{"today", 0}, {"Tomorrow", 1}, {"YESTERDAY", -1}};
+    for (const auto &day : days)
+        ExpectFromThePresent(day.word, [](const char *t) { return Date(t); }, [&day](const DateTimeValue &d) {
+            DateTimeValue v = OnDay(d);
+            OSAdjustDateTimeByDays(&v, day.days);
+            return v;
+        });
+    ExpectTimes({{"noon", 12}});
+    ExpectPresentMoment("now", Time);
 }
 
 TEST_F(StringToDateTime, ReadsClockTimesAndMarkers)

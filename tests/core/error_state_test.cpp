@@ -252,9 +252,6 @@ TEST_F(ErrorState, ModeIndexesPastTheTableReachTheTwoFlags)
     EXPECT_EQ(1, ctx->offerClose);
     OSErrorSetErrorInfo(RV_QuireAPI);
     EXPECT_EQ(0, ctx->offerClose) << "cleared at each recording";
-
-    EXPECT_EQ(2u, OSErrorSetErrorMode(RV_NoFile, 1)) << "returns the old word";
-    EXPECT_EQ(1u, OSErrorSetErrorMode(RV_NoFile, 2));
 }
 
 TEST_F(ErrorState, ModeIndexesOnPointersOrPastTheRecordAreRefused)

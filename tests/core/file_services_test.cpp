@@ -128,12 +128,11 @@ TEST_F(FileServices, CommitDeleteAndRedirection)
     OSErrorClearError();
 
     const std::string tooLong = "C:\\" + std::string(400, 'p') + "\\f<>|?.kel";
-    EXPECT_FALSE(OSDeleteFile(tooLong.c_str()));
-    EXPECT_NE(RV_Success, OSErrorGetErrorValue());
-    OSErrorClearError();
-    EXPECT_FALSE(OSDeleteFile(nullptr));
-    EXPECT_NE(RV_Success, OSErrorGetErrorValue());
-    OSErrorClearError();
+    for (const char *bad : {tooLong.c_str(), static_cast<const char *>(nullptr)}) {
+        EXPECT_FALSE(OSDeleteFile(bad));
+        EXPECT_NE(RV_Success, OSErrorGetErrorValue());
+        OSErrorClearError();
+    }
 
     EXPECT_FALSE(OSIsRedirectedHandle(INVALID_HANDLE_VALUE));
     EXPECT_EQ(RV_Failure, OSErrorGetErrorValue());

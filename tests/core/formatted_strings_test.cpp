@@ -190,49 +190,33 @@ int CallRv(char *dest, LONG limit, const char *format, ...)
     return count;
 }
 
+// The list and the vsprintf forms read the prefixes alike.
 TEST_F(FormattedStrings, ReorderPrefixRules)
 {
-    struct Case { const char *format; const char *rs; const char *rv; } cases[] = {
-        {"@2%d-@1%d", "8-7", "8-7"},
-        {"50@ %d", "50@ 7", "50@ 7"},
-        {"@5x", "@5x", "@5x"},
-        {"@1%d @5x", "7 @5x", "7 @5x"},
-        {"", "", ""},
-        {"abc@", "abc@", "abc@"},
-        {"abc@7", "abc@7", "abc@7"},
-        {"@0%d", "@07", "@07"},
-        {"@a%d", "@a7", "@a7"},
-        {"@1%", "", ""},
-        {"tail %", "tail ", "tail "},
-        {"@1%d%%", "7%", "7%"},
+    struct Case { const char *format; const char *expected; } cases[] = {
+        {"@2%d-@1%d", "8-7"}, {"50@ %d", "50@ 7"}, {"@5x", "@5x"}, {"@1%d @5x", "7 @5x"}, {"", ""},
+        {"abc@", "abc@"}, {"abc@7", "abc@7"}, {"@0%d", "@07"}, {"@a%d", "@a7"}, {"@1%", ""},
+        {"tail %", "tail "}, {"@1%d%%", "7%"},
     };
-    for (const Case &c : cases) {
-        char out[64];
-        EXPECT_EQ(static_cast<int>(strlen(c.rs)), OSrsprintf(out, 63, c.format, 7, 8, 9));
-        EXPECT_STREQ(c.rs, out) << c.format;
-        EXPECT_EQ(static_cast<int>(strlen(c.rv)), CallRv(out, 63, c.format, 7, 8, 9));
-        EXPECT_STREQ(c.rv, out) << c.format;
-    }
-    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
-
     char out[64];
-    EXPECT_EQ(1, OSrsprintf(out, 63, "@3%d", 1, 2, 3));
-    EXPECT_STREQ("3", out);
-    EXPECT_EQ(3, OSrsprintf(out, 63, "@1%d @3%d", 1, 2, 3));
-    EXPECT_STREQ("1 3", out);
-    // A stray prefix beside plain directives: they still get the arguments,
-    // and one the caller never passed is not read.
-    const struct { const char *format; const char *expected; } strays[] = {
-        {"x@1y %d", "x@1y 7"},
-        {"@2%d x@1y %d", "8 x@1y 7"},
-        {"@1%d x@9y %d", "7 x@9y 8"},
-    };
-    for (const auto &c : strays) {
-        OSrsprintf(out, 63, c.format, 7, 8);
+    for (const Case &c : cases) {
+        EXPECT_EQ(static_cast<int>(strlen(c.expected)), OSrsprintf(out, 63, c.format, 7, 8, 9));
+        EXPECT_STREQ(c.expected, out) << c.format;
+        EXPECT_EQ(static_cast<int>(strlen(c.expected)), CallRv(out, 63, c.format, 7, 8, 9));
         EXPECT_STREQ(c.expected, out) << c.format;
     }
-    OSrsprintf(out, 63, "mail a@3com.com re %s", "the plan");
-    EXPECT_STREQ("mail a@3com.com re the plan", out);
+    EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
+    // The list form alone: positions skipped, and a stray prefix beside
+    // plain directives, which still get the arguments (one the caller never
+    // passed is not read).
+    const struct { const char *format; const char *expected; } listOnly[] = {
+        {"@3%d", "9"}, {"@1%d @3%d", "7 9"}, {"x@1y %d", "x@1y 7"}, {"@2%d x@1y %d", "8 x@1y 7"},
+        {"@1%d x@9y %d", "7 x@9y 8"}, {"mail a@3com.com re %d", "mail a@3com.com re 7"},
+    };
+    for (const auto &c : listOnly) {
+        EXPECT_EQ(static_cast<int>(strlen(c.expected)), OSrsprintf(out, 63, c.format, 7, 8, 9));
+        EXPECT_STREQ(c.expected, out) << c.format;
+    }
     // Without the sizes of positions 1 and 2 the vsprintf form cannot place 3.
     Guarded dest(16);
     EXPECT_EQ(0, CallRv(dest.data(), 15, "@3%d", 1, 2, 3));
@@ -242,22 +226,19 @@ TEST_F(FormattedStrings, ReorderPrefixRules)
 
 TEST_F(FormattedStrings, OrderSlotsHaveTheirRoom)
 {
-    std::string twenty, twentyOne, nine, ten;
-    for (int i = 0; i < 20; ++i) twenty += "@1%d";
-    twentyOne = twenty + "@1%d";
-    for (int i = 0; i < 9; ++i) nine += "@1%d";
-    ten = nine + "@1%d";
+    // The list form has room for 20 order slots, the vsprintf form for 9.
+    auto slots = [](int n) { std::string format; while (n--) format += "@1%d"; return format; };
     char out[128];
-    EXPECT_EQ(20, OSrsprintf(out, 127, twenty.c_str(), 5));
+    EXPECT_EQ(20, OSrsprintf(out, 127, slots(20).c_str(), 5));
     EXPECT_EQ(std::string(20, '5'), out);
-    EXPECT_EQ(9, CallRv(out, 127, nine.c_str(), 5));
+    EXPECT_EQ(9, CallRv(out, 127, slots(9).c_str(), 5));
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 
     Guarded dest(64);
-    EXPECT_EQ(0, OSrsprintf(dest.data(), 63, twentyOne.c_str(), 5));
+    EXPECT_EQ(0, OSrsprintf(dest.data(), 63, slots(21).c_str(), 5));
     EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
     OSErrorClearError();
-    EXPECT_EQ(0, CallRv(dest.data(), 63, ten.c_str(), 5));
+    EXPECT_EQ(0, CallRv(dest.data(), 63, slots(10).c_str(), 5));
     EXPECT_EQ(RV_BadParms, OSErrorGetErrorValue());
     EXPECT_TRUE(dest.GuardsIntactFrom(0));
 

@@ -94,20 +94,15 @@ protected:
             }
         }
     }
+    template <size_t... N>
+    void CheckSizes(Sort sort) { (Check<N>(sort), ...); }
     HCURSOR arrow = LoadCursorA(nullptr, MAKEINTRESOURCEA(32512));
 };
 
 TEST_F(Sorting, SortsLikeStdSortForEveryElementSizeAndOrder)
 {
-    for (Sort sort : {QSort, QSortLong}) {
-        Check<1>(sort);
-        Check<2>(sort);
-        Check<3>(sort);
-        Check<4>(sort);
-        Check<8>(sort);
-        Check<24>(sort);
-        Check<130>(sort);
-    }
+    for (Sort sort : {QSort, QSortLong})
+        CheckSizes<1, 2, 3, 4, 8, 24, 130>(sort);
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 

@@ -8,12 +8,6 @@ namespace {
 
 const DWORD kOnlyRegister1 = static_cast<DWORD>(-1), kOnlyRegister2 = static_cast<DWORD>(-2);
 
-HWND MakeWindow()
-{
-    return CreateWindowExA(0, "STATIC", "help", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr,
-                           nullptr);
-}
-
 class Help : public ErrorStateTest {
 protected:
     HelpEngine engine;
@@ -26,7 +20,7 @@ using HelperCallsProc = LONG(WINAPI *)(LONG index, char *file, HWND *window);
 // -1 and -2 open nothing; the helper is told of every call once it is there.
 TEST_F(Help, FilesByLanguageAndAdministratorWithAndWithoutTheHelper)
 {
-    HWND window = MakeWindow();
+    HWND window = CreateWindowExA(0, "STATIC", "help", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     const struct {
         bool admin;
         UINT command;

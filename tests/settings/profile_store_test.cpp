@@ -12,11 +12,6 @@ TEST_F(ProfileStore, MissingKeyIsCreatedAndAnsweredByTheDefault)
     EXPECT_EQ(7, OSGetProfileInt(path.c_str(), "Missing", 7, "report", 0));
     EXPECT_TRUE(KeyExists());
     EXPECT_EQ(7, OSGetProfileInt(path.c_str(), "Missing", 7, "report", 0));
-    char buffer[16];
-    memset(buffer, kGuard, sizeof buffer);
-    EXPECT_EQ(4u, OSGetProfileString(path.c_str(), "Missing", "abc", buffer, 8, "report", 0));
-    EXPECT_STREQ("abc", buffer);
-    EXPECT_TRUE(GuardIntact(buffer, 4, sizeof buffer));
     EXPECT_EQ(RV_Success, OSErrorGetErrorValue());
 }
 
