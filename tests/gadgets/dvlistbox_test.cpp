@@ -408,7 +408,6 @@ TEST_F(DVListBox, TypeAheadSearchesOnceForTheWholeRun)
 
 TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
 {
-    db_.keys = Keys(1000);
     struct Case {
         DWORD style;
         const char *what;
@@ -420,6 +419,8 @@ TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
         {VLS_EXTENDEDSEL, "extended", {"SELCHANGE"}, {"SELCHANGE", "SELCHANGE"}, 1},
     };
     for (const Case &c : cases) {
+        db_ = Db();
+        db_.keys = Keys(1000);
         HWND list = Make(c.style, 1000);
         Click(list, 5, 3 * RowHeight() + 1);
         EXPECT_EQ(c.click, db_.Take()) << c.what;
@@ -433,8 +434,6 @@ TEST_F(DVListBox, SelectionNotifiesTheCallbackAloneInEachMode)
                                    [](const Message &m) { return m.message == WM_COMMAND; }))
             << c.what << ": nothing goes to the parent";
         Finish(list);
-        db_ = Db();
-        db_.keys = Keys(1000);
     }
     // Extended: Shift+End selects the run; what the list has not seen goes
     // to the host as ranges.
