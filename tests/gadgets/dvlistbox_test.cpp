@@ -14,7 +14,6 @@ namespace {
 
 const int ID_LIST = 42;
 const DWORD kRows = 10;
-typedef std::vector<std::string> Log;
 
 std::string Name(DWORD key)
 {
@@ -33,10 +32,9 @@ std::string Index(LONG i)
 
 // The database: list index i shows keys[i + offset]. The host follows the
 // list's re-basing by moving its offset.
-struct Db {
+struct Db : RequestLog {
     std::vector<DWORD> keys;
     long long offset = 0;
-    Log log;
     std::multimap<DWORD, int> held;  // keys the list holds
     int badReleases = 0;
     bool logLoads = true;
@@ -46,12 +44,6 @@ struct Db {
     {
         auto at = std::lower_bound(keys.begin(), keys.end(), key);
         return at != keys.end() && *at == key ? at - keys.begin() : -1;
-    }
-    Log Take()
-    {
-        Log taken;
-        taken.swap(log);
-        return taken;
     }
     bool Add(HWND w, LONG index)
     {
@@ -176,26 +168,6 @@ std::vector<DWORD> Keys(DWORD count, DWORD step = 10)
     for (DWORD i = 0; i < count; ++i)
         keys.push_back(100 + i * step);
     return keys;
-}
-
-// The lines of `log` that start with `prefix`.
-Log Lines(const Log &log, const std::string &prefix)
-{
-    Log lines;
-    for (const std::string &line : log)
-        if (line.rfind(prefix, 0) == 0)
-            lines.push_back(line);
-    return lines;
-}
-
-// RELEASE for `first` to `last`, then `then`.
-Log Releases(int first, int last, const std::string &then)
-{
-    Log log;
-    for (int i = first; i <= last; ++i)
-        log.push_back("RELEASE " + std::to_string(i));
-    log.push_back(then);
-    return log;
 }
 
 class DVListBox : public VListFixture {

@@ -14,8 +14,7 @@ namespace {
 const int ID_LIST = 41;
 const DWORD kRows = 10;
 
-struct Host {
-    std::vector<std::string> log;
+struct Host : RequestLog {
     std::set<DWORD> held;       // loaded into the cache and not yet released
     std::set<DWORD> skipOnce;   // indices the next load leaves out
     std::vector<int> ids;       // item i shows "Item <ids[i]>"; empty: "Item <i>"
@@ -29,12 +28,6 @@ struct Host {
     {
         return "Item " + std::to_string(ids.empty() ? static_cast<long long>(index)
                                                     : static_cast<long long>(ids.at(index)));
-    }
-    std::vector<std::string> Take()
-    {
-        std::vector<std::string> taken;
-        taken.swap(log);
-        return taken;
     }
 };
 
@@ -80,7 +73,7 @@ LRESULT CALLBACK HostProc(HWND w, UINT code, void *request, LPARAM data)
     case VLN_RELEASE: {
         auto *release = static_cast<VLRELEASEREQUEST *>(request);
         if (host.logLoads)
-            host.log.push_back(Words("RELEASE", release->index, 0));
+            host.log.push_back("RELEASE " + std::to_string(release->index));
         if (!host.held.erase(release->index) || static_cast<DWORD>(release->itemData) != release->index)
             ++host.badReleases;
         break;
@@ -142,8 +135,6 @@ protected:
     Host host;  // outlives the lists, which the parent takes down
 };
 
-typedef std::vector<std::string> Log;
-
 // The selected indices as the list gives them.
 std::vector<DWORD> Selection(HWND list)
 {
@@ -167,16 +158,6 @@ std::string Runs(HWND list)
         i = j;
     }
     return text;
-}
-
-// RELEASE for `first` to `last`, then `then`.
-Log Releases(DWORD first, DWORD last, const char *then)
-{
-    Log log;
-    for (DWORD i = first; i <= last; ++i)
-        log.push_back(Words("RELEASE", i, 0));
-    log.push_back(then);
-    return log;
 }
 
 TEST_F(VListBox, KeepsItsCacheWindowAroundTheView)
@@ -256,8 +237,7 @@ TEST_F(VListBox, AsksNothingForAnEmptyListYetTakesAClick)
     EXPECT_EQ(0u, VListBox_GetTopIndex(list));
     Click(list, 5, RowHeight() * 3 + 2);
     EXPECT_EQ(3u, VListBox_GetCaretIndex(list));
-    for (const std::string &line : host.Take())
-        EXPECT_EQ(std::string::npos, line.find("LOAD")) << line;
+    EXPECT_EQ(Log(), Lines(host.Take(), "LOAD"));
     EXPECT_EQ(0u, VListBox_GetNumItems(list));
 }
 
@@ -486,12 +466,9 @@ TEST_F(VListBox, TheCallbackDrawsRowsAndHearsDoubleClicksAndCharactersOnlyWhenAs
         auto draw = [h](DWORD index, DWORD state, DWORD row) {
             return Words("DRAW", index, state) + Words("", row * h, h) + " Item " + std::to_string(index);
         };
-        Log expected, log = host.Take(), draws;
+        Log expected, log = host.Take(), draws = Lines(log, "DRAW");
         for (DWORD i = 0; i < rows; ++i)
             expected.push_back(draw(i, 0, i));
-        for (const std::string &line : log)
-            if (line.rfind("DRAW", 0) == 0)
-                draws.push_back(line);
         ASSERT_GE(draws.size(), rows);
         EXPECT_EQ(Words("MEASURE", client.right, RowHeight()), log.at(0));
         EXPECT_EQ(expected, Log(draws.end() - rows, draws.end())) << "the last pass, row height " << h;
@@ -567,7 +544,7 @@ TEST_F(VListBox, TheCacheFollowsTheRowsAndTheTotal)
             SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(small), TRUE);
         } else {
             EXPECT_TRUE(VListBox_SetNumItems(list, 5));
-            EXPECT_EQ(Releases(5, 8, "RELEASE 9 0"), host.Take());
+            EXPECT_EQ(Releases(5, 8, "RELEASE 9"), host.Take());
             EXPECT_EQ(std::set<DWORD>({0, 1, 2, 3, 4}), host.held);
             EXPECT_TRUE(VListBox_SetNumItems(list, 1000));
             SendMessageA(list, WM_SIZE, 0, 0);  // the view's rows come back to the cache
