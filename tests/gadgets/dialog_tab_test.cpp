@@ -32,6 +32,7 @@ INT_PTR CALLBACK HostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
     return message == WM_INITDIALOG;
 }
 
+// A control of the host's, under the page, that logs the mouse it gets.
 LRESULT CALLBACK TargetProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_LBUTTONDOWN || message == WM_MOUSEMOVE)
@@ -348,15 +349,10 @@ TEST_F(DialogTab, StripLayoutAndHitTesting)
 TEST_F(DialogTab, ClicksOnThePageReachTheControlBelow)
 {
     AddPages();
-    WNDCLASSA wc = {};
-    wc.lpfnWndProc = TargetProc;
-    wc.hInstance = GetModuleHandleA(nullptr);
-    wc.lpszClassName = "TabTestTarget";
-    RegisterClassA(&wc);
     const RECT spot = Mapped(12, 120, 40, 12);
-    HWND target = CreateWindowA("TabTestTarget", "", WS_CHILD | WS_VISIBLE, spot.left, spot.top,
-                                spot.right - spot.left, spot.bottom - spot.top, dialog_, nullptr,
-                                wc.hInstance, nullptr);
+    HWND target = CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, spot.left, spot.top, spot.right - spot.left,
+                                spot.bottom - spot.top, dialog_, nullptr, nullptr, nullptr);
+    SetWindowLongPtrA(target, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(TargetProc));
     SetWindowPos(target, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     POINT at = {spot.left + 5, spot.top + 3};
     MapWindowPoints(dialog_, tabs_, &at, 1);
@@ -371,7 +367,6 @@ TEST_F(DialogTab, ClicksOnThePageReachTheControlBelow)
     EXPECT_EQ(1, Tab_GetCurrentTab(tabs_));
     EXPECT_TRUE(IsWindowVisible(tabs_)) << "the gadget is visible again";
     DestroyWindow(target);
-    UnregisterClassA("TabTestTarget", wc.hInstance);
 }
 
 TEST_F(DialogTab, PaintLeavesNoKeyAndRaisesTheCurrentTab)
