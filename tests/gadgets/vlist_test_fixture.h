@@ -67,5 +67,17 @@ protected:
     {
         return parent_->CreateChild(className, id, WS_VSCROLL | style, 0, 0, 200, rows * RowHeight());
     }
+    // The WM_COMMAND codes the parent heard from `list` (0 for one from
+    // elsewhere).
+    std::vector<WORD> Codes(HWND list)
+    {
+        std::vector<WORD> codes;
+        parent_->Pump();
+        for (const Message &m : parent_->Take())
+            if (m.message == WM_COMMAND)
+                codes.push_back(LOWORD(m.wParam) == GetDlgCtrlID(list) && m.lParam == reinterpret_cast<LPARAM>(list)
+                                    ? HIWORD(m.wParam) : 0);
+        return codes;
+    }
     RecordingParent *parent_ = nullptr;
 };

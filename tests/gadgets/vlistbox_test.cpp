@@ -256,18 +256,6 @@ TEST_F(VListBox, RefusesBadArgumentsAndWindowsWithoutARecord)
     EXPECT_TRUE(VListBox_AddItemData(owner, 0, 7));
 }
 
-// The WM_COMMAND codes the parent heard from `list` (0 for one from elsewhere).
-std::vector<WORD> Codes(RecordingParent &parent, HWND list)
-{
-    std::vector<WORD> codes;
-    parent.Pump();
-    for (const Message &m : parent.Take())
-        if (m.message == WM_COMMAND)
-            codes.push_back(LOWORD(m.wParam) == ID_LIST && m.lParam == reinterpret_cast<LPARAM>(list)
-                                ? HIWORD(m.wParam) : 0);
-    return codes;
-}
-
 // A click on row 2, then Down, then Space, in each mode: what the callback
 // hears, and the codes the parent gets (0x0B focus, 0x11 selection, 0x12 a
 // click's selection). Extended keys notify twice: the caret, then the run.
@@ -292,7 +280,7 @@ TEST_F(VListBox, ClickDownAndSpaceNotifyInEachMode)
             else
                 Key(list, i == 1 ? VK_DOWN : VK_SPACE);
             EXPECT_EQ(mode.heard[i], host.Take()) << "style " << mode.style << " step " << i;
-            EXPECT_EQ(mode.codes[i], Codes(*parent_, list)) << "style " << mode.style << " step " << i;
+            EXPECT_EQ(mode.codes[i], Codes(list)) << "style " << mode.style << " step " << i;
         }
         SetFocus(parent_->Window());
         DestroyWindow(list);
@@ -325,7 +313,7 @@ TEST_F(VListBox, SingleSelectionMirrorsTheText)
     EXPECT_STREQ("Item 7", text);
     // Another program's window may take the focus meanwhile (the suites run
     // side by side on one desktop): the focus codes may come, and nothing else.
-    std::vector<WORD> codes = Codes(*parent_, list);
+    std::vector<WORD> codes = Codes(list);
     codes.erase(std::remove(codes.begin(), codes.end(), WORD(0x0C)), codes.end());
     EXPECT_EQ(std::vector<WORD>({0x11}), codes);
 }
