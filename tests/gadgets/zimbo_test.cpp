@@ -24,7 +24,8 @@ LRESULT CALLBACK MouseParent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
 TEST(Zimbo, HandsTheMouseToItsParentInTheParentsCoordinates)
 {
     ASSERT_TRUE(RegisterGadgets(0));
-    HWND parent = CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100, nullptr, nullptr, nullptr, nullptr);
+    HWND parent = CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100, nullptr, nullptr,
+                                nullptr, nullptr);
     SetWindowLongPtrA(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MouseParent));
     HWND zimbo = CreateWindowA("Zimbo", "Page two", WS_CHILD | WS_VISIBLE, 50, 8, 60, 16, parent,
                                reinterpret_cast<HMENU>(3), nullptr, nullptr);
