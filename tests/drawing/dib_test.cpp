@@ -42,13 +42,8 @@ TEST_F(Dibs, EveryDepthFromFileAndMemory)
                 EXPECT_EQ(BmpRowBytes(shape) * 8, l->header->biSizeImage);
                 EXPECT_EQ(BmpColours(shape), l->header->biClrUsed);
                 EXPECT_EQ(40 + l->header->biClrUsed * 4 + l->header->biSizeImage, DIB_DIBSize(l->block));
-                if (l->header->biClrUsed > 5) {
-                    const RGBQUAD *table = reinterpret_cast<const RGBQUAD *>(l->header + 1);
-                    EXPECT_EQ(5, table[5].rgbRed);
-                    EXPECT_EQ(250, table[5].rgbGreen);
-                    EXPECT_EQ(15, table[5].rgbBlue);
-                    EXPECT_EQ(0, table[5].rgbReserved);
-                }
+                if (l->header->biClrUsed > 5)  // red 5, green 250, blue 15, reserved 0
+                    EXPECT_EQ(0x0005FA0Fu, reinterpret_cast<const DWORD *>(l->header + 1)[5]);
                 EXPECT_EQ(0, memcmp(l->Rows(), &file[file.size() - l->header->biSizeImage], l->header->biSizeImage));
             }
         }
@@ -167,12 +162,9 @@ TEST_F(Dibs, BltAndStretchDrawTheRightRows)
     Surface s(4, 4, GetSysColor(COLOR_WINDOW));
     // Two rows from srcY 1 (counted from the top): the rows 2 and 1 from the bottom.
     EXPECT_TRUE(DIB_DibBlt(s.dc, 0, 0, 2, 2, dib, 0, 1, SRCCOPY));
-    EXPECT_EQ(rows[2], s.At(0, 0));
-    EXPECT_EQ(rows[1], s.At(1, 1));
-    EXPECT_EQ(GetSysColor(COLOR_WINDOW), s.At(0, 2));
+    s.Expect({{0, 0, rows[2]}, {1, 1, rows[1]}, {0, 2, GetSysColor(COLOR_WINDOW)}});
     EXPECT_EQ(4, DIB_StretchBlt(s.dc, 0, 0, 4, 4, dib, 0, 0, 2, 4, SRCCOPY));
-    EXPECT_EQ(rows[3], s.At(3, 0));
-    EXPECT_EQ(rows[0], s.At(3, 3));
+    s.Expect({{3, 0, rows[3]}, {3, 3, rows[0]}});
     SelectObject(s.dc, GetStockObject(BLACK_BRUSH));
     EXPECT_TRUE(DIB_DibBlt(s.dc, 0, 0, 1, 1, nullptr, 0, 0, PATCOPY));
     EXPECT_EQ(RGB(0, 0, 0), s.At(0, 0));

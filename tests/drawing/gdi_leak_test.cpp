@@ -69,8 +69,7 @@ TEST_F(GdiLeaks, EveryFunctionThousandTimes)
     long before = GdiObjectsInUse();
     for (int i = 0; i < 1000; ++i)
         drawEverything(i);
-    long after = GdiObjectsInUse();
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(before, GdiObjectsInUse());
     UICleanUpVertDrawText();
     DeleteObject(font);
     DeleteObject(brush);

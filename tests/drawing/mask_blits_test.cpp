@@ -63,11 +63,8 @@ TEST_F(MaskBlits, CentredVariantsKeepTransparentPixels)
         SetBkColor(target.dc, RGB(4, 5, 6));
         RECT rect = {2, 2, 9, 8};  // (7 - 4) / 2 = 1, (6 - 3) / 2 = 1
         ASSERT_TRUE(v.blit(target.dc, &rect, image, clear));
-        EXPECT_EQ(ink, target.At(4, 3));
-        EXPECT_EQ(back, target.At(3, 3));  // transparent
-        EXPECT_EQ(back, target.At(4, 4));
-        EXPECT_EQ(back ^ 0xFFFFFF, target.At(6, 5));
-        EXPECT_EQ(back, target.At(2, 2));  // outside the image
+        // Ink, two transparent pixels, the marked corner, outside the image.
+        target.Expect({{4, 3, ink}, {3, 3, back}, {4, 4, back}, {6, 5, back ^ 0xFFFFFF}, {2, 2, back}});
         EXPECT_EQ(RGB(1, 2, 3), GetTextColor(target.dc));
         EXPECT_EQ(RGB(4, 5, 6), GetBkColor(target.dc));
         DeleteObject(image);
@@ -80,8 +77,7 @@ TEST_F(MaskBlits, LargerImageGetsNegativeOffsetTruncatedTowardZero)
     Surface target(4, 3, back);
     RECT rect = {0, 0, 2, 1};  // (2 - 5) / 2 = -1, not -2
     ASSERT_TRUE(UIBitBlt(target.dc, &rect, image));
-    EXPECT_EQ(clear, target.At(0, 0));
-    EXPECT_EQ(back ^ 0xFFFFFF, target.At(1, 0));
+    target.Expect({{0, 0, clear}, {1, 0, back ^ 0xFFFFFF}});
     DeleteObject(image);
 }
 
@@ -93,8 +89,7 @@ TEST_F(MaskBlits, InvertVariantRestoresTheBitmapOnSecondCall)
     ASSERT_TRUE(UIMaskBltInvertNoFlicker(first.dc, &rect, image, nullptr, clear ^ 0xFFFFFF));
     EXPECT_EQ(ink ^ 0xFFFFFF, first.At(1, 0));  // drawn inverted
     ASSERT_TRUE(UIMaskBltInvertNoFlicker(second.dc, &rect, image, nullptr, clear ^ 0xFFFFFF));
-    EXPECT_EQ(ink, second.At(1, 0));
-    EXPECT_EQ(back, second.At(1, 1));
+    second.Expect({{1, 0, ink}, {1, 1, back}});
     DeleteObject(image);
 }
 
@@ -106,9 +101,7 @@ TEST_F(MaskBlits, MaskBltFromSourceContext)
     COLORREF sourceBack = SetBkColor(source.dc, RGB(9, 9, 9));
     ASSERT_EQ(1u, UIMaskBlt(target.dc, 1, 1, 2, 2, source.dc, 3, 0, clear));
     EXPECT_EQ(RGB(9, 9, 9), GetBkColor(source.dc));
-    EXPECT_EQ(back, target.At(1, 1));
-    EXPECT_EQ(ink, target.At(2, 2));
-    EXPECT_EQ(back, target.At(3, 3));
+    target.Expect({{1, 1, back}, {2, 2, ink}, {3, 3, back}});
     SetBkColor(source.dc, sourceBack);
 }
 
@@ -121,10 +114,8 @@ TEST_F(MaskBlits, OSMaskBltMirrors)
     Surface plain(3, 1, back), mirrored(3, 1, back);
     ASSERT_EQ(1, OSMaskBlt(plain.dc, 0, 0, 3, 1, source, 0, 0, SRCCOPY, mask, 0));
     ASSERT_EQ(1, OSMaskBlt(mirrored.dc, 0, 0, 3, 1, source, 0, 0, SRCCOPY, mask, 1));
-    EXPECT_EQ(ink, plain.At(0, 0));
-    EXPECT_EQ(back ^ 0xFFFFFF, plain.At(2, 0));
-    EXPECT_EQ(back ^ 0xFFFFFF, mirrored.At(0, 0));
-    EXPECT_EQ(ink, mirrored.At(2, 0));
+    plain.Expect({{0, 0, ink}, {2, 0, back ^ 0xFFFFFF}});
+    mirrored.Expect({{0, 0, back ^ 0xFFFFFF}, {2, 0, ink}});
     Surface over(3, 1, back);
     HBITMAP background = MakeImage({"bbb"}, {ink, clear});
     ASSERT_EQ(1, MaskBltWithBitmap(over.dc, 0, 0, 3, 1, source, 0, 0, SRCCOPY, mask, 0, background));
@@ -152,8 +143,7 @@ TEST_F(MaskBlits, DitheredChangedAndTiledBitmaps)
     HBITMAP changed = UIChangeBitmapColor(image, clear, back);
     ASSERT_NE(nullptr, changed);
     UIBitBlt(seen.dc, &whole, changed);
-    EXPECT_EQ(back, seen.At(1, 0));
-    EXPECT_EQ(ink, seen.At(0, 0));
+    seen.Expect({{1, 0, back}, {0, 0, ink}});
     DeleteObject(changed);
     changed = UIChangeBitmapColor(image, RGB(1, 1, 1), back);  // no such pixel: a copy
     UIBitBlt(seen.dc, &whole, changed);
@@ -163,10 +153,8 @@ TEST_F(MaskBlits, DitheredChangedAndTiledBitmaps)
     Surface tiled(6, 4, back);
     RECT area = {0, 0, 5, 3};
     EXPECT_EQ(1u, UITileBitmap(tiled.dc, &area, image));
-    EXPECT_EQ(ink, tiled.At(4, 2));
-    EXPECT_EQ(clear, tiled.At(3, 2));
-    EXPECT_EQ(back, tiled.At(5, 0));  // the last tiles are cut at the edges
-    EXPECT_EQ(back, tiled.At(0, 3));
+    // The last tiles are cut at the edges.
+    tiled.Expect({{4, 2, ink}, {3, 2, clear}, {5, 0, back}, {0, 3, back}});
     RECT empty = {4, 4, 4, 4};
     Surface untouched(5, 5, back);
     EXPECT_EQ(1u, UITileBitmap(untouched.dc, &empty, image));
@@ -213,22 +201,14 @@ TEST_F(MaskBlits, FramesAndTroughs)
            dark = CreateSolidBrush(RGB(1, 2, 3));
     RECT r = {0, 0, 6, 5};
     ASSERT_TRUE(UIFrameAndFillRect(s.dc, &r, fill, light, dark));
-    EXPECT_EQ(ink, s.At(0, 0));
-    EXPECT_EQ(ink, s.At(0, 3));
-    EXPECT_EQ(RGB(1, 2, 3), s.At(5, 4));
-    EXPECT_EQ(RGB(1, 2, 3), s.At(5, 0));  // the right line is drawn last
-    EXPECT_EQ(clear, s.At(2, 2));
+    // The right line is drawn last: its top pixel is dark.
+    s.Expect({{0, 0, ink}, {0, 3, ink}, {5, 4, RGB(1, 2, 3)}, {5, 0, RGB(1, 2, 3)}, {2, 2, clear}});
 
     const COLORREF shadow = GetSysColor(COLOR_BTNSHADOW), hi = GetSysColor(COLOR_BTNHIGHLIGHT);
     s.Fill(back);
     ASSERT_EQ(1u, UITroughRect(s.dc, &r));
-    EXPECT_EQ(shadow, s.At(0, 0));
-    EXPECT_EQ(hi, s.At(1, 1));
-    EXPECT_EQ(shadow, s.At(3, 3));  // bottom - 2
-    EXPECT_EQ(hi, s.At(3, 4));
-    EXPECT_EQ(shadow, s.At(4, 2));  // right - 2
-    EXPECT_EQ(hi, s.At(5, 2));
-    EXPECT_EQ(back, s.At(2, 2));
+    // Shadow then highlight at the top left, at bottom - 2 and at right - 2.
+    s.Expect({{0, 0, shadow}, {1, 1, hi}, {3, 3, shadow}, {3, 4, hi}, {4, 2, shadow}, {5, 2, hi}, {2, 2, back}});
 
     s.Fill(back);
     SetBkColor(s.dc, RGB(7, 7, 7));
@@ -236,9 +216,7 @@ TEST_F(MaskBlits, FramesAndTroughs)
     // The answer is what putting the old colour back returned: the second colour.
     EXPECT_EQ(clear, Draw3DFrame(s.dc, &line, ink, clear, 4 | 8 | 0x1000));
     EXPECT_EQ(RGB(7, 7, 7), GetBkColor(s.dc));
-    EXPECT_EQ(clear, s.At(0, 2));
-    EXPECT_EQ(ink, s.At(5, 2));  // the bottom stops 2 short
-    EXPECT_EQ(back, s.At(0, 1));
+    s.Expect({{0, 2, clear}, {5, 2, ink}, {0, 1, back}});  // the bottom stops 2 short
     DeleteObject(fill);
     DeleteObject(light);
     DeleteObject(dark);

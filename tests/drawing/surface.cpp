@@ -41,6 +41,12 @@ COLORREF Surface::At(int x, int y) const
     return RGB((p >> 16) & 0xFF, (p >> 8) & 0xFF, p & 0xFF);
 }
 
+void Surface::Expect(std::initializer_list<Pixel> pixels) const
+{
+    for (const Pixel &p : pixels)
+        EXPECT_EQ(p.colour, At(p.x, p.y)) << "at " << p.x << "," << p.y;
+}
+
 void Surface::Set(int x, int y, COLORREF c)
 {
     GdiFlush();

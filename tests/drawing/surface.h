@@ -1,6 +1,7 @@
 // A 32-bit DIB section selected in a memory context, to draw on and read
 // back pixel by pixel; and small picture builders the drawing tests share.
 #pragma once
+#include <initializer_list>
 #include <string>
 #include <vector>
 #include "qz_test.h"
@@ -11,6 +12,13 @@ struct Surface {
     Surface(const Surface &) = delete;
     Surface &operator=(const Surface &) = delete;
     COLORREF At(int x, int y) const;
+    // The colour each point must have, checked one by one and named by the
+    // point on a difference.
+    struct Pixel {
+        int x, y;
+        COLORREF colour;
+    };
+    void Expect(std::initializer_list<Pixel> pixels) const;
     void Set(int x, int y, COLORREF colour);
     void Fill(COLORREF colour);
     // Hands the bitmap over (deselected); the surface keeps no context then.

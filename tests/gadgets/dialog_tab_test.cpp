@@ -5,7 +5,6 @@
 #include "failure_seam.h"
 #include "message_box_driver.h"
 #include "window_harness.h"
-#include <algorithm>
 #include <functional>
 #include <random>
 #include <vector>
@@ -33,6 +32,7 @@ INT_PTR CALLBACK HostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
     return message == WM_INITDIALOG;
 }
 
+// A control of the host's, under the page, that logs the mouse it gets.
 LRESULT CALLBACK TargetProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_LBUTTONDOWN || message == WM_MOUSEMOVE)
@@ -240,69 +240,64 @@ TEST_F(DialogTab, InclusionAndExclusionTabs)
     OSErrorClearError();
 }
 
+// An expected sequence as letters: c changing, C changed (each from the
+// tabs), - redraw off, + redraw on.
+std::vector<Message> Sequence(const char *letters)
+{
+    std::vector<Message> seq;
+    for (const char *l = letters; *l; ++l)
+        if (*l == 'c' || *l == 'C')
+            seq.push_back({WM_COMMAND, sent | wparam | lparam_is_child,
+                           MAKEWPARAM(ID_TABS, *l == 'c' ? TABN_CHANGING : TABN_CHANGED), 0});
+        else
+            seq.push_back({WM_SETREDRAW, sent | wparam, *l == '+', 0});
+    seq.push_back({0, 0, 0, 0});
+    return seq;
+}
+
 TEST_F(DialogTab, NotificationsInOrder)
 {
-    const WPARAM changing = MAKEWPARAM(ID_TABS, TABN_CHANGING);
-    const WPARAM changed = MAKEWPARAM(ID_TABS, TABN_CHANGED);
-    const Message first[] = {{WM_COMMAND, sent | wparam | lparam_is_child, changing, 0},
-                             {WM_COMMAND, sent | wparam | lparam_is_child, changed, 0}, {0, 0, 0, 0}};
     // A page change: changing, redraw off and on, changed; a step past a
     // tab is one change and the start of the next, or two whole changes.
-    const Message change[] = {{WM_COMMAND, sent | wparam, changing, 0}, {WM_SETREDRAW, sent | wparam, FALSE, 0},
-                              {WM_SETREDRAW, sent | wparam, TRUE, 0}, {WM_COMMAND, sent | wparam, changed, 0},
-                              {WM_COMMAND, sent | wparam, changing, 0}, {WM_SETREDRAW, sent | wparam, FALSE, 0},
-                              {WM_SETREDRAW, sent | wparam, TRUE, 0}, {WM_COMMAND, sent | wparam, changed, 0},
-                              {0, 0, 0, 0}};
-    const Message *pages = change + 4, *throughHidden = change;
-    const Message same[] = {{WM_COMMAND, sent | wparam, changing, 0}, {0, 0, 0, 0}};
-    Message stepRight[6];
-    std::copy(change, change + 5, stepRight), stepRight[5] = {0, 0, 0, 0};
-    const Message transmogrified[] = {{WM_SETREDRAW, sent | wparam, FALSE, 0},
-                                      {WM_COMMAND, sent | wparam, changing, 0},
-                                      {WM_SETREDRAW, sent | wparam, TRUE, 0},
-                                      {WM_COMMAND, sent | wparam, changed, 0}, {0, 0, 0, 0}};
-    const Message none[] = {{0, 0, 0, 0}};
     struct Step {
         const char *what;
         std::function<void()> act;
-        const Message *expected;
+        const char *expected;
         LONG current;
     };
     const Step steps[] = {
-        {"first tab", [&] { AddPages(); }, first, 1},
-        {"page to page", [&] { Tab_SetCurrentTab(tabs_, 2); }, pages, 2},
-        {"the current tab again", [&] { EXPECT_EQ(0, Tab_SetCurrentTab(tabs_, 2)); }, same, 2},
-        {"unknown id", [&] { Tab_SetCurrentTab(tabs_, 99); }, first, -1},
-        {"the last tab, from none", [&] { Tab_SetCurrentTab(tabs_, TAB_LAST); }, first, 3},
+        {"first tab", [&] { AddPages(); }, "cC", 1},
+        {"page to page", [&] { Tab_SetCurrentTab(tabs_, 2); }, "c-+C", 2},
+        {"the current tab again", [&] { EXPECT_EQ(0, Tab_SetCurrentTab(tabs_, 2)); }, "c", 2},
+        {"unknown id", [&] { Tab_SetCurrentTab(tabs_, 99); }, "cC", -1},
+        {"the last tab, from none", [&] { Tab_SetCurrentTab(tabs_, TAB_LAST); }, "cC", 3},
         {"click on the first tab through its strip",
          [&] {
              HWND strip = FindWindowExA(tabs_, nullptr, "Zimbo", "General");
              SendMessageA(strip, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(4, 4));
          },
-         pages, 1},
-        {"right arrow", [&] { Key(tabs_, VK_RIGHT); }, stepRight, 2},
-        {"left arrow", [&] { Key(tabs_, VK_LEFT); }, pages, 1},
-        {"hide the current tab", [&] { Tab_HideTab(tabs_, 1); }, none, 1},
+         "c-+C", 1},
+        {"right arrow", [&] { Key(tabs_, VK_RIGHT); }, "c-+Cc", 2},
+        {"left arrow", [&] { Key(tabs_, VK_LEFT); }, "c-+C", 1},
+        {"hide the current tab", [&] { Tab_HideTab(tabs_, 1); }, "", 1},
         {"right arrow past a hidden tab",
          [&] {
              Tab_ShowTab(tabs_, 1);
              Tab_HideTab(tabs_, 2);
              Key(tabs_, VK_RIGHT);
          },
-         throughHidden, 3},
-        {"left arrow skips it", [&] { Key(tabs_, VK_LEFT); }, pages, 1},
-        {"left arrow at the first tab", [&] { Key(tabs_, VK_LEFT); }, none, 1},
+         "c-+Cc-+C", 3},
+        {"left arrow skips it", [&] { Key(tabs_, VK_LEFT); }, "c-+C", 1},
+        {"left arrow at the first tab", [&] { Key(tabs_, VK_LEFT); }, "", 1},
         {"change a tab that is not current",
-         [&] { EXPECT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "Other", 3, 7, resources_, "TABPAGE2")); },
-         none, 1},
+         [&] { EXPECT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "Other", 3, 7, resources_, "TABPAGE2")); }, "", 1},
         {"change the current tab",
-         [&] { EXPECT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "New", 1, 8, resources_, "TABPAGE3")); },
-         transmogrified, 8},
+         [&] { EXPECT_TRUE(Tab_TransmogrifyDialogTab(tabs_, "New", 1, 8, resources_, "TABPAGE3")); }, "-c+C", 8},
     };
     for (const Step &step : steps) {
         g_seen.clear();
         step.act();
-        EXPECT_TRUE(SequenceMatches(g_seen, step.expected, tabs_, step.what));
+        EXPECT_TRUE(SequenceMatches(g_seen, Sequence(step.expected).data(), tabs_, step.what));
         EXPECT_EQ(step.current, Tab_GetCurrentTab(tabs_)) << step.what;
     }
     EXPECT_EQ(7, Tab_GetTabFromPosition(tabs_, 2)) << "the changed tab keeps its place";
@@ -354,15 +349,10 @@ TEST_F(DialogTab, StripLayoutAndHitTesting)
 TEST_F(DialogTab, ClicksOnThePageReachTheControlBelow)
 {
     AddPages();
-    WNDCLASSA wc = {};
-    wc.lpfnWndProc = TargetProc;
-    wc.hInstance = GetModuleHandleA(nullptr);
-    wc.lpszClassName = "TabTestTarget";
-    RegisterClassA(&wc);
     const RECT spot = Mapped(12, 120, 40, 12);
-    HWND target = CreateWindowA("TabTestTarget", "", WS_CHILD | WS_VISIBLE, spot.left, spot.top,
-                                spot.right - spot.left, spot.bottom - spot.top, dialog_, nullptr,
-                                wc.hInstance, nullptr);
+    HWND target = CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, spot.left, spot.top, spot.right - spot.left,
+                                spot.bottom - spot.top, dialog_, nullptr, nullptr, nullptr);
+    SetWindowLongPtrA(target, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(TargetProc));
     SetWindowPos(target, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     POINT at = {spot.left + 5, spot.top + 3};
     MapWindowPoints(dialog_, tabs_, &at, 1);
@@ -377,7 +367,6 @@ TEST_F(DialogTab, ClicksOnThePageReachTheControlBelow)
     EXPECT_EQ(1, Tab_GetCurrentTab(tabs_));
     EXPECT_TRUE(IsWindowVisible(tabs_)) << "the gadget is visible again";
     DestroyWindow(target);
-    UnregisterClassA("TabTestTarget", wc.hInstance);
 }
 
 TEST_F(DialogTab, PaintLeavesNoKeyAndRaisesTheCurrentTab)

@@ -119,40 +119,35 @@ TEST(GadgetContrastTextColor, SwitchesAtItsBoundaries)
     g_gadgetLcdOption = Gadgets_LCDOption(0);
 }
 
-// Draws into a 20 x 12 DIB section and reads it back.
+// Draws into 20 x 12 white pixels of a window and reads them back.
 template <typename Draw>
-Readback DrawOffscreen(Draw draw)
+Readback DrawOnWindow(Draw draw)
 {
-    HDC screen = GetDC(nullptr);
-    HDC dc = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 20, 12);
-    HGDIOBJ old = SelectObject(dc, bitmap);
+    RecordingParent window(20, 12);
+    HDC dc = GetDC(window.Window());
     RECT all = {0, 0, 20, 12};
     FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     draw(dc, &all);
     Readback result = ReadDC(dc, 0, 0, 20, 12);
-    SelectObject(dc, old);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
-    ReleaseDC(nullptr, screen);
+    ReleaseDC(window.Window(), dc);
     return result;
 }
 
 TEST(GadgetButtonFaces, RaisedAndPressed)
 {
-    Readback up = DrawOffscreen([](HDC dc, RECT *r) { GadDrawButtonUp(dc, r); });
-    EXPECT_EQ(GetSysColor(COLOR_3DLIGHT), up.At(0, 0));
-    EXPECT_EQ(GetSysColor(COLOR_3DHILIGHT), up.At(1, 1));
-    EXPECT_EQ(GetSysColor(COLOR_3DDKSHADOW), up.At(19, 11));
-    EXPECT_EQ(GetSysColor(COLOR_3DSHADOW), up.At(18, 10));
-    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), up.At(10, 6));
+    Readback up = DrawOnWindow([](HDC dc, RECT *r) { GadDrawButtonUp(dc, r); });
+    struct Spot {
+        int x, y, colour;
+    } const raised[] = {{0, 0, COLOR_3DLIGHT}, {1, 1, COLOR_3DHILIGHT}, {19, 11, COLOR_3DDKSHADOW},
+                        {18, 10, COLOR_3DSHADOW}, {10, 6, COLOR_BTNFACE}};
+    for (const Spot &s : raised)
+        EXPECT_EQ(GetSysColor(s.colour), up.At(s.x, s.y)) << s.x << "," << s.y;
 
-    Readback down = DrawOffscreen([](HDC dc, RECT *r) { GadDrawButtonDown(dc, r); });
+    Readback down = DrawOnWindow([](HDC dc, RECT *r) { GadDrawButtonDown(dc, r); });
     RECT inside = {1, 1, 19, 11};
     EXPECT_EQ(18 * 10, down.Count(GetSysColor(COLOR_BTNFACE), &inside));
-    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(0, 0));
-    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(19, 11));
-    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(10, 0));
+    for (POINT edge : {POINT{0, 0}, POINT{19, 11}, POINT{10, 0}})
+        EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), down.At(edge.x, edge.y)) << edge.x << "," << edge.y;
 }
 
 }  // namespace

@@ -12,20 +12,11 @@ const COLORREF kInk = RGB(0, 0, 128);
 // 10 x 6 pixels of the key colour with a 6 x 2 block of ink at (2, 2).
 HBITMAP MakePicture()
 {
-    HDC screen = GetDC(nullptr);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 10, 6);
-    HDC dc = CreateCompatibleDC(screen);
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    HBRUSH key = CreateSolidBrush(kKey), ink = CreateSolidBrush(kInk);
-    RECT all = {0, 0, 10, 6}, block = {2, 2, 8, 4};
-    FillRect(dc, &all, key);
-    FillRect(dc, &block, ink);
-    DeleteObject(key);
-    DeleteObject(ink);
-    SelectObject(dc, old);
-    DeleteDC(dc);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
+    DWORD pixels[6][10];  // 0x00RRGGBB
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 10; ++x)
+            pixels[y][x] = y >= 2 && y < 4 && x >= 2 && x < 8 ? 0x000080 : 0xFF00FF;
+    return CreateBitmap(10, 6, 1, 32, pixels);
 }
 
 using QzBitmapGadget = GadgetTest;

@@ -24,15 +24,11 @@ LRESULT CALLBACK MouseParent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
 TEST(Zimbo, HandsTheMouseToItsParentInTheParentsCoordinates)
 {
     ASSERT_TRUE(RegisterGadgets(0));
-    WNDCLASSA wc = {};
-    wc.lpfnWndProc = MouseParent;
-    wc.hInstance = GetModuleHandleA(nullptr);
-    wc.lpszClassName = "ZimboTestParent";
-    RegisterClassA(&wc);
-    HWND parent = CreateWindowA("ZimboTestParent", "", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100,
-                                nullptr, nullptr, wc.hInstance, nullptr);
+    HWND parent = CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 40, 30, 200, 100, nullptr, nullptr,
+                                nullptr, nullptr);
+    SetWindowLongPtrA(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(MouseParent));
     HWND zimbo = CreateWindowA("Zimbo", "Page two", WS_CHILD | WS_VISIBLE, 50, 8, 60, 16, parent,
-                               reinterpret_cast<HMENU>(3), wc.hInstance, nullptr);
+                               reinterpret_cast<HMENU>(3), nullptr, nullptr);
     ASSERT_TRUE(zimbo);
     g_seen.clear();
     SendMessageA(zimbo, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 4));
@@ -45,7 +41,6 @@ TEST(Zimbo, HandsTheMouseToItsParentInTheParentsCoordinates)
     EXPECT_STREQ("Page two", text) << "the caption rides on the window text";
     EXPECT_EQ(0, GetWindowLongPtrA(zimbo, 0)) << "the window word stays untouched";
     DestroyWindow(parent);
-    UnregisterClassA("ZimboTestParent", wc.hInstance);
     UnRegisterGadgets();
 }
 
