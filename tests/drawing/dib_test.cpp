@@ -42,8 +42,9 @@ TEST_F(Dibs, EveryDepthFromFileAndMemory)
                 EXPECT_EQ(BmpRowBytes(shape) * 8, l->header->biSizeImage);
                 EXPECT_EQ(BmpColours(shape), l->header->biClrUsed);
                 EXPECT_EQ(40 + l->header->biClrUsed * 4 + l->header->biSizeImage, DIB_DIBSize(l->block));
-                if (l->header->biClrUsed > 5)  // red 5, green 250, blue 15, reserved 0
+                if (l->header->biClrUsed > 5) {  // red 5, green 250, blue 15, reserved 0
                     EXPECT_EQ(0x0005FA0Fu, reinterpret_cast<const DWORD *>(l->header + 1)[5]);
+                }
                 EXPECT_EQ(0, memcmp(l->Rows(), &file[file.size() - l->header->biSizeImage], l->header->biSizeImage));
             }
         }
