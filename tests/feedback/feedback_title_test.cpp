@@ -61,6 +61,10 @@ TEST_F(FeedbackDisplay, CountZeroPurgesTheQueueAndRestoresTheTitle)
     EXPECT_TRUE(Feedback_End());
     // Still counted once: the display goes on.
     ASSERT_TRUE(recorder_.PumpUntil([&] { return recorder_.Saw(kBusy); }, 10000));
+    // The title arrives while the worker is still inside its display step; a
+    // count reaching 0 there sends it idle with the queue kept. Let it reach
+    // its sleep of Z first, so that the count reaches 0 in the sleep.
+    recorder_.Pump(400);
     for (int i = 0; i < 3; ++i)
         EXPECT_TRUE(Feedback_PostMsg(&message));
     EXPECT_TRUE(Feedback_End());
