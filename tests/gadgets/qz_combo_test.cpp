@@ -14,10 +14,15 @@
 namespace {
 
 // A window of another thread that takes the focus, then goes.
-DWORD WINAPI TakeFocusFromAnotherThread(LPVOID)
+// Holds the focus until `release` is set: given back at once, before the
+// first thread has looked, the focus would never have been seen to go.
+DWORD WINAPI TakeFocusFromAnotherThread(LPVOID release)
 {
     HWND w = CreateWindowA("Edit", "", WS_POPUP | WS_VISIBLE, 0, 0, 50, 20, nullptr, nullptr, nullptr, nullptr);
-    return SetForegroundWindow(w), SetFocus(w), DestroyWindow(w), 0;
+    SetForegroundWindow(w), SetFocus(w);
+    while (MsgWaitForMultipleObjects(1, &release, FALSE, 5000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
+        PumpMessages();
+    return DestroyWindow(w), 0;
 }
 
 BOOL CALLBACK CountWindow(HWND, LPARAM count)
@@ -200,11 +205,15 @@ TEST_F(QzCombo, TheLoopEndsOnEveryWayOutAndLeavesNothingBehind)
         {"capture lost", [](ComboDialog &d) { PressArrow(d.combo, false), SetCapture(d.button), ReleaseCapture(); }},
         {"click on the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_LBUTTONDOWN, MK_LBUTTON, 0); }},
         {"menu of the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_INITMENU, 0, 0); }},
-        {"another thread's window takes the focus", [](ComboDialog &) {
-             HANDLE t = CreateThread(nullptr, 0, TakeFocusFromAnotherThread, nullptr, 0, nullptr);
+        {"another thread's window takes the focus", [](ComboDialog &d) {
+             HANDLE release = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+             HANDLE t = CreateThread(nullptr, 0, TakeFocusFromAnotherThread, release, 0, nullptr);
+             for (DWORD start = GetTickCount(); SendMessageA(d.combo, QCM_ISOPEN, 0, 0) && GetTickCount() - start < 5000;)
+                 MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT), PumpMessages();
+             SetEvent(release);
              while (MsgWaitForMultipleObjects(1, &t, FALSE, 5000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
                  PumpMessages();
-             CloseHandle(t);
+             CloseHandle(t), CloseHandle(release);
          }},
         {"combo destroyed", [](ComboDialog &d) { DestroyWindow(d.combo); }},
         {"dialog destroyed", [](ComboDialog &d) { DestroyWindow(d.dialog); }},
