@@ -205,6 +205,9 @@ TEST_F(QzCombo, TheLoopEndsOnEveryWayOutAndLeavesNothingBehind)
         {"capture lost", [](ComboDialog &d) { PressArrow(d.combo, false), SetCapture(d.button), ReleaseCapture(); }},
         {"click on the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_LBUTTONDOWN, MK_LBUTTON, 0); }},
         {"menu of the dialog", [](ComboDialog &d) { SendMessageA(d.dialog, WM_INITMENU, 0, 0); }},
+        {"dialog deactivated", [](ComboDialog &d) { SendMessageA(d.dialog, WM_ACTIVATE, WA_INACTIVE, 0); }},
+        {"application deactivated", [](ComboDialog &d) { SendMessageA(d.dialog, WM_ACTIVATEAPP, FALSE, 0); }},
+        {"frame pressed", [](ComboDialog &d) { SendMessageA(d.dialog, WM_NCLBUTTONDOWN, HTNOWHERE, 0); }},
         {"another thread's window takes the focus", [](ComboDialog &d) {
              HANDLE release = CreateEventA(nullptr, TRUE, FALSE, nullptr);
              HANDLE t = CreateThread(nullptr, 0, TakeFocusFromAnotherThread, release, 0, nullptr);
