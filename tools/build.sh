@@ -10,6 +10,9 @@ arches=("$@"); [ ${#arches[@]} -gt 0 ] || arches=(x86_64 i686)
 launcher=()
 if command -v ccache >/dev/null; then
   export CCACHE_BASEDIR=$root
+  # The units start from a precompiled header: ccache may take the object
+  # from its cache when the header's build and the unit's agree.
+  export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
   launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 fi
 for arch in "${arches[@]}"; do

@@ -88,9 +88,10 @@ protected:
                 EXPECT_TRUE(expected == v) << "size " << N << " order " << order << " count " << count;
                 EXPECT_TRUE(g_busyDuringCompare) << "the cursor turns while the sort compares";
                 EXPECT_EQ(arrow, GetCursor()) << "and is given back afterwards";
-                if (order == Sorted || order == AllEqual)
+                if (order == Sorted || order == AllEqual) {
                     EXPECT_EQ(count < 2 ? 0 : static_cast<int>(count) - 1, g_compares)
                         << "a sorted array costs one pass";
+                }
             }
         }
     }

@@ -22,22 +22,22 @@ std::vector<BYTE> FillBits(COLORREF colour, int w, int h)
 
 std::vector<BYTE> Placeable(const std::vector<BYTE> &bits, WORD right, WORD bottom, WORD inch)
 {
-    std::vector<BYTE> f(22);
+    std::vector<BYTE> f(22 + bits.size());
     DWORD key = 0x9AC6CDD7;
     memcpy(&f[0], &key, 4);
     memcpy(&f[10], &right, 2);
     memcpy(&f[12], &bottom, 2);
     memcpy(&f[14], &inch, 2);
-    f.insert(f.end(), bits.begin(), bits.end());
+    std::copy(bits.begin(), bits.end(), f.begin() + 22);
     return f;
 }
 
 std::vector<BYTE> NewForm(LONG mode, LONG x, LONG y, const std::vector<BYTE> &bits)
 {
-    std::vector<BYTE> s(16);
+    std::vector<BYTE> s(16 + bits.size());
     LONG head[4] = {mode, x, y, 0};
     memcpy(s.data(), head, 16);
-    s.insert(s.end(), bits.begin(), bits.end());
+    std::copy(bits.begin(), bits.end(), s.begin() + 16);
     return s;
 }
 

@@ -72,8 +72,9 @@ TEST_F(QzBitmapGadget, PlainStyleAndMonochromeBitmapsAreDrawnAsTheyAre)
         FillRect(dc, &client, brush);
         UIBitBlt(dc, &client, row.bitmap);
         EXPECT_EQ(0, shown.Differences(ReadDC(dc, 0, 0, 30, 20))) << row.style << (row.bitmap == mono ? " mono" : "");
-        if (row.bitmap == picture)
+        if (row.bitmap == picture) {
             EXPECT_GT(shown.Count(kKey), 0) << "without 0x8000 the key colour stays";
+        }
         ReleaseDC(g, dc);
         DeleteObject(brush);
         DestroyWindow(g);

@@ -31,10 +31,11 @@ TEST_F(TelephonyTest, EachVerdictAndItsMessageThroughADial)
         for (int dial = 0; dial < 2; ++dial) {
             if (row.failing)
                 service.Plan(row.failing, row.error);
-            if (!dial)
+            if (!dial) {
                 EXPECT_EQ(row.verdict, Telephony_VerifyUsableLine(host, 0));
-            else if (row.verdict)
+            } else if (row.verdict) {
                 EXPECT_FALSE(Dial("555", {{row.message, MB_OK, IDOK}}));
+            }
             EXPECT_EQ((dial && !row.verdict) ? Lines{} : First(kVerify, row.calls), service.Transcript());
         }
     }
