@@ -325,6 +325,8 @@ void OnKeyDown(HWND gadget, const DialogTabRecord *record, WPARAM key)
         // shown one starts there.
         const TabNode *next = current->next;
         SetCurrent(gadget, next->tabId, SK_Plain);
+        if (!GadgetAlive(gadget, record))  // the host took the tabs down meanwhile
+            return;
         for (const TabNode *tab = next; tab; tab = tab->next)
             if (!tab->hidden) {
                 SetCurrent(gadget, tab->tabId, SK_Plain);
@@ -371,8 +373,11 @@ void OnMouse(HWND gadget, const DialogTabRecord *record, UINT message, WPARAM ke
     if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
         for (const TabNode *tab = record->firstTab; tab; tab = tab->next)
             if (!tab->hidden && PtInRect(&tab->rect, point)) {
+                // The focus change tells the control that had it, and its
+                // host may take the tabs down.
                 SetFocus(gadget);
-                SetCurrent(gadget, tab->tabId, SK_Plain);
+                if (GadgetAlive(gadget, record))
+                    SetCurrent(gadget, tab->tabId, SK_Plain);
                 return;
             }
     }

@@ -27,7 +27,7 @@ INT_PTR CALLBACK HostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         if (g_box)
             MessageBoxA(dialog, "inside a notification", "host", MB_OK);
         else
-            DestroyWindow(reinterpret_cast<HWND>(lParam));
+            DestroyWindow(GetDlgItem(dialog, ID_TABS));
     }
     return message == WM_INITDIALOG;
 }
@@ -157,6 +157,33 @@ TEST_F(DialogTab, HostileParentInEachNotification)
                 TearDown();
                 SetUp();
             }
+}
+
+// A host that takes the tabs down while they are still at a key or a
+// click: in a notification of the first step of a right arrow, or as the
+// page's edit loses the focus to a click on a tab. Nothing is recorded.
+TEST_F(DialogTab, HostileParentDuringAKeyOrAClick)
+{
+    for (WORD code : {WORD(TABN_CHANGING), WORD(TABN_CHANGED), WORD(EN_KILLFOCUS)}) {
+        AddPages();
+        g_box = false;
+        if (code == EN_KILLFOCUS) {
+            const RECT time = TabRect("Time");
+            SetFocus(Item(202));
+            ASSERT_EQ(Item(202), GetFocus());
+            g_actOn = code;
+            Click(tabs_, (time.left + time.right) / 2, 8);
+        } else {
+            g_actOn = code;
+            Key(tabs_, VK_RIGHT);
+        }
+        EXPECT_EQ(0, g_actOn) << code;
+        EXPECT_FALSE(IsWindow(tabs_)) << code;
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << code;
+        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+        TearDown();
+        SetUp();
+    }
 }
 
 // Tabs that own their controls: replacing the current page's template
