@@ -160,27 +160,30 @@ TEST_F(DialogTab, HostileParentInEachNotification)
 }
 
 // A host that takes the tabs down while they are still at a key or a
-// click: in a notification of the first step of a right arrow, or as the
-// page's edit loses the focus to a click on a tab. Nothing is recorded.
+// click: in a notification of an arrow's change (the right arrow's first
+// step), or as the page's edit loses the focus to a click on a tab.
 TEST_F(DialogTab, HostileParentDuringAKeyOrAClick)
 {
-    for (WORD code : {WORD(TABN_CHANGING), WORD(TABN_CHANGED), WORD(EN_KILLFOCUS)}) {
+    const struct {
+        WORD code;
+        UINT key;  // 0: a click on the second tab
+    } cases[] = {{TABN_CHANGING, VK_RIGHT}, {TABN_CHANGED, VK_RIGHT}, {TABN_CHANGED, VK_LEFT},
+                 {EN_KILLFOCUS, 0}};
+    for (const auto &c : cases) {
         AddPages();
+        Tab_SetCurrentTab(tabs_, c.key == VK_LEFT ? 2 : 1);
+        SetFocus(Item(202));
+        const RECT time = TabRect("Time");
         g_box = false;
-        if (code == EN_KILLFOCUS) {
-            const RECT time = TabRect("Time");
-            SetFocus(Item(202));
-            ASSERT_EQ(Item(202), GetFocus());
-            g_actOn = code;
+        g_actOn = c.code;
+        if (c.key)
+            Key(tabs_, c.key);
+        else
             Click(tabs_, (time.left + time.right) / 2, 8);
-        } else {
-            g_actOn = code;
-            Key(tabs_, VK_RIGHT);
-        }
-        EXPECT_EQ(0, g_actOn) << code;
-        EXPECT_FALSE(IsWindow(tabs_)) << code;
-        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << code;
-        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr));
+        EXPECT_EQ(0, g_actOn) << c.code;
+        EXPECT_FALSE(IsWindow(tabs_)) << c.code;
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << c.code << " nothing recorded";
+        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr)) << c.code << " key " << c.key;
         TearDown();
         SetUp();
     }
