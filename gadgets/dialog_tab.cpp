@@ -142,6 +142,10 @@ void ApplyToList(HWND gadget, const DWORD *ids, ListStep step)
             ValidateRect(parent, &place);
             break;
         }
+        // Hiding the control that has the focus tells the host, which may
+        // take the tabs down, and their lists with them.
+        if (!IsWindow(gadget))
+            return;
     }
 }
 
