@@ -142,6 +142,10 @@ void ApplyToList(HWND gadget, const DWORD *ids, ListStep step)
             ValidateRect(parent, &place);
             break;
         }
+        // Hiding the control that has the focus tells the host, which may
+        // take the tabs down, and their lists with them.
+        if (!IsWindow(gadget))
+            return;
     }
 }
 
@@ -178,6 +182,16 @@ void SwitchPages(HWND gadget, const TabNode *old, const TabNode *next, bool anyT
             ApplyToList(gadget, old->inclusionIds, LS_HideIncluded);
         else if (old->exclusionIds)
             ApplyToList(gadget, old->exclusionIds, LS_LeaveExclusion);
+    }
+    if (!IsWindow(gadget)) {
+        // The old page's focus went and the host took the tabs down.
+        if (region)
+            DeleteObject(region);
+        if (redrawPending && IsWindow(parent)) {
+            SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
+            InvalidateRect(parent, nullptr, TRUE);
+        }
+        return;
     }
     if (next) {
         if (next->dialogTemplate) {
@@ -325,6 +339,8 @@ void OnKeyDown(HWND gadget, const DialogTabRecord *record, WPARAM key)
         // shown one starts there.
         const TabNode *next = current->next;
         SetCurrent(gadget, next->tabId, SK_Plain);
+        if (!GadgetAlive(gadget, record))  // the host took the tabs down meanwhile
+            return;
         for (const TabNode *tab = next; tab; tab = tab->next)
             if (!tab->hidden) {
                 SetCurrent(gadget, tab->tabId, SK_Plain);
@@ -371,8 +387,11 @@ void OnMouse(HWND gadget, const DialogTabRecord *record, UINT message, WPARAM ke
     if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
         for (const TabNode *tab = record->firstTab; tab; tab = tab->next)
             if (!tab->hidden && PtInRect(&tab->rect, point)) {
+                // The focus change tells the control that had it, and its
+                // host may take the tabs down.
                 SetFocus(gadget);
-                SetCurrent(gadget, tab->tabId, SK_Plain);
+                if (GadgetAlive(gadget, record))
+                    SetCurrent(gadget, tab->tabId, SK_Plain);
                 return;
             }
     }
@@ -538,6 +557,20 @@ extern "C" LONG WINAPI Tab_GetTabHeight(HWND /*tabs*/)
     return TabEndPieceSize(&piece) ? piece.cy + 4 : 0;
 }
 
+// The host took the tabs down amid a replacement: gives back what the call
+// took and turns the parent's redraw on again.
+static BOOL GiveBackReplacement(HWND parent, HGLOBAL loaded, HRGN region)
+{
+    FreeResource(loaded);
+    if (region)
+        DeleteObject(region);
+    if (IsWindow(parent)) {
+        SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(parent, nullptr, TRUE);
+    }
+    return FALSE;
+}
+
 extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD oldId, DWORD newId,
                                                  HMODULE module, LPCSTR templateName)
 {
@@ -566,27 +599,23 @@ extern "C" BOOL WINAPI Tab_TransmogrifyDialogTab(HWND tabs, LPCSTR label, DWORD 
     HGLOBAL loaded = TabLoadTemplate(tabs, node, module, templateName, !current, &size);
     if (!loaded && own)
         memcpy(node->controls, previous, sizeof previous);
-    if (loaded && current && !GadgetNotifyAlive(tabs, kTabChanging, record)) {
-        // The host took the tabs down: give back what this call took.
-        FreeResource(loaded);
-        if (region)
-            DeleteObject(region);
-        if (IsWindow(parent)) {
-            SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
-            InvalidateRect(parent, nullptr, TRUE);
-        }
-        return FALSE;
-    }
+    if (loaded && current && !GadgetNotifyAlive(tabs, kTabChanging, record))
+        return GiveBackReplacement(parent, loaded, region);
     if (loaded) {
         if (current && own) {
             HWND fresh[kTabControlSlots];
             memcpy(fresh, node->controls, sizeof fresh);
             memcpy(node->controls, previous, sizeof previous);
             TabHideDialogControls(tabs, node, loaded, size, &region);
-            memcpy(node->controls, fresh, sizeof fresh);
+            if (GadgetAlive(tabs, record))
+                memcpy(node->controls, fresh, sizeof fresh);
         } else if (current) {
             TabHideDialogControls(tabs, node, loaded, size, &region);
         }
+        // Hiding the old page may move the focus, and the host told of it
+        // may take the tabs down.
+        if (current && !GadgetAlive(tabs, record))
+            return GiveBackReplacement(parent, loaded, region);
         char *text = CopyLabel(label, module);
         if (text) {
             if (node->dialogTemplate)

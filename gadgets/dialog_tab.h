@@ -65,7 +65,8 @@ HGLOBAL TabLoadTemplate(HWND gadget, TabNode *node, HMODULE module, LPCSTR name,
 // Hides the controls of node's template, leaving those whose id also
 // occurs in `next` (unless every tab owns its controls). Adds their places
 // to *region when region is given; a region that cannot be grown is
-// deleted and set to null.
+// deleted and set to null. Stops at once when the gadget is destroyed
+// meanwhile (the host, told of a focus change, may do that).
 void TabHideDialogControls(HWND gadget, const TabNode *node, HGLOBAL next, DWORD nextSize,
                            HRGN *region);
 // The place of `control` in the client coordinates of `window`.

@@ -279,6 +279,10 @@ void TabHideDialogControls(HWND gadget, const TabNode *node, HGLOBAL next, DWORD
         SetPropA(control, kDisabledMarkProperty,
                  reinterpret_cast<HANDLE>(static_cast<INT_PTR>(IsWindowEnabled(control) ? 0 : 1)));
         EnableWindow(control, FALSE);
+        // Disabling the control that has the focus tells the host, which
+        // may take the tabs down: the node is gone then.
+        if (!IsWindow(gadget))
+            return;
         if (region) {
             RECT place = TabRectIn(parent, control);
             InflateRect(&place, 1, 1);

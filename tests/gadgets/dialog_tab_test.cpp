@@ -5,6 +5,7 @@
 #include "failure_seam.h"
 #include "message_box_driver.h"
 #include "window_harness.h"
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <vector>
@@ -27,7 +28,7 @@ INT_PTR CALLBACK HostProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         if (g_box)
             MessageBoxA(dialog, "inside a notification", "host", MB_OK);
         else
-            DestroyWindow(reinterpret_cast<HWND>(lParam));
+            DestroyWindow(GetDlgItem(dialog, ID_TABS));
     }
     return message == WM_INITDIALOG;
 }
@@ -157,6 +158,44 @@ TEST_F(DialogTab, HostileParentInEachNotification)
                 TearDown();
                 SetUp();
             }
+}
+
+// A host that takes the tabs down midway: in a notification of an arrow's
+// change (the right arrow's first step), or as the page's edit loses the
+// focus to a click on a tab, a change of page or the replacement of the
+// current page. Nothing is recorded, and the host's redraw is left on.
+TEST_F(DialogTab, HostileParentMidwayThroughAChange)
+{
+    const struct {
+        WORD code;
+        char act;  // Right or Left arrow, Click on tab 2, Set tab 2, Transmogrify tab 1
+    } cases[] = {{TABN_CHANGING, 'R'}, {TABN_CHANGED, 'R'}, {TABN_CHANGED, 'L'},
+                 {EN_KILLFOCUS, 'C'},  {EN_KILLFOCUS, 'S'}, {EN_KILLFOCUS, 'T'}};
+    for (const auto &c : cases) {
+        AddPages();
+        Tab_SetCurrentTab(tabs_, c.act == 'L' ? 2 : 1);
+        SetFocus(Item(202));
+        const RECT time = TabRect("Time");
+        g_box = false;
+        g_actOn = c.code;
+        if (c.act == 'R' || c.act == 'L')
+            Key(tabs_, c.act == 'R' ? VK_RIGHT : VK_LEFT);
+        else if (c.act == 'C')
+            Click(tabs_, (time.left + time.right) / 2, 8);
+        else if (c.act == 'S')
+            Tab_SetCurrentTab(tabs_, 2);
+        else
+            EXPECT_FALSE(Tab_TransmogrifyDialogTab(tabs_, "New", 1, 9, resources_, "TABPAGE2"));
+        EXPECT_EQ(0, g_actOn) << c.act;
+        EXPECT_FALSE(IsWindow(tabs_)) << c.act;
+        EXPECT_EQ(RV_Success, OSErrorGetErrorValue()) << c.act << ": nothing recorded";
+        EXPECT_TRUE(HeapValidate(GetProcessHeap(), 0, nullptr)) << c.act << " at " << c.code;
+        auto redraw = std::find_if(g_seen.rbegin(), g_seen.rend(),
+                                   [](const Message &m) { return m.message == WM_SETREDRAW; });
+        EXPECT_TRUE(redraw == g_seen.rend() || redraw->wParam) << c.act << ": redraw left off";
+        TearDown();
+        SetUp();
+    }
 }
 
 // Tabs that own their controls: replacing the current page's template
