@@ -163,6 +163,18 @@ void RepaintParent(HWND parent, HRGN region)
     }
 }
 
+// The host took the tabs down midway through a change: deletes the region
+// and turns the parent's redraw on again if the change had turned it off.
+void EndAfterTeardown(HWND parent, HRGN region, bool redrawOff)
+{
+    if (region)
+        DeleteObject(region);
+    if (redrawOff && IsWindow(parent)) {
+        SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(parent, nullptr, TRUE);
+    }
+}
+
 void SwitchPages(HWND gadget, const TabNode *old, const TabNode *next, bool anyTemplate)
 {
     HWND parent = GetParent(gadget);
@@ -185,12 +197,7 @@ void SwitchPages(HWND gadget, const TabNode *old, const TabNode *next, bool anyT
     }
     if (!IsWindow(gadget)) {
         // The old page's focus went and the host took the tabs down.
-        if (region)
-            DeleteObject(region);
-        if (redrawPending && IsWindow(parent)) {
-            SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
-            InvalidateRect(parent, nullptr, TRUE);
-        }
+        EndAfterTeardown(parent, region, redrawPending);
         return;
     }
     if (next) {
@@ -562,12 +569,7 @@ extern "C" LONG WINAPI Tab_GetTabHeight(HWND /*tabs*/)
 static BOOL GiveBackReplacement(HWND parent, HGLOBAL loaded, HRGN region)
 {
     FreeResource(loaded);
-    if (region)
-        DeleteObject(region);
-    if (IsWindow(parent)) {
-        SendMessageA(parent, WM_SETREDRAW, TRUE, 0);
-        InvalidateRect(parent, nullptr, TRUE);
-    }
+    EndAfterTeardown(parent, region, true);
     return FALSE;
 }
 
